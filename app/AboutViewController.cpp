@@ -1,0 +1,19 @@
+#include "AboutViewController.h"
+
+#include "windows/Bundle.h"
+#include "windows/ModalRun.h"
+
+void AboutViewController::viewDidLoad() {
+    ContentController::viewDidLoad();
+    const auto information = mainBundle::infoDictionary();
+    if (!information)
+        return;
+    const QVariant version = information->value(QStringLiteral("CFBundleShortVersionString"));
+    if (version.typeId() != QMetaType::QString)
+        return;
+    LabelVersionString->setText(Localizable::tr("VERSION", "Version") + u' ' + version.toString());
+}
+
+void AboutViewController::dismissAboutWindow(QObject* /*sender*/) {
+    stopModal();
+}

@@ -1,0 +1,7 @@
+#include "AlertViewController.h"
+
+#include "windows/ModalRun.h"
+
+void AlertViewController::dismissAlertWindow(QObject* /*sender*/) {
+    stopModal();
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "windows/ContentController.h"
+
+/// Controls the window that says that the device can't be reached.
+class AlertViewController : public ContentController {
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE AlertViewController() = default;
+
+public slots:
+    /// Ends the modal run; what comes after it is the opener's decision.
+    void dismissAlertWindow(QObject* sender);
+};

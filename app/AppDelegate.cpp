@@ -1,0 +1,12 @@
+#include "AppDelegate.h"
+
+#include "windows/ModalRun.h"
+#include "windows/WindowDescription.h"
+
+void AppDelegate::ShowAboutWindow(QObject* /*sender*/) {
+    const WindowDescription description(QStringLiteral("Main"));
+    const auto controller =
+        description.instantiateWindowController(QStringLiteral("About Window Controller"));
+    if (QWidget* window = controller->window())
+        runModalForWindow(*window);
+}

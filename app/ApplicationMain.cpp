@@ -1,0 +1,99 @@
+#include "ApplicationMain.h"
+
+#include "AboutViewController.h"
+#include "AlertViewController.h"
+#include "AppDelegate.h"
+#include "CustomSliderCell.h"
+#include "ImageViews.h"
+#include "ViewController.h"
+#include "host/FatalStop.h"
+#include "host/Log.h"
+#include "windows/Bundle.h"
+#include "windows/DescribedClasses.h"
+#include "windows/WindowDescription.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QPalette>
+#include <QStyleFactory>
+
+#include <csignal>
+#include <cstdlib>
+
+#include <unistd.h>
+
+namespace {
+
+QPalette darkPalette() {
+    QPalette palette;
+    const auto set = [&palette](QPalette::ColorRole role, const char* color) {
+        palette.setColor(role, color);
+    };
+    set(QPalette::Window, "#0C0D10");
+    set(QPalette::Base, "#0C0D10");
+    set(QPalette::AlternateBase, "#141619");
+    set(QPalette::Button, "#23262B");
+    set(QPalette::WindowText, "#D0D0D1");
+    set(QPalette::Text, "#D0D0D1");
+    set(QPalette::ButtonText, "#D0D0D1");
+    set(QPalette::Highlight, "#C92A30");
+    set(QPalette::HighlightedText, "#FFFFFF");
+    set(QPalette::PlaceholderText, "#9AA0AA");
+    set(QPalette::ToolTipBase, "#F3F1F0");
+    set(QPalette::ToolTipText, "#141619");
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor("#6F747E"));
+    return palette;
+}
+
+/// The end by SIGTERM is a deliberate end like any other. Nothing is saved and the device is not told, so
+/// there is nothing to wait for, also while a request to the device is under way.
+void endOnTerminate() {
+    (void)std::signal(SIGTERM, [](int) { ::_exit(EXIT_SUCCESS); }); // fails for unknown signals only
+}
+
+void logQtMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
+    systemLog("%s", qUtf8Printable(message));
+}
+
+void registerApplicationClasses() {
+    registerDescribedClass<WindowController>();
+    registerDescribedClass<ViewController>();
+    registerDescribedClass<AlertViewController>();
+    registerDescribedClass<AboutViewController>();
+    registerDescribedClass<MyImageView>();
+    registerDescribedClass<AlertImageView>();
+    registerDescribedClass<AboutImageView>();
+    registerDescribedClass<CustomPopUpButton>();
+    registerDescribedClass<CustomSliderCell>();
+    registerDescribedClass<CustomSliderCell2>();
+    registerDescribedClass<AttributedRadioButton>();
+}
+
+} // namespace
+
+void setUpApplication(QApplication& application) {
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(darkPalette());
+    mainBundle::open(application);
+    registerApplicationClasses();
+    QApplication::setWindowIcon(QIcon(QStringLiteral("bundle:images/tavro-setup-96.png")));
+}
+
+int applicationMain(int argc, char** argv) {
+    endOnTerminate();
+    (void)qInstallMessageHandler(logQtMessage);
+    QApplication application(argc, argv);
+    setUpApplication(application);
+    AppDelegate delegate;
+    const WindowDescription description(QStringLiteral("Main"));
+    const auto controller =
+        description.instantiateWindowController(description.initialController(), &delegate);
+    if (!controller->window())
+        fatalStop("the initial controller has no window");
+    controller->window()->show();
+    delegate.applicationDidFinishLaunching();
+    QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
+                     &AppDelegate::applicationWillTerminate);
+    return QApplication::exec();
+}

@@ -1,0 +1,222 @@
+#include "ViewController.h"
+
+#include "Colors.h"
+#include "host/FatalStop.h"
+#include "windows/Bundle.h"
+#include "windows/ModalRun.h"
+#include "windows/WindowDescription.h"
+
+#include <QSignalBlocker>
+
+#include <array>
+#include <cstdlib>
+#include <limits>
+
+static_assert(ViewController::CFW_DATA_ARRAY_SIZE == std::tuple_size_v<FirmwareVersionRecord>);
+
+namespace {
+
+/// What a control shows, as the device takes it. What does not fit is a fault of the window description.
+std::uint8_t checkedByte(int value, const char* control) {
+    if (value < 0 || value > std::numeric_limits<std::uint8_t>::max())
+        fatalStop("%s: %d does not fit in 8 bits", control, value);
+    return static_cast<std::uint8_t>(value);
+}
+
+/// Shows what the device reported; the user's action is not meant.
+void show(const Outlet<QSlider>& slider, std::uint8_t volume) {
+    const QSignalBlocker blocker(slider.operator->());
+    slider->setValue(volume);
+}
+
+void show(const Outlet<AttributedRadioButton>& button, bool selected) {
+    const QSignalBlocker blocker(button.operator->());
+    button->setChecked(selected);
+}
+
+QString firmwareText(const FirmwareVersionRecord& b) {
+    return Localizable::tr("FW_VERSION", "FW_VERSION")
+           + QString::asprintf(" v%d.%d.%d.%d (%02d%02d%02d%02d.%02d%02d%02d%02d)", b[0], b[1], b[2], b[3],
+                               b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11]);
+}
+
+} // namespace
+
+void ViewController::setRepresentedObject(const QVariant& object) {
+    ContentController::setRepresentedObject(object);
+}
+
+void ViewController::viewDidLoad() {
+    ContentController::viewDidLoad();
+    DeviceCtrl.reset();
+    DeviceCtrl = CVn318UvcController::CreateInstance();
+    if (!DeviceCtrl)
+        alertAndQuit();
+    callOrQuit([](CVn318UvcController& device) { return device.SyncRtc(); });
+
+    // From here on a failed read shows as 0: the device is there, and the next action will tell.
+    std::uint8_t h264 = 0;
+    std::uint8_t mjpeg = 0;
+    (void)device().GetBitRate(h264, mjpeg);
+    DisplayBitRateImage(h264);
+    showVolumes();
+    FirmwareVersionRecord firmware{};
+    (void)device().GetFwVersion(firmware);
+    std::uint8_t hdcp = CHDCP_OFF;
+    (void)device().GetHdcpState(hdcp);
+    DisplayHdcpRadioButton(hdcp);
+    LabelFwVersion->setText(firmwareText(firmware));
+    fillRecordQuality(h264);
+    styleHdcpTitles();
+}
+
+void ViewController::showVolumes() {
+    std::uint8_t microphone = 0;
+    (void)device().GetMicrophoneVolume(microphone);
+    show(SliderMicrophoneVolume, microphone);
+    std::uint8_t headphone = 0;
+    (void)device().GetHeadphoneVolume(headphone);
+    show(SliderHeadphoneVolume, headphone);
+    // The shared slider starts from the HDMI volume alone; the AUX volume is not read.
+    std::uint8_t hdmi = 0;
+    (void)device().GetHdmiVolume(hdmi);
+    show(SliderHmdiAuxVolume, hdmi);
+}
+
+void ViewController::fillRecordQuality(int level) {
+    PopupRecordQuality->removeAllItems();
+    PopupRecordQuality->addItemsWithTitles({Localizable::tr("HIGH", "High"),
+                                            Localizable::tr("MIDDLE", "Middle"),
+                                            Localizable::tr("LOW", "Low")});
+    PopupRecordQuality->selectItemAtIndex(level);
+    PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
+    CustomPopUpButton* popUp = PopupRecordQuality.operator->();
+    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen);
+    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose);
+}
+
+void ViewController::styleHdcpTitles() {
+    // Given on the scale 0 to 255 on purpose: it makes full white at 80 % opacity.
+    const QColor light = deviceColor(230.0, 230.0, 230.0, 0.8);
+    for (const auto* button : {&HdcpOnButton, &HdcpOffButton}) {
+        const QString title = (*button)->text();
+        (*button)->setAttributedTitle(createAttributedString(title, light, title, light));
+    }
+}
+
+CVn318UvcController& ViewController::device() const {
+    if (!DeviceCtrl)
+        fatalStop("DeviceCtrl is absent");
+    return *DeviceCtrl;
+}
+
+void ViewController::callOrQuit(const DeviceCall& call) {
+    if (call(device()))
+        return;
+    DeviceCtrl.reset(); // the old one is gone before the device is opened again
+    DeviceCtrl = CVn318UvcController::CreateInstance();
+    if (!DeviceCtrl || !call(*DeviceCtrl))
+        alertAndQuit();
+}
+
+void ViewController::alertAndQuit() {
+    showAlertWindow(this);
+    std::exit(EXIT_SUCCESS);
+}
+
+void ViewController::showAlertWindow(QObject* /*sender*/) {
+    const WindowDescription description(QStringLiteral("Main"));
+    const auto controller =
+        description.instantiateWindowController(QStringLiteral("Alert Window Controller"));
+    if (QWidget* window = controller->window())
+        runModalForWindow(*window);
+}
+
+void ViewController::QuitApp(QObject* /*sender*/) {
+    std::exit(EXIT_SUCCESS);
+}
+
+void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
+    const std::uint8_t level =
+        checkedByte(PopupRecordQuality->indexOfSelectedItem(), PopupRecordQuality.name());
+    std::uint8_t h264 = 0;
+    std::uint8_t mjpeg = 0;
+    callOrQuit([&](CVn318UvcController& device) { return device.GetBitRate(h264, mjpeg); });
+    // A failed write shows in what is read back.
+    (void)device().SetBitRate(level, mjpeg);
+    h264 = 0;
+    (void)device().GetBitRate(h264, mjpeg);
+    DisplayBitRateImage(h264);
+}
+
+void ViewController::DisplayBitRateImage(std::uint8_t level) {
+    struct LevelImage {
+        std::uint8_t level;
+        const char* name;
+    };
+    constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
+                                                 {CBIT_RATE_MIDDLE, "img_starGood.png"},
+                                                 {CBIT_RATE_LOW, "img_starGen.png"}}};
+    const char* name = kImages.front().name;
+    for (const LevelImage& image : kImages) {
+        if (image.level == level)
+            name = image.name;
+    }
+    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(name)));
+}
+
+void ViewController::menuWillOpen(QObject* /*menu*/) {
+    PopupRecordQuality->setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
+}
+
+void ViewController::menuDidClose(QObject* /*menu*/) {
+    PopupRecordQuality->setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
+}
+
+void ViewController::ChangeMicrophoneVolume(QObject* /*sender*/) {
+    changeVolume(SliderMicrophoneVolume, &CVn318UvcController::SetMicrophoneVolume, nullptr,
+                 &CVn318UvcController::GetMicrophoneVolume);
+}
+
+void ViewController::ChangeHeadphoneVolume(QObject* /*sender*/) {
+    changeVolume(SliderHeadphoneVolume, &CVn318UvcController::SetHeadphoneVolume, nullptr,
+                 &CVn318UvcController::GetHeadphoneVolume);
+}
+
+void ViewController::ChangeHdmiAuxVolume(QObject* /*sender*/) {
+    changeVolume(SliderHmdiAuxVolume, &CVn318UvcController::SetHdmiVolume, &CVn318UvcController::SetAuxVolume,
+                 &CVn318UvcController::GetHdmiVolume);
+}
+
+void ViewController::changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite,
+                                  VolumeRead readBack) {
+    const std::uint8_t chosen = checkedByte(slider->value(), slider.name());
+    callOrQuit([&](CVn318UvcController& device) { return (device.*write)(chosen); });
+    // The extra write has no second try and no alert, unlike the first one; that is meant.
+    if (extraWrite)
+        (void)(device().*extraWrite)(chosen);
+    std::uint8_t reported = 0;
+    (void)(device().*readBack)(reported); // 0 after a failure, and shown as that
+    show(slider, reported);
+}
+
+void ViewController::TurnOnHdcp(QObject* /*sender*/) {
+    switchHdcp(CHDCP_ON);
+}
+
+void ViewController::TurnOffHdcp(QObject* /*sender*/) {
+    switchHdcp(CHDCP_OFF);
+}
+
+void ViewController::switchHdcp(std::uint8_t state) {
+    callOrQuit([state](CVn318UvcController& device) { return device.SetHdcpState(state); });
+    std::uint8_t reported = CHDCP_OFF;
+    (void)device().GetHdcpState(reported);
+    DisplayHdcpRadioButton(reported);
+}
+
+void ViewController::DisplayHdcpRadioButton(std::uint8_t state) {
+    const bool on = state == CHDCP_ON;
+    show(HdcpOnButton, on);
+    show(HdcpOffButton, !on);
+}

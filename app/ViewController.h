@@ -1,0 +1,97 @@
+#pragma once
+
+#include "AttributedRadioButton.h"
+#include "CustomPopUpButton.h"
+#include "ImageViews.h"
+#include "VN318UvcController.h"
+#include "windows/ContentController.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSlider>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+/// Controls the settings window: fills it from the device at the start, and turns every action of the user
+/// into a write to the device and a read of what the device then has, which is what is shown.
+class ViewController : public ContentController {
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE ViewController() = default;
+
+    // Bit-rate levels count downwards in quality; the pop-up's items stand in their order.
+    static constexpr std::uint8_t CBIT_RATE_HIGH = 0;
+    static constexpr std::uint8_t CBIT_RATE_MIDDLE = 1;
+    static constexpr std::uint8_t CBIT_RATE_LOW = 2;
+    static constexpr std::ptrdiff_t CFW_DATA_ARRAY_SIZE = 12; ///< bytes
+    static constexpr std::uint8_t CHDCP_ON = 1;
+    static constexpr std::uint8_t CHDCP_OFF = 0;
+
+    Outlet<MyImageView> MyMainImageView{m_outlets, "MyMainImageView"};
+    Outlet<QLabel> LabelBitRateState{m_outlets, "LabelBitRateState"};
+    Outlet<QPushButton> ButtonHigh{m_outlets, "ButtonHigh"};
+    Outlet<QPushButton> ButtonMiddle{m_outlets, "ButtonMiddle"};
+    Outlet<QPushButton> ButtonLow{m_outlets, "ButtonLow"};
+    Outlet<CustomPopUpButton> PopupRecordQuality{m_outlets, "PopupRecordQuality"};
+    Outlet<QLabel> QualityImage{m_outlets, "QualityImage"};
+    Outlet<QLabel> LabelMicrophoneVolume{m_outlets, "LabelMicrophoneVolume"};
+    Outlet<QSlider> SliderMicrophoneVolume{m_outlets, "SliderMicrophoneVolume"};
+    Outlet<QLabel> LabelHeadphoneVolume{m_outlets, "LabelHeadphoneVolume"};
+    Outlet<QSlider> SliderHeadphoneVolume{m_outlets, "SliderHeadphoneVolume"};
+    Outlet<QLabel> LabelHdmiAuxVolume{m_outlets, "LabelHdmiAuxVolume"};
+    // "Hmdi" is the spelling by which the window description knows it.
+    Outlet<QSlider> SliderHmdiAuxVolume{m_outlets, "SliderHmdiAuxVolume"};
+    Outlet<QLabel> LabelFwVersion{m_outlets, "LabelFwVersion"};
+    Outlet<AttributedRadioButton> HdcpOnButton{m_outlets, "HdcpOnButton"};
+    Outlet<AttributedRadioButton> HdcpOffButton{m_outlets, "HdcpOffButton"};
+
+    /// The open device; absent only before start-up and while it is being replaced.
+    std::unique_ptr<CVn318UvcController> DeviceCtrl;
+
+    /// Start-up. Blocks for the whole dialogue with the device. Without a device that keeps time it shows
+    /// the alert and ends the program.
+    void viewDidLoad() override;
+    void setRepresentedObject(const QVariant& object) override;
+
+    /// Shows a bit-rate level as stars; an unknown one as the best.
+    void DisplayBitRateImage(std::uint8_t level);
+    /// Only the state 1 is shown as on.
+    void DisplayHdcpRadioButton(std::uint8_t state);
+
+public slots:
+    void ChooseRecordQuality(QObject* sender);
+    void ChangeMicrophoneVolume(QObject* sender);
+    void ChangeHeadphoneVolume(QObject* sender);
+    void ChangeHdmiAuxVolume(QObject* sender);
+    void TurnOnHdcp(QObject* sender);
+    void TurnOffHdcp(QObject* sender);
+    /// Runs the alert window modally. Neither ends the program nor touches the device.
+    void showAlertWindow(QObject* sender);
+    /// Ends the program at once with status 0.
+    [[noreturn]] void QuitApp(QObject* sender);
+    void menuWillOpen(QObject* menu);
+    void menuDidClose(QObject* menu);
+
+private:
+    using DeviceCall = std::function<bool(CVn318UvcController&)>;
+    using VolumeWrite = bool (CVn318UvcController::*)(int);
+    using VolumeRead = bool (CVn318UvcController::*)(std::uint8_t&);
+
+    /// The device, whose absence where it is used is a fault of the program.
+    [[nodiscard]] CVn318UvcController& device() const;
+    /// Makes the call. If it fails the device is opened again and the call is repeated once; if that fails
+    /// too, the alert is shown and the program ends.
+    void callOrQuit(const DeviceCall& call);
+    [[noreturn]] void alertAndQuit();
+    /// Writes what the slider shows, then shows what the device reports. `extraWrite` may be absent.
+    void changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite,
+                      VolumeRead readBack);
+    void switchHdcp(std::uint8_t state);
+    void showVolumes();
+    void fillRecordQuality(int level);
+    void styleHdcpTitles();
+};

@@ -1,0 +1,32 @@
+#include "AttributedRadioButton.h"
+
+#include "Colors.h"
+
+#include <QStyleOptionButton>
+#include <QStylePainter>
+
+void AttributedRadioButton::setAttributedTitle(const AttributedString& title) {
+    m_title = title;
+    setText(title.string);
+    update();
+}
+
+void AttributedRadioButton::paintEvent(QPaintEvent* event) {
+    if (m_title.string.isEmpty()) {
+        QRadioButton::paintEvent(event);
+        return;
+    }
+    QStyleOptionButton option;
+    initStyleOption(&option);
+    const bool underline = style()->styleHint(QStyle::SH_UnderlineShortcut, &option, this) != 0;
+    AttributedString title = withMnemonic(m_title, underline);
+    if (!isEnabled())
+        title.addColor(0, title.string.size(), kDisabledTextColor);
+    else if (underMouse())
+        title.addColor(0, title.string.size(), Qt::white);
+    const QRect box = style()->subElementRect(QStyle::SE_RadioButtonContents, &option, this);
+    option.text.clear(); // the style draws all but the title
+    QStylePainter painter(this);
+    painter.drawControl(QStyle::CE_RadioButton, option);
+    drawAttributedString(painter, box, title);
+}

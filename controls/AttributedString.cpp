@@ -1,0 +1,94 @@
+#include "AttributedString.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kTitlePixels = 14;
+
+qsizetype perceivedCharacters(const QString& string) {
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, string);
+    qsizetype count = 0;
+    while (finder.toNextBoundary() != -1)
+        ++count;
+    return count;
+}
+
+} // namespace
+
+void AttributedString::addColor(qsizetype start, qsizetype length, const QColor& color) {
+    QTextCharFormat format;
+    format.setForeground(color);
+    colors.append({static_cast<int>(start), static_cast<int>(length), format});
+}
+
+QColor AttributedString::colorAt(qsizetype index) const {
+    const auto covers = [index](const QTextLayout::FormatRange& range) {
+        return index >= range.start && index < range.start + range.length
+               && range.format.hasProperty(QTextFormat::ForegroundBrush);
+    };
+    const auto found = std::find_if(colors.rbegin(), colors.rend(), covers);
+    return found == colors.rend() ? QColor() : found->format.foreground().color();
+}
+
+QFont titleFont() {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(kTitlePixels);
+    return font;
+}
+
+AttributedString createAttributedString(const QString& fullString, const QColor& fullStringColor,
+                                        const QString& subString, const QColor& subStringColor) {
+    const qsizetype found = subString.isEmpty() ? -1 : fullString.indexOf(subString);
+    AttributedString result{fullString, titleFont(), {}};
+    result.addColor(0, perceivedCharacters(fullString), fullStringColor);
+    if (found >= 0)
+        result.addColor(found, subString.size(), subStringColor);
+    return result;
+}
+
+AttributedString withMnemonic(const AttributedString& title, bool underline) {
+    const qsizetype mark = title.string.indexOf(u'&');
+    AttributedString shown = title;
+    if (mark < 0 || mark + 1 == title.string.size())
+        return shown;
+    shown.string.remove(mark, 1);
+    for (QTextLayout::FormatRange& range : shown.colors) {
+        if (range.start > mark)
+            --range.start;
+        else if (range.start + range.length > mark)
+            --range.length;
+    }
+    if (underline) {
+        QTextCharFormat format;
+        format.setFontUnderline(true);
+        if (const QColor color = shown.colorAt(mark); color.isValid())
+            format.setForeground(color);
+        shown.colors.append({static_cast<int>(mark), 1, format});
+    }
+    return shown;
+}
+
+void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString text) {
+    const QString elided = QFontMetricsF(text.font).elidedText(text.string, Qt::ElideRight, box.width());
+    if (elided != text.string && !elided.isEmpty()) {
+        text.addColor(elided.size() - 1, 1, text.colorAt(elided.size() - 1));
+        text.string = elided;
+    }
+    QTextLayout layout(text.string, text.font, painter.device());
+    QTextOption option;
+    option.setTextDirection(painter.layoutDirection());
+    option.setWrapMode(QTextOption::NoWrap);
+    layout.setTextOption(option);
+    layout.setFormats(text.colors);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid())
+        line.setLineWidth(box.width());
+    layout.endLayout();
+    layout.draw(&painter, {box.left(), box.top() + (box.height() - layout.boundingRect().height()) / 2});
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QList>
+#include <QMetaType>
+#include <QPainter>
+#include <QRectF>
+#include <QString>
+#include <QTextLayout>
+
+/// A text in one font with colours for stretches of it. Stretches count 16-bit code units; where two overlap
+/// the later one holds.
+struct AttributedString {
+    QString string;
+    QFont font;
+    QList<QTextLayout::FormatRange> colors;
+
+    void addColor(qsizetype start, qsizetype length, const QColor& color);
+    /// The colour of one code unit; invalid where none was given.
+    [[nodiscard]] QColor colorAt(qsizetype index) const;
+};
+Q_DECLARE_METATYPE(AttributedString)
+
+/// The system's general font at 14 points, where a point is one logical pixel.
+[[nodiscard]] QFont titleFont();
+
+/// `fullString` in the title font and in `fullStringColor`, its first `subString` in `subStringColor`. The
+/// first colour spans as many code units as the string has user-perceived characters, so the end of a string
+/// with characters of several code units has no colour; that is how it has always been. A `subString` that
+/// does not occur colours nothing.
+[[nodiscard]] AttributedString createAttributedString(const QString& fullString,
+                                                      const QColor& fullStringColor, const QString& subString,
+                                                      const QColor& subStringColor);
+
+/// What is shown of a title with a mnemonic mark: the "&" is taken out and the character after it is
+/// underlined if asked for.
+[[nodiscard]] AttributedString withMnemonic(const AttributedString& title, bool underline);
+
+/// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. What has no
+/// colour of its own is drawn in the painter's.
+void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString text);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QColor>
+
+#include <algorithm>
+
+/// A colour from components on the scale 0 to 1. What lies outside is clamped, so that components given on
+/// the scale 0 to 255 make full intensity.
+inline QColor deviceColor(double red, double green, double blue, double alpha) {
+    const auto clamped = [](double component) { return static_cast<float>(std::clamp(component, 0.0, 1.0)); };
+    return QColor::fromRgbF(clamped(red), clamped(green), clamped(blue), clamped(alpha));
+}
+
+/// Of text that can't be used now.
+inline const QColor kDisabledTextColor(0x6F, 0x74, 0x7E);

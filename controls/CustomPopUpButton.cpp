@@ -1,0 +1,149 @@
+#include "CustomPopUpButton.h"
+
+#include "Colors.h"
+#include "PopUpGeometry.h"
+#include "host/FatalStop.h"
+
+#include <QAbstractItemView>
+#include <QStyleOption>
+#include <QStyledItemDelegate>
+
+#include <utility>
+
+namespace {
+
+constexpr int kAttributedTitle = Qt::UserRole;
+constexpr double kFocusFrameWidth = 2.0;
+constexpr double kFocusFrameRadius = 3.0;
+constexpr QRectF kFocusFrame(3, 3, 133, 22);
+
+// The light colour's components are given on the scale 0 to 255, which makes white at 80 % opacity; the
+// clamped look is the intended one.
+QColor lightColor() {
+    return deviceColor(220.0, 220.0, 220.0, 0.8);
+}
+
+QColor lineColor() {
+    return deviceColor(0.75, 0.15, 0.15, 1.0);
+}
+
+/// Rows of the open list: the style draws all but the title.
+class TitleDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        row.text.clear();
+        row.widget->style()->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
+        // The list stands over the face, within the border's pixel: the titles of both are aligned.
+        const QRectF box = QRectF(option.rect).adjusted(kTitleLeft - 1, 0, -kTitleLeft, 0);
+        drawAttributedString(*painter, box, index.data(kAttributedTitle).value<AttributedString>());
+    }
+};
+
+} // namespace
+
+CustomPopUpButton::CustomPopUpButton(QWidget* parent) : QComboBox(parent) {
+    view()->setItemDelegate(new TitleDelegate(view()));
+}
+
+CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
+    fatalStop("CustomPopUpButton: unsupported initialiser init(frame:)");
+}
+
+CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/) {
+    fatalStop("CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)");
+}
+
+void CustomPopUpButton::didDecode() {
+    setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
+}
+
+void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {
+    addItems(titles);
+    setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
+}
+
+void CustomPopUpButton::setItemStyles(int style) {
+    const QColor color = style == CPOPUP_TEXT_BLACK_COLOR ? QColor(Qt::black) : lightColor();
+    for (int index = 0; index < count(); ++index) {
+        const QString title = itemText(index);
+        const AttributedString attributed = createAttributedString(title, color, title, color);
+        setItemData(index, QVariant::fromValue(attributed), kAttributedTitle);
+    }
+}
+
+AttributedString CustomPopUpButton::attributedTitle(int index) const {
+    return itemData(index, kAttributedTitle).value<AttributedString>();
+}
+
+void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
+    m_arrowPosition = position;
+    update();
+}
+
+void CustomPopUpButton::showPopup() {
+    m_open = true;
+    emit menuWillOpen(view());
+    QComboBox::showPopup();
+}
+
+void CustomPopUpButton::hidePopup() {
+    QComboBox::hidePopup();
+    if (std::exchange(m_open, false)) // the toolkit also hides a list that is not open
+        emit menuDidClose(view());
+}
+
+void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
+    if (!context)
+        return;
+    context->setPen(QPen(lineColor(), 1.0, Qt::SolidLine, Qt::FlatCap));
+    context->drawLine(QPointF(Ax, Ay), QPointF(Bx, By));
+}
+
+void CustomPopUpButton::paintEvent(QPaintEvent* /*event*/) {
+    QPainter context(this);
+    drawRect(context);
+}
+
+void CustomPopUpButton::drawRect(QPainter& context) const {
+    context.fillRect(QRectF(0, 0, kPopUpWidth, kPopUpHeight), Qt::black);
+    drawTitle(context);
+    drawDecorations(context);
+    if (!hasFocus())
+        return;
+    context.setRenderHint(QPainter::Antialiasing);
+    context.setPen(QPen(Qt::white, kFocusFrameWidth));
+    context.drawRoundedRect(kFocusFrame, kFocusFrameRadius, kFocusFrameRadius);
+}
+
+void CustomPopUpButton::drawTitle(QPainter& context) const {
+    AttributedString title = attributedTitle(currentIndex());
+    if (!isEnabled())
+        title.addColor(0, title.string.size(), kDisabledTextColor);
+    drawAttributedString(context, QRectF(kTitleLeft, 0, kTitleRight - kTitleLeft, kPopUpHeight), title);
+}
+
+void CustomPopUpButton::drawDecorations(QPainter& context) const {
+    if (m_arrowPosition != ArrowPosition::None) {
+        QStyleOption arrow;
+        arrow.initFrom(this);
+        arrow.rect = QRectF(kDividerX, 0, kArrowAreaWidth, kPopUpHeight).toRect();
+        style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrow, &context, this);
+    }
+    const auto stroke = [&context](const PopUpLine& line) {
+        Line(&context, line.Ax, line.Ay, line.Bx, line.By);
+    };
+    context.setRenderHint(QPainter::Antialiasing, false);
+    stroke(kDivider);
+    context.setRenderHint(QPainter::Antialiasing);
+    for (const PopUpLine& line : kChevrons)
+        stroke(line);
+    context.setRenderHint(QPainter::Antialiasing, false);
+    context.setBrush(Qt::NoBrush);
+    context.setPen(QPen(lineColor(), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    context.drawRect(QRectF(0, 0, kPopUpWidth - 1, kPopUpHeight - 1));
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "AttributedString.h"
+#include "windows/MadeFromDescription.h"
+
+#include <QComboBox>
+#include <QStringList>
+
+/// Item styles of the pop-up.
+inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open list, whose ground is light
+inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
+
+/// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron.
+/// Its items' titles are attributed strings.
+class CustomPopUpButton : public QComboBox, public MadeFromDescription {
+    Q_OBJECT
+
+public:
+    /// Where the style's own arrow stands; the chevrons are drawn in any case.
+    enum class ArrowPosition : unsigned char { None, AtCenter };
+
+    /// As window descriptions make it.
+    Q_INVOKABLE explicit CustomPopUpButton(QWidget* parent);
+    // A pop-up of this kind is made from a window description only: these stop the program.
+    [[noreturn]] explicit CustomPopUpButton(const QRect& frame);
+    [[noreturn]] CustomPopUpButton(const QRect& frame, bool pullsDown);
+
+    void didDecode() override;
+
+    void removeAllItems() { clear(); }
+    /// Adds items and gives all items the light style.
+    void addItemsWithTitles(const QStringList& titles);
+    /// -1: nothing is selected.
+    [[nodiscard]] int indexOfSelectedItem() const { return currentIndex(); }
+    /// Is no action of the user. An index without an item selects nothing.
+    void selectItemAtIndex(int index) { setCurrentIndex(index); }
+    /// Gives every item's title the colour of the style: black for 1, the light one for any other.
+    void setItemStyles(int style);
+    [[nodiscard]] AttributedString attributedTitle(int index) const;
+
+    void setArrowPosition(ArrowPosition position);
+
+    /// Strokes one line of the decoration; draws nothing without a context.
+    static void Line(QPainter* context, double Ax, double Ay, double Bx, double By);
+
+    void showPopup() override;
+    void hidePopup() override;
+
+signals:
+    void menuWillOpen(QObject* menu);
+    void menuDidClose(QObject* menu);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void drawRect(QPainter& context) const;
+    void drawTitle(QPainter& context) const;
+    void drawDecorations(QPainter& context) const;
+
+    ArrowPosition m_arrowPosition = ArrowPosition::AtCenter;
+    bool m_open = false;
+};

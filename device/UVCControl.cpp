@@ -1,0 +1,143 @@
+#include "UVCControl.h"
+
+#include "host/Log.h"
+
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+constexpr std::uint16_t kVideoClass = 14;          // UVC 1.5, A.1
+constexpr std::uint16_t kVideoControlSubClass = 1; // UVC 1.5, A.2
+constexpr std::uint8_t kGetFromInterface = 0xA1;   // device to host, class, interface
+constexpr std::uint8_t kSetToInterface = 0x21;     // host to device, class, interface
+constexpr std::uint8_t kControlPipe = 0;
+
+/// The low byte of wIndex, the interface's number, stays 0 also where VideoControl carries another number:
+/// that is what the device is made for.
+UsbControlRequest controlRequest(std::uint8_t requestType, UVCRequest request, int length, int selector,
+                                 int unit, std::uint8_t* data) {
+    return {.bmRequestType = requestType,
+            .bRequest = static_cast<std::uint8_t>(request),
+            .wValue = static_cast<std::uint16_t>(selector << 8),
+            .wIndex = static_cast<std::uint16_t>(unit << 8),
+            .wLength = static_cast<std::uint16_t>(length),
+            .pData = data,
+            .wLenDone = 0};
+}
+
+std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> service) {
+    // No device attached shows as a plug-in that can't be made: there is nothing to make it from.
+    UsbYield<UsbPlugIn<UsbDevice>> plugIn{service.result, nullptr};
+    if (service.object)
+        plugIn = service.object->createPlugIn();
+    if (plugIn.result != UsbCode::Success || !plugIn.object) {
+        systemLog("CameraControl Error: IOCreatePlugInInterfaceForService returned 0x%08x.",
+                  static_cast<unsigned>(plugIn.result));
+        return nullptr;
+    }
+    auto device = plugIn.object->QueryInterface();
+    if (device.result != UsbCode::Success || !device.object) {
+        systemLog("CameraControl Error: QueryInterface returned %d.\n", device.result);
+        return nullptr;
+    }
+    return std::move(device.object);
+}
+
+} // namespace
+
+UVCCameraControl::~UVCCameraControl() {
+    if (interface)
+        (void)interface->USBInterfaceClose(); // nobody is left to be told
+}
+
+bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t productID) {
+    interface.reset();
+    const auto device = deviceForService(
+        usbBus().firstService(static_cast<std::uint32_t>(vendorID), static_cast<std::uint32_t>(productID)));
+    if (!device)
+        return false;
+    interface = getControlInferaceWithDeviceInterface(*device);
+    return true;
+}
+
+void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
+    interface.reset();
+    const auto services = usbBus().allServices();
+    if (services.result != UsbCode::Success || !services.object)
+        return;
+    while (auto service = services.object->next()) {
+        const auto device = deviceForService({UsbCode::Success, std::move(service)});
+        if (!device)
+            continue;
+        std::uint32_t location = 0;
+        if (device->GetLocationID(location) == UsbCode::Success && location == locationID) {
+            interface = getControlInferaceWithDeviceInterface(*device);
+            return;
+        }
+    }
+}
+
+std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInterface(UsbDevice& device) {
+    const auto interfaces = device.CreateInterfaceIterator(
+        {.bInterfaceClass = kVideoClass, .bInterfaceSubClass = kVideoControlSubClass});
+    if (interfaces.result != UsbCode::Success || !interfaces.object)
+        return nullptr;
+    const auto service = interfaces.object->next();
+    if (!service)
+        return nullptr;
+    auto plugIn = service->createPlugIn();
+    // The release's result is the one looked at and logged: people's saved logs are read by it.
+    const UsbResult released = service->release();
+    if (released != UsbCode::Success || !plugIn.object) {
+        systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n",
+                  static_cast<unsigned>(released));
+        return nullptr;
+    }
+    auto found = plugIn.object->QueryInterface();
+    if (found.result != UsbCode::Success || !found.object) {
+        systemLog("CameraControl Error: Couldn’t create a device interface for the interface (%08x)",
+                  static_cast<unsigned>(found.result));
+        return nullptr;
+    }
+    return std::move(found.object);
+}
+
+std::uint8_t UVCCameraControl::getInterfaceNumberFromInterface(UsbInterface& interface) {
+    std::uint8_t number = 0;
+    const UsbResult result = interface.GetInterfaceNumber(number);
+    if (result != UsbCode::Success)
+        systemLog("Unable to get interface number (0x%08x)\n", static_cast<unsigned>(result));
+    return 0;
+}
+
+bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
+    if (!interface) {
+        systemLog("CameraControl Error: No interface to send request");
+        return false;
+    }
+    if (interface->ControlRequest(kControlPipe, request) == UsbCode::Success)
+        return true;
+    // The close's result is logged, not the request's: people's saved logs are read by it.
+    const UsbResult closed = interface->USBInterfaceClose();
+    systemLog("CameraControl Error: Control request failed: %08x", static_cast<unsigned>(closed));
+    return false;
+}
+
+bool UVCCameraControl::setData(std::int64_t data, int length, int selector, int unit) {
+    std::array<std::uint8_t, sizeof data> bytes{};
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(static_cast<std::uint64_t>(data) >> (8 * i));
+    return setCurrent(bytes.data(), length, selector, unit);
+}
+
+bool UVCCameraControl::getDataFor(UVCRequest request, int length, int selector, int unit,
+                                  std::span<std::uint8_t> ret) {
+    return sendControlRequest(controlRequest(kGetFromInterface, request, length, selector, unit, ret.data()));
+}
+
+bool UVCCameraControl::setCurrent(std::uint8_t* data, int length, int selector, int unit) {
+    return sendControlRequest(
+        controlRequest(kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data));
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "usb/Usb.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+/// UVC request codes (UVC 1.5, A.8).
+enum class UVCRequest : std::uint8_t { SET_CUR = 0x01, GET_CUR = 0x81, GET_MIN = 0x82, GET_MAX = 0x83 };
+
+/// Where a standard control lives and how long its value is.
+struct UVCControlInfo {
+    std::uint32_t unit;
+    std::uint32_t selector;
+    std::uint32_t size; ///< bytes
+};
+
+/// What a standard control's value is scaled between.
+struct UVCRange {
+    std::int64_t min;
+    std::int64_t max;
+};
+
+/// Finds the capture device on the bus and carries class requests to the units of its VideoControl
+/// interface. Requests are synchronous; the interface is never held exclusively, so capture software goes on
+/// beside it. Failures are log lines and false results, nothing throws.
+class UVCCameraControl {
+public:
+    UVCCameraControl() = default;
+    virtual ~UVCCameraControl();
+    UVCCameraControl(const UVCCameraControl&) = delete;
+    UVCCameraControl& operator=(const UVCCameraControl&) = delete;
+
+    /// Takes the first device with these identifiers (low 32 bits). False: there is none, or it can't be
+    /// reached; drop the object. True with a device that has no VideoControl interface: every request fails.
+    [[nodiscard]] bool initWithVendorID(std::int64_t vendorID, std::int64_t productID);
+    /// Takes the device at a location (`UsbDevice::GetLocationID`). None there: every request fails.
+    void initWithLocationID(std::uint32_t locationID);
+
+    /// The VideoControl interface of a device, absent if it has none or it can't be had. The name's spelling
+    /// "Inferace" is part of the interface.
+    [[nodiscard]] static std::unique_ptr<UsbInterface>
+    getControlInferaceWithDeviceInterface(UsbDevice& device);
+    /// Asks the interface for its number and drops it: requests carry interface number 0, always.
+    /// Returns 0.
+    static std::uint8_t getInterfaceNumberFromInterface(UsbInterface& interface);
+
+    /// Carries one request as it stands. After a failure the interface is closed but kept, and the next
+    /// request is tried on it again. Blocks, 5 seconds at most.
+    [[nodiscard]] bool sendControlRequest(UsbControlRequest request);
+    /// SET_CUR of the low `length` (1 to 8) bytes of `data`, little-endian.
+    [[nodiscard]] bool setData(std::int64_t data, int length, int selector, int unit);
+    /// A GET of `length` bytes into `ret`, which holds at least as many and is left alone by a failure.
+    [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit,
+                                  std::span<std::uint8_t> ret);
+
+    // Standard camera controls on a scale from 0.0 to 1.0. They take the success flags of their requests for
+    // the device's values; that is how they have always behaved, and it stays.
+
+    /// 1 for each limit that the device answered, 0 for one that it did not.
+    [[nodiscard]] UVCRange getRangeForControl(const UVCControlInfo& control);
+    /// Linear; a source range of zero width gives what floating point gives (infinity or NaN).
+    [[nodiscard]] static float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);
+    [[nodiscard]] float getValueForControl(const UVCControlInfo& control);
+    [[nodiscard]] bool setValue(float value, const UVCControlInfo& control);
+    /// First byte of the vendor status block; no defined value after a failed read.
+    [[nodiscard]] std::uint8_t getExtension();
+
+    [[nodiscard]] bool setAutoExposure(bool enabled);
+    [[nodiscard]] bool getAutoExposure();
+    [[nodiscard]] bool setExposure(float value);
+    [[nodiscard]] float getExposure();
+    [[nodiscard]] bool setGain(float value);
+    [[nodiscard]] float getGain();
+    [[nodiscard]] bool setBrightness(float value);
+    [[nodiscard]] float getBrightness();
+    [[nodiscard]] bool setContrast(float value);
+    [[nodiscard]] float getContrast();
+    [[nodiscard]] bool setSaturation(float value);
+    [[nodiscard]] float getSaturation();
+    [[nodiscard]] bool setSharpness(float value);
+    [[nodiscard]] float getSharpness();
+    [[nodiscard]] bool setWhiteBalance(float value);
+    [[nodiscard]] float getWhiteBalance();
+    [[nodiscard]] bool setAutoWhiteBalance(bool enabled);
+    [[nodiscard]] bool getAutoWhiteBalance();
+
+protected:
+    /// SET_CUR of the first `length` bytes at `data`.
+    [[nodiscard]] bool setCurrent(std::uint8_t* data, int length, int selector, int unit);
+
+private:
+    [[nodiscard]] bool getAndDrop(UVCRequest request, const UVCControlInfo& control);
+
+    std::unique_ptr<UsbInterface> interface; ///< absent: no VideoControl interface could be had
+    [[maybe_unused]] std::int64_t dataBuffer = 0;
+    [[maybe_unused]] std::uint8_t interfaceNum = 0;
+};

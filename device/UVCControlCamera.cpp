@@ -1,0 +1,161 @@
+// The standard camera controls of UVCCameraControl. Units 1 and 2 are the camera terminal and the processing
+// unit, selectors those of UVC 1.5, A.9.4 and A.9.5; neither is looked up in the device's descriptors.
+
+#include "UVCControl.h"
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+enum ControlRow {
+    AutoExposure,
+    Exposure,
+    Brightness,
+    Contrast,
+    Gain,
+    Saturation,
+    Sharpness,
+    WhiteBalance,
+    AutoWhiteBalance,
+    Status
+};
+
+constexpr std::array<UVCControlInfo, 10> uvc_controls{{
+    {1, 2, 1},  // CT_AE_MODE_CONTROL
+    {1, 4, 4},  // CT_EXPOSURE_TIME_ABSOLUTE_CONTROL
+    {2, 2, 2},  // PU_BRIGHTNESS_CONTROL
+    {2, 3, 2},  // PU_CONTRAST_CONTROL
+    {2, 4, 2},  // PU_GAIN_CONTROL
+    {2, 7, 2},  // PU_SATURATION_CONTROL
+    {2, 8, 2},  // PU_SHARPNESS_CONTROL
+    {2, 10, 2}, // PU_WHITE_BALANCE_TEMPERATURE_CONTROL
+    {2, 11, 1}, // PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL
+    {3, 10, 4}, // the vendor's status block
+}};
+
+constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
+constexpr int kAutoExposureOff = 1; // manual
+
+constexpr std::size_t kLargestControl = 4; // bytes
+
+int asInt(std::uint32_t number) {
+    return static_cast<int>(number);
+}
+
+/// Toward zero; what no 32-bit integer can hold becomes the nearest one, NaN becomes 0.
+std::int32_t truncated(float value) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (std::isnan(value))
+        return 0;
+    if (value >= static_cast<float>(Limits::max()))
+        return Limits::max();
+    if (value <= static_cast<float>(Limits::min()))
+        return Limits::min();
+    return static_cast<std::int32_t>(value);
+}
+
+} // namespace
+
+/// The returned bytes are dropped: only whether the device answered is used.
+bool UVCCameraControl::getAndDrop(UVCRequest request, const UVCControlInfo& control) {
+    std::array<std::uint8_t, kLargestControl> scratch{};
+    return getDataFor(request, asInt(control.size), asInt(control.selector), asInt(control.unit), scratch);
+}
+
+// The limits are the requests' success flags, not the device's numbers: so a responding device's range is 1
+// to 1. Kept as it is.
+UVCRange UVCCameraControl::getRangeForControl(const UVCControlInfo& control) {
+    const std::int64_t min = getAndDrop(UVCRequest::GET_MIN, control) ? 1 : 0;
+    const std::int64_t max = getAndDrop(UVCRequest::GET_MAX, control) ? 1 : 0;
+    return {min, max};
+}
+
+float UVCCameraControl::mapValue(float value, float fromMin, float fromMax, float toMin, float toMax) {
+    return (value - fromMin) / (fromMax - fromMin) * (toMax - toMin) + toMin;
+}
+
+float UVCCameraControl::getValueForControl(const UVCControlInfo& control) {
+    const auto [min, max] = getRangeForControl(control);
+    const float answered = getAndDrop(UVCRequest::GET_CUR, control) ? 1.0F : 0.0F;
+    return mapValue(answered, static_cast<float>(min), static_cast<float>(max), 0.0F, 1.0F);
+}
+
+bool UVCCameraControl::setValue(float value, const UVCControlInfo& control) {
+    const auto [min, max] = getRangeForControl(control);
+    const float mapped = mapValue(value, 0.0F, 1.0F, static_cast<float>(min), static_cast<float>(max));
+    return setData(truncated(mapped), asInt(control.size), asInt(control.selector), asInt(control.unit));
+}
+
+std::uint8_t UVCCameraControl::getExtension() {
+    const auto& [unit, selector, size] = uvc_controls[Status];
+    std::array<std::uint8_t, kLargestControl> block{};
+    (void)getDataFor(UVCRequest::GET_CUR, asInt(size), asInt(selector), asInt(unit), block); // byte only
+    return block[0];
+}
+
+bool UVCCameraControl::setAutoExposure(bool enabled) {
+    const auto& [unit, selector, size] = uvc_controls[AutoExposure];
+    return setData(enabled ? kAutoExposureOn : kAutoExposureOff, asInt(size), asInt(selector), asInt(unit));
+}
+
+// Compares the success flag, not the mode, with 8: always false. Kept as it is.
+bool UVCCameraControl::getAutoExposure() {
+    return int{getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoExposure])} == kAutoExposureOn;
+}
+
+// The exposure scale is inverted: 1.0 is the shortest time.
+bool UVCCameraControl::setExposure(float value) {
+    return setValue(1.0F - value, uvc_controls[Exposure]);
+}
+float UVCCameraControl::getExposure() {
+    return 1.0F - getValueForControl(uvc_controls[Exposure]);
+}
+
+bool UVCCameraControl::setGain(float value) {
+    return setValue(value, uvc_controls[Gain]);
+}
+float UVCCameraControl::getGain() {
+    return getValueForControl(uvc_controls[Gain]);
+}
+bool UVCCameraControl::setBrightness(float value) {
+    return setValue(value, uvc_controls[Brightness]);
+}
+float UVCCameraControl::getBrightness() {
+    return getValueForControl(uvc_controls[Brightness]);
+}
+bool UVCCameraControl::setContrast(float value) {
+    return setValue(value, uvc_controls[Contrast]);
+}
+float UVCCameraControl::getContrast() {
+    return getValueForControl(uvc_controls[Contrast]);
+}
+bool UVCCameraControl::setSaturation(float value) {
+    return setValue(value, uvc_controls[Saturation]);
+}
+float UVCCameraControl::getSaturation() {
+    return getValueForControl(uvc_controls[Saturation]);
+}
+bool UVCCameraControl::setSharpness(float value) {
+    return setValue(value, uvc_controls[Sharpness]);
+}
+float UVCCameraControl::getSharpness() {
+    return getValueForControl(uvc_controls[Sharpness]);
+}
+bool UVCCameraControl::setWhiteBalance(float value) {
+    return setValue(value, uvc_controls[WhiteBalance]);
+}
+float UVCCameraControl::getWhiteBalance() {
+    return getValueForControl(uvc_controls[WhiteBalance]);
+}
+
+bool UVCCameraControl::setAutoWhiteBalance(bool enabled) {
+    const auto& [unit, selector, size] = uvc_controls[AutoWhiteBalance];
+    return setData(enabled ? 1 : 0, asInt(size), asInt(selector), asInt(unit));
+}
+
+// True whenever the device answers, whatever its setting. Kept as it is.
+bool UVCCameraControl::getAutoWhiteBalance() {
+    return getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoWhiteBalance]);
+}

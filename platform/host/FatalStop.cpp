@@ -1,0 +1,18 @@
+#include "host/FatalStop.h"
+
+#include "host/Log.h"
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+void fatalStop(const char* format, ...) {
+    std::array<char, 512> reason{}; // a cut reason is better than an allocation on the way down
+    std::va_list arguments;
+    va_start(arguments, format);
+    (void)std::vsnprintf(reason.data(), reason.size(), format, arguments);
+    va_end(arguments);
+    systemLog("Fatal: %s", reason.data());
+    std::abort();
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+/// Writes one line to the system log and, for who started the program from a terminal, to standard error.
+/// printf-style; a trailing newline is not required and adds no empty line.
+[[gnu::format(printf, 1, 2)]] void systemLog(const char* format, ...);
+
+/// Where `systemLog` delivers: `message` is filled in and complete, its trailing newline included.
+void deliverLogMessage(std::string_view message);

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+/// What a step of USB access reports: 0 is success, everything else a failure.
+using UsbResult = std::int32_t;
+
+/// The failures that all implementations share. The numbers are libusb's, so that a code in a saved log
+/// means the same whatever carried the request.
+namespace UsbCode {
+inline constexpr UsbResult Success = 0;
+inline constexpr UsbResult InputOutput = -1; ///< also: fewer bytes came than were asked for
+inline constexpr UsbResult Access = -3;      ///< the user has no rights on the device
+inline constexpr UsbResult NoDevice = -4;    ///< never there, or unplugged
+inline constexpr UsbResult NotFound = -5;
+inline constexpr UsbResult Busy = -6;
+inline constexpr UsbResult TimeOut = -7;
+inline constexpr UsbResult Stall = -9; ///< the device refused the request
+inline constexpr UsbResult NotSupported = -12;
+} // namespace UsbCode
+
+/// Result of a step that makes an object. Look at both: a step can report success and still give nothing.
+template <class Object>
+struct UsbYield {
+    UsbResult result = UsbCode::NoDevice;
+    std::unique_ptr<Object> object;
+};
+
+/// One request on the control pipe (USB 2.0, 9.3: the first five fields are the setup packet).
+struct UsbControlRequest {
+    std::uint8_t bmRequestType; ///< direction, type and recipient
+    std::uint8_t bRequest;
+    std::uint16_t wValue;
+    std::uint16_t wIndex;
+    std::uint16_t wLength;  ///< bytes of the data stage
+    std::uint8_t* pData;    ///< wLength bytes to send, or room for as many; untouched by a failed GET
+    std::uint32_t wLenDone; ///< bytes carried
+};
+
+/// Bit 7 of bmRequestType: the data stage goes from the device to the host.
+inline constexpr std::uint8_t kUsbDeviceToHost = 0x80;
+
+/// Which interfaces an iterator shall meet (USB 2.0, 9.6.5); `kMatchAny` leaves a field open.
+struct UsbFindInterfaceRequest {
+    static constexpr std::uint16_t kMatchAny = 0xFFFF;
+    std::uint16_t bInterfaceClass = kMatchAny;
+    std::uint16_t bInterfaceSubClass = kMatchAny;
+    std::uint16_t bInterfaceProtocol = kMatchAny;
+    std::uint16_t bAlternateSetting = kMatchAny;
+};
+
+// Access goes in the same steps for devices and for their interfaces: a service is something seen on the
+// bus, its plug-in can be asked for the object, and the object is what one works with. Nothing is opened
+// before the first request. Destroying an object releases it.
+
+/// Gives the object behind a service.
+template <class Object>
+class UsbPlugIn {
+public:
+    virtual ~UsbPlugIn() = default;
+    [[nodiscard]] virtual UsbYield<Object> QueryInterface() = 0;
+};
+
+/// Something seen on the bus.
+template <class Object>
+class UsbService {
+public:
+    virtual ~UsbService() = default;
+    [[nodiscard]] virtual UsbYield<UsbPlugIn<Object>> createPlugIn() = 0;
+    /// Gives the service back; what was made from it stays usable.
+    [[nodiscard]] virtual UsbResult release() = 0;
+};
+
+template <class Object>
+class UsbIterator {
+public:
+    virtual ~UsbIterator() = default;
+    /// The next service, absent at the end.
+    [[nodiscard]] virtual std::unique_ptr<UsbService<Object>> next() = 0;
+};
+
+/// One interface of a device, used for requests on the control pipe only and never held exclusively.
+class UsbInterface {
+public:
+    virtual ~UsbInterface() = default;
+    [[nodiscard]] virtual UsbResult GetInterfaceNumber(std::uint8_t& number) = 0;
+    /// Carries one request on `pipe` (always 0 here). Blocks until it is done, 5 seconds at most. Works
+    /// again after `USBInterfaceClose`.
+    [[nodiscard]] virtual UsbResult ControlRequest(std::uint8_t pipe, UsbControlRequest& request) = 0;
+    /// Closes what a request had to open. When nothing was open the result says why.
+    virtual UsbResult USBInterfaceClose() = 0;
+};
+
+class UsbDevice {
+public:
+    virtual ~UsbDevice() = default;
+    /// Where the device is plugged in: bus number in bits 31-24, then one port number per 4 bits along the
+    /// chain of hubs, the root hub's first; the rest is 0.
+    [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
+    [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>>
+    CreateInterfaceIterator(const UsbFindInterfaceRequest& request) = 0;
+};
+
+/// All that is plugged in, looked up afresh at every call.
+class UsbBus {
+public:
+    virtual ~UsbBus() = default;
+    /// The first device with these identifiers. None: `NoDevice`, and no object.
+    [[nodiscard]] virtual UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor,
+                                                                       std::uint32_t product) = 0;
+    [[nodiscard]] virtual UsbYield<UsbIterator<UsbDevice>> allServices() = 0;
+};
+
+/// The bus that the program was linked with: the computer's, or the simulated one.
+[[nodiscard]] UsbBus& usbBus();

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QPixmap>
+#include <QString>
+#include <QVariantMap>
+
+#include <optional>
+
+/// The program's resources. They are found under the search path "bundle:", normally the resources that are
+/// built into the program.
+namespace mainBundle {
+
+/// Sets the search path and installs the texts in the user's language. Call once, after the application
+/// object was made and before any window.
+void open(QCoreApplication& application);
+
+/// Application information by key ("CFBundleShortVersionString"). Absent when there is none or it can't be
+/// read.
+[[nodiscard]] std::optional<QVariantMap> infoDictionary();
+
+/// A picture by its file name, at the resolution of the screen. Null when there is none of that name.
+[[nodiscard]] QPixmap imageNamed(const QString& name);
+
+} // namespace mainBundle
+
+/// The texts of the code, by upper-case key: `Localizable::tr("HIGH", "High")`. A key that has not been
+/// translated shows itself.
+struct Localizable {
+    Q_DECLARE_TR_FUNCTIONS(Localizable)
+};

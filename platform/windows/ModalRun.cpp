@@ -1,0 +1,61 @@
+#include "windows/ModalRun.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QEventLoop>
+#include <QPointer>
+#include <QWidget>
+#include <QWindow>
+
+#include <utility>
+
+namespace {
+
+QEventLoop* innermostRun = nullptr; // on the main thread, as all windows are
+
+/// Ends a run whose window goes away by itself: no invisible modal run may remain.
+class EndWithWindow : public QObject {
+public:
+    EndWithWindow(QWidget& window, QEventLoop& run) : m_run(run) {
+        window.installEventFilter(this);
+        QObject::connect(&window, &QObject::destroyed, &run, &QEventLoop::quit);
+    }
+    bool eventFilter(QObject* /*window*/, QEvent* event) override {
+        const bool gone =
+            event->type() == QEvent::Close || (event->type() == QEvent::Hide && !event->spontaneous());
+        if (gone)
+            m_run.quit();
+        return false;
+    }
+
+private:
+    QEventLoop& m_run;
+};
+
+/// Tells the window system which window this one stands before, so that it is placed there.
+void standBefore(QWidget& window, const QWidget* owner) {
+    if (!owner || !owner->windowHandle())
+        return;
+    (void)window.winId(); // makes the window handle
+    window.windowHandle()->setTransientParent(owner->windowHandle());
+}
+
+} // namespace
+
+void runModalForWindow(QWidget& window) {
+    QEventLoop run;
+    const EndWithWindow endWithWindow(window, run);
+    QEventLoop* outer = std::exchange(innermostRun, &run);
+    window.setWindowModality(Qt::ApplicationModal);
+    standBefore(window, QApplication::activeWindow());
+    window.show();
+    window.raise();
+    window.activateWindow();
+    run.exec();
+    innermostRun = outer;
+}
+
+void stopModal() {
+    if (innermostRun)
+        innermostRun->quit();
+}

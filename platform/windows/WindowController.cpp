@@ -1,0 +1,4 @@
+#include "windows/WindowController.h"
+
+WindowController::WindowController() = default;
+WindowController::~WindowController() = default;

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "usb/Usb.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+/// What a fault makes of a request.
+enum class RequestFault : std::uint8_t {
+    Stall,
+    TimeOut,   ///< no answer
+    ShortData, ///< a GET answers fewer bytes than asked for; a SET is acted on, but not acknowledged in full
+    Garbage,   ///< a GET answers bytes that mean nothing
+    Unplug,    ///< the device goes away while the request is under way
+};
+
+/// Requests that a fault waits for; an empty field matches every request.
+struct RequestKind {
+    std::optional<std::uint8_t> request;  ///< bRequest
+    std::optional<std::uint8_t> selector; ///< high byte of wValue
+};
+
+/// One request as it crossed the wire.
+struct RecordedRequest {
+    std::array<std::uint8_t, 8> setup; ///< the setup packet, byte for byte
+    std::vector<std::uint8_t> data;    ///< what was sent, or what came back
+    UsbResult result;
+
+    [[nodiscard]] bool isGet() const { return (setup[0] & kUsbDeviceToHost) != 0; }
+    [[nodiscard]] std::uint8_t selector() const { return setup[3]; }
+    [[nodiscard]] std::uint8_t unit() const { return setup[5]; }
+};
+
+/// A control of one of the device's units. Values are little-endian, `size` bytes long.
+struct SimulatedControl {
+    std::uint8_t unit;
+    std::uint8_t selector;
+    std::uint8_t size;
+    std::uint32_t current;
+    std::uint32_t minimum;
+    std::uint32_t maximum;
+};
+
+/// A capture device that is not there: it answers control requests as the box does, whatever carries them.
+/// It keeps its settings while it is unplugged and loses its clock, as a box without a battery does.
+class SimulatedDevice {
+public:
+    SimulatedDevice();
+
+    // What the bus sees of it.
+    std::uint16_t vendorID = TAVRO_USB_VENDOR_ID;
+    std::uint16_t productID = TAVRO_USB_PRODUCT_ID;
+    std::uint32_t locationID = 0x01100000;                 ///< bus 1, port 1
+    std::optional<std::uint8_t> videoControlInterface = 0; ///< absent: the device is no camera
+
+    // The blocks of the extension unit. The settings block's clock is filled in when it is read.
+    std::array<std::uint8_t, 4> status{0x51, 0x02, 0x83, 0x1C};
+    std::array<std::uint8_t, 13> settings{0x00, 0x5A, 0, 0, 0, 0, 0, 0, 0x11, 0x00, 0xA7, 0x3B, 0xC9};
+    std::array<std::uint8_t, 26> versions{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19,
+                                          0x1A, 0x1B, 0x1C, 0x1D, 0x1E, 5,    6,    7,    8,
+                                          9,    10,   11,   12,   1,    2,    3,    4};
+    std::array<std::uint8_t, 7> audio{0x6D, 255, 200, 176, 0x92, 128, 0xE4};
+    std::vector<SimulatedControl> controls; ///< the standard ones of units 1 and 2
+
+    /// Carries one request. A failed GET leaves its buffer alone.
+    UsbResult control(UsbControlRequest& request);
+    /// The n-th request of a kind from now on (1 is the next) meets a fault; every fault strikes once.
+    void addFault(RequestKind kind, unsigned n, RequestFault fault);
+    void clearFaults() { m_faults.clear(); }
+
+    void unplug() { m_plugged = false; }
+    /// The clock starts at 2000-01-01 00:00:00.
+    void plugIn();
+    [[nodiscard]] bool plugged() const { return m_plugged; }
+    /// Counts how often it was plugged in: handles from before the last time are dead.
+    [[nodiscard]] unsigned plugCount() const { return m_plugCount; }
+
+    /// Sets the clock, in the form of settings bytes 2 to 7 (year minus 2000, month, day, h, min, s).
+    void setClock(std::span<const std::uint8_t, 6> calendar);
+
+    /// Every request that reached the device, refused ones included.
+    std::vector<RecordedRequest> requests;
+    /// Told of every request after it was recorded.
+    std::function<void(const RecordedRequest&)> onRequest;
+
+private:
+    struct PendingFault {
+        RequestKind kind;
+        unsigned countdown;
+        RequestFault fault;
+    };
+
+    [[nodiscard]] std::optional<RequestFault> nextFault(const UsbControlRequest& request);
+    [[nodiscard]] std::vector<std::uint8_t> answer(const UsbControlRequest& request);
+    [[nodiscard]] std::vector<std::uint8_t> answerUnitControl(const UsbControlRequest& request) const;
+    [[nodiscard]] bool accept(const UsbControlRequest& request);
+    [[nodiscard]] SimulatedControl* findControl(const UsbControlRequest& request);
+    UsbResult get(UsbControlRequest& request, std::optional<RequestFault> fault);
+    UsbResult set(UsbControlRequest& request, std::optional<RequestFault> fault);
+    void acceptSettings(std::span<const std::uint8_t> block);
+    void acceptAudio(std::span<const std::uint8_t> block);
+    void fillInClock();
+
+    bool m_plugged = true;
+    unsigned m_plugCount = 1;
+    std::int64_t m_clockOffset = 0; ///< seconds that the device's calendar is ahead of the host's time
+    std::vector<PendingFault> m_faults;
+};
