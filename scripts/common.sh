@@ -1,0 +1,14 @@
+# Shared by the scripts: the project's folder and what its builds need. Source it.
+# shellcheck shell=bash disable=SC2034 # the variables are for who sources this
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# libqt6opengl6-dev: UiTools needs it to configure.
+build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-tools-dev qt6-tools-dev-tools
+  qt6-l10n-tools libqt6opengl6-dev libusb-1.0-0-dev libudev-dev)
+# A display without a screen, a user's hands, and a look at the result.
+display_packages=(xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
+
+install_packages() {
+  "$project/scripts/install-packages" "$@"
+}
