@@ -11,8 +11,9 @@ using DevicePointer = std::shared_ptr<SimulatedDevice>;
 
 class SimulatedInterface : public UsbInterface {
 public:
-    SimulatedInterface(const SimulatedBus& bus, DevicePointer device)
+    SimulatedInterface(SimulatedBus& bus, DevicePointer device)
         : m_bus(bus), m_device(std::move(device)), m_plugCount(m_device->plugCount()) {}
+    ~SimulatedInterface() override { ++m_bus.releaseCount; }
 
     UsbResult GetInterfaceNumber(std::uint8_t& number) override {
         if (const auto forced = m_bus.failure(UsbStep::InterfaceNumber))
@@ -27,11 +28,12 @@ public:
         return m_device->plugCount() == m_plugCount ? m_device->control(request) : UsbCode::NoDevice;
     }
     UsbResult USBInterfaceClose() override {
+        ++m_bus.closeCount;
         return m_bus.failure(UsbStep::InterfaceClose).value_or(UsbCode::Success);
     }
 
 private:
-    const SimulatedBus& m_bus;
+    SimulatedBus& m_bus;
     DevicePointer m_device;
     unsigned m_plugCount;
 };
@@ -51,7 +53,7 @@ std::unique_ptr<UsbService<Object>> makeService(const SimulatedBus& bus, UsbStep
 
 class SimulatedDeviceObject : public UsbDevice {
 public:
-    SimulatedDeviceObject(const SimulatedBus& bus, DevicePointer device)
+    SimulatedDeviceObject(SimulatedBus& bus, DevicePointer device)
         : m_bus(bus), m_device(std::move(device)) {}
 
     UsbResult GetLocationID(std::uint32_t& location) override {
@@ -82,11 +84,11 @@ private:
     static constexpr std::uint8_t kVideoClass = 14;
     static constexpr std::uint8_t kVideoControlSubClass = 1;
 
-    const SimulatedBus& m_bus;
+    SimulatedBus& m_bus;
     DevicePointer m_device;
 };
 
-std::unique_ptr<UsbService<UsbDevice>> deviceService(const SimulatedBus& bus, const DevicePointer& device) {
+std::unique_ptr<UsbService<UsbDevice>> deviceService(SimulatedBus& bus, const DevicePointer& device) {
     return makeService<UsbDevice>(bus, UsbStep::DevicePlugIn, UsbStep::DeviceObject, [&bus, device] {
         return std::make_unique<SimulatedDeviceObject>(bus, device);
     });

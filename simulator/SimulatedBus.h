@@ -40,6 +40,8 @@ public:
     [[nodiscard]] std::optional<UsbResult> failure(UsbStep step) const;
 
     std::vector<std::shared_ptr<SimulatedDevice>> devices; ///< in the order in which the bus meets them
+    unsigned closeCount = 0;                               ///< how often an interface was closed
+    unsigned releaseCount = 0;                             ///< how many interfaces were released
 
 private:
     std::map<UsbStep, UsbResult> m_failures;

@@ -1,0 +1,297 @@
+// The settings that the device keeps: every byte that goes over the wire and every log line, in order.
+
+#include "TestHost.h"
+#include "VN318UvcController.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+namespace {
+
+using Bytes = std::vector<int>;
+using Journal = std::vector<std::string>;
+
+const std::string kRequestFailed = "log CameraControl Error: Control request failed: 00000000";
+
+const Bytes kAudio{0x6D, 11, 22, 33, 0x92, 55, 0xE4};
+const Bytes kSettings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x21, 0x01, 0xA7, 0x3B, 0xC9};
+
+Bytes with(Bytes block, const std::vector<std::pair<std::size_t, int>>& changes) {
+    for (const auto& [byte, value] : changes)
+        block[byte] = value;
+    return block;
+}
+
+class Controller : public testing::Test {
+protected:
+    Controller() {
+        TestHost::reset();
+        device().audio = {0x6D, 11, 22, 33, 0x92, 55, 0xE4};
+        device().settings[8] = 0x21;
+        device().settings[9] = 1;
+        controller = CVn318UvcController::CreateInstance();
+        EXPECT_THAT(TestHost::take(), ElementsAre("log call camera CreateInstance"));
+    }
+
+    std::unique_ptr<CVn318UvcController> controller;
+};
+
+TEST_F(Controller, IsAbsentWithoutADevice) {
+    device().unplug();
+    EXPECT_FALSE(CVn318UvcController::CreateInstance());
+    EXPECT_EQ(TestHost::take().front(), "log call camera CreateInstance");
+}
+
+struct Volume {
+    const char* name;
+    bool (CVn318UvcController::*set)(int);
+    bool (CVn318UvcController::*get)(std::uint8_t&);
+    std::size_t byte;
+    const char* old;
+    const char* setter;
+    const char* getter;
+};
+
+class VolumeOf : public Controller, public testing::WithParamInterface<Volume> {
+protected:
+    static std::string old(int value) { return "log [Get old]" + std::string(GetParam().old) + std::to_string(value) + ",\n"; }
+    static std::string fails(const char* operation, const char* half) {
+        return "log getExtension_" + std::string(operation) + ".." + half + " Fail! \n";
+    }
+};
+
+TEST_P(VolumeOf, IsChangedAloneInTheWholeBlock) {
+    const Volume& row = GetParam();
+    EXPECT_TRUE((controller.get()->*row.set)(300)); // the low 8 bits count
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(13, kAudio), old(kAudio[row.byte]),
+                                              set(13, with(kAudio, {{row.byte, 44}}))));
+    std::uint8_t volume = 9;
+    EXPECT_TRUE((controller.get()->*row.get)(volume));
+    EXPECT_EQ(volume, 44);
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(13, with(kAudio, {{row.byte, 44}})), old(44)));
+}
+
+TEST_P(VolumeOf, FailsWithItsLines) {
+    const Volume& row = GetParam();
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    EXPECT_FALSE((controller.get()->*row.set)(5));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.setter, "getData")));
+    device().addFault(kAnySet, 1, RequestFault::Stall);
+    EXPECT_FALSE((controller.get()->*row.set)(5));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(13, kAudio), old(kAudio[row.byte]), stalledSet(13, with(kAudio, {{row.byte, 5}})),
+                            kRequestFailed, fails(row.setter, "setData")));
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    std::uint8_t volume = 9;
+    EXPECT_FALSE((controller.get()->*row.get)(volume));
+    EXPECT_EQ(volume, 0);
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.getter, "getData")));
+}
+
+using C = CVn318UvcController;
+INSTANTIATE_TEST_SUITE_P(
+    Each, VolumeOf,
+    testing::Values(Volume{"Microphone", &C::SetMicrophoneVolume, &C::GetMicrophoneVolume, 3, "Mic gain = ",
+                           "SetMicrophoneVolume", "GetMicrophoneVolume"},
+                    Volume{"Headphone", &C::SetHeadphoneVolume, &C::GetHeadphoneVolume, 5, "Headphone vol = ",
+                           "setHaedphone", "GetHeadphoneVolume"},
+                    Volume{"Hdmi", &C::SetHdmiVolume, &C::GetHdmiVolume, 1, "HDMI vol = ", "setHaedphone",
+                           "GetHdmiVolume"},
+                    Volume{"Aux", &C::SetAuxVolume, &C::GetAuxVolume, 2, "AUX vol = ", "setAuxVolume",
+                           "GetHdmiVolume"}),
+    [](const auto& row) { return row.param.name; });
+
+const std::string kOldBitRate = "log [Get old]video bit rate index : [H264]=2, [MJPG]=1 \n";
+const std::string kNoBitRate = "log [Get old]video bit rate index : [H264]=0, [MJPG]=0 \n";
+
+TEST_F(Controller, BitRate) {
+    EXPECT_TRUE(controller->SetBitRate(0, 2));
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), kOldBitRate, "log new video bit rate index : 2 \n",
+                                              set(11, with(kSettings, {{0, 4}, {8, 0x02}}))));
+    EXPECT_TRUE(controller->SetBitRate(17, 18)); // the low 4 bits of each count
+    std::uint8_t h264 = 9;
+    std::uint8_t mjpeg = 9;
+    TestHost::take();
+    EXPECT_TRUE(controller->GetBitRate(h264, mjpeg));
+    EXPECT_EQ(h264, 1);
+    EXPECT_EQ(mjpeg, 2);
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, with(kSettings, {{8, 0x12}})),
+                                              "log [Get old]video bit rate index : [H264]=1, [MJPG]=2 \n"));
+}
+
+TEST_F(Controller, BitRateFailures) {
+    const std::string setFails = "log getExtension_setBitRate..setData Fail! \n";
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SetBitRate(1, 1));
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(11), kRequestFailed, setFails));
+    device().addFault(kAnySet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SetBitRate(1, 2));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(11, kSettings), kOldBitRate, "log new video bit rate index : 18 \n",
+                            stalledSet(11, with(kSettings, {{0, 4}, {8, 0x12}})), kRequestFailed, setFails));
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    std::uint8_t h264 = 9;
+    std::uint8_t mjpeg = 9;
+    EXPECT_FALSE(controller->GetBitRate(h264, mjpeg));
+    EXPECT_EQ(h264 + mjpeg, 0);
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(11), kRequestFailed, kNoBitRate,
+                                              "log getExtension_getBitRate..getData Fail! \n"));
+}
+
+TEST_F(Controller, HdcpState) {
+    const std::string old = "log [Get old]HDCP state : 1,\n";
+    EXPECT_TRUE(controller->SetHdcpState(256)); // the low 8 bits count
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), old, "log new HDCP state value : 0 \n",
+                                              set(11, with(kSettings, {{0, 16}, {9, 0}}))));
+    EXPECT_TRUE(controller->SetHdcpState(1));
+    EXPECT_EQ(TestHost::take().back(), set(11, with(kSettings, {{0, 16}, {9, 1}})));
+    EXPECT_FALSE(controller->SetHdcpState(2)); // refused without a word
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), old, "log new HDCP state value : 2 \n"));
+    for (const auto& [stored, line] : {std::pair{0, "Off"}, {1, "On"}, {2, "Off"}}) {
+        device().settings[9] = static_cast<std::uint8_t>(stored);
+        std::uint8_t state = 9;
+        EXPECT_TRUE(controller->GetHdcpState(state));
+        EXPECT_EQ(state, stored);
+        EXPECT_THAT(TestHost::takeLog(),
+                    ElementsAre("log [Get old]HDCP state : " + std::to_string(stored) + ",\n",
+                                "log getExtension_HDCP state is " + std::string(line) + ".\n"));
+    }
+}
+
+TEST_F(Controller, HdcpFailures) {
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SetHdcpState(0));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(stalledGet(11), kRequestFailed, "log getExtension_setHdcpState..getData Fail! \n"));
+    device().addFault(kAnySet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SetHdcpState(0));
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), "log [Get old]HDCP state : 1,\n",
+                                              "log new HDCP state value : 0 \n",
+                                              stalledSet(11, with(kSettings, {{0, 16}, {9, 0}})), kRequestFailed,
+                                              "log getExtension_setHdcpState..setData Fail! \n"));
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    std::uint8_t state = 9;
+    EXPECT_FALSE(controller->GetHdcpState(state));
+    EXPECT_EQ(state, 0);
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(11), kRequestFailed, "log [Get old]HDCP state : 0,\n",
+                                              "log getExtension_getHdcpState..getData Fail! \n"));
+}
+
+TEST_F(Controller, FirmwareVersions) {
+    const Bytes block{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D,
+                      0x1E, 5,    6,    7,    8,    9,    10,   11,   12,   1,    2,    3,    4};
+    FirmwareVersionRecord record{};
+    EXPECT_TRUE(controller->GetFwVersion(record));
+    EXPECT_THAT(record, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre("sleep 1.0", get(12, block),
+                            "log [Get version]FW ver = 1.2.3.4, Icatch fw ver= 5.6.7.8, "
+                            "HDMI splitter fw ver= 9.10.11.12\n"));
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    record.fill(77);
+    EXPECT_FALSE(controller->GetFwVersion(record));
+    EXPECT_THAT(record, testing::Each(77));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre("sleep 1.0", stalledGet(12), kRequestFailed,
+                            "log [Get version]FW ver = 0.0.0.0, Icatch fw ver= 0.0.0.0, "
+                            "HDMI splitter fw ver= 0.0.0.0\n",
+                            "log getExtension_GetFwVersion..getData Fail! \n"));
+}
+
+// The clock.
+
+struct ClockCase {
+    const char* name;
+    const char* zone;
+    std::time_t host;
+    std::array<std::uint8_t, 6> deviceClock;
+    const char* interval; ///< absent: out of time
+    Bytes written;        ///< settings bytes 2 to 7, if out of time
+};
+
+class Clock : public Controller, public testing::WithParamInterface<ClockCase> {};
+
+TEST_P(Clock, IsSetWhenMoreThanTwoSecondsApart) {
+    const ClockCase& row = GetParam();
+    TestHost::setTimeZone(row.zone);
+    TestHost::instance().now = row.host;
+    device().setClock(row.deviceClock);
+    EXPECT_TRUE(controller->SyncRtc());
+    const Journal journal = TestHost::take();
+    if (row.interval) {
+        ASSERT_EQ(journal.size(), 3U);
+        EXPECT_EQ(journal[2], "log TimeInterval = " + std::string(row.interval) + "\n");
+        return;
+    }
+    ASSERT_EQ(journal.size(), 6U);
+    Bytes block = with(kSettings, {{0, 2}});
+    std::ranges::copy(row.written, block.begin() + 2);
+    EXPECT_EQ(journal[2], set(11, block));
+    EXPECT_EQ(journal[3], "sleep 1.0");
+}
+
+constexpr std::time_t kYearsEnd = 1'735'689'599;     // 2024-12-31 23:59:59 UTC
+constexpr std::time_t kBerlinSummer = 1'720'000'000; // 2024-07-03 11:46:40 in Berlin, daylight saving
+constexpr std::time_t kBerlinWinter = 1'704'500'000; // 2024-01-06 01:13:20 in Berlin
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, Clock,
+    testing::Values(
+        ClockCase{"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
+        ClockCase{"ThreeAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, nullptr, {24, 12, 31, 23, 59, 59}},
+        ClockCase{"TwoBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "-2.000000", {}},
+        ClockCase{"ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
+        ClockCase{"Never", "UTC", kYearsEnd, {0, 1, 1, 0, 0, 0}, nullptr, {24, 12, 31, 23, 59, 59}},
+        ClockCase{"EastOfUtc", "Asia/Kolkata", kYearsEnd, {25, 1, 1, 5, 29, 59}, "0.000000", {}},
+        ClockCase{"WinterTwoBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 18}, "-2.000000", {}},
+        ClockCase{"WinterThreeBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 17}, nullptr,
+                  {24, 1, 6, 1, 13, 20}},
+        // In daylight saving the device's calendar is taken for standard time: the right time is an hour off.
+        ClockCase{"SummerRight", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, nullptr,
+                  {24, 7, 3, 11, 46, 40}},
+        ClockCase{"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(Controller, ClockLinesInOrder) {
+    const std::string oldTime = "log [Get old time]Time : 23-01-02 03:04:05 \n";
+    const Bytes wrong = with(kSettings, {{2, 23}, {3, 1}, {4, 2}, {5, 3}, {6, 4}, {7, 5}});
+    const std::array<std::uint8_t, 6> wrongClock{23, 1, 2, 3, 4, 5};
+    device().setClock(wrongClock);
+    EXPECT_TRUE(controller->SyncRtc());
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(11, wrong), oldTime, set(11, with(kSettings, {{0, 2}})), "sleep 1.0",
+                            get(11, with(kSettings, {{7, 21}})), "log [Get NEW time]Time : 23-11-14 22:13:21 \n"));
+}
+
+TEST_F(Controller, ClockFailures) {
+    const std::string fails = "log getExtension_SyncRtc..setData Fail!\n";
+    const std::array<std::uint8_t, 6> wrongClock{9, 1, 2, 3, 4, 5};
+    const Bytes wrong = with(kSettings, {{2, 9}, {3, 1}, {4, 2}, {5, 3}, {6, 4}, {7, 5}});
+    const Bytes right = with(kSettings, {{0, 2}});
+    device().addFault(kAnyGet, 1, RequestFault::ShortData);
+    EXPECT_FALSE(controller->SyncRtc());
+    EXPECT_THAT(TestHost::take(), ElementsAre("a1 81 00 0b 00 03 0d 00 |  ! -1", kRequestFailed,
+                                              "log [Get old time]Time : 00-00-00 00:00:00 \n", fails));
+    const std::string oldTime = "log [Get old time]Time : 09-01-02 03:04:05 \n";
+    device().setClock(wrongClock);
+    device().addFault(kAnySet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SyncRtc());
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(11, wrong), oldTime, stalledSet(11, right), kRequestFailed, fails));
+    device().addFault(kAnyGet, 2, RequestFault::Stall);
+    EXPECT_FALSE(controller->SyncRtc());
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(11, wrong), oldTime, set(11, right), "sleep 1.0", stalledGet(11), kRequestFailed,
+                            "log [Get NEW time]Time : 23-11-14 22:13:20 \n", fails));
+}
+
+} // namespace

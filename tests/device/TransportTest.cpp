@@ -1,0 +1,281 @@
+// Finding the device and its interface, and what goes over the wire.
+
+#include "TestHost.h"
+#include "UvcBaseClass.h"
+#include "VN318UvcController.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr std::uint16_t kVendor = CVn318UvcController::kVendorID;
+constexpr std::uint16_t kProduct = CVn318UvcController::kProductID;
+const std::string kNoInterface = "log CameraControl Error: No interface to send request";
+
+class Transport : public testing::Test {
+protected:
+    Transport() { TestHost::reset(); }
+
+    bool readStatus() {
+        std::array<std::uint8_t, 4> block{};
+        return control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block);
+    }
+
+    CUvcBaseControl control;
+};
+
+TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
+    auto& bus = SimulatedBus::instance();
+    for (const std::uint16_t product : {kProduct, kProduct}) {
+        bus.devices.push_back(std::make_shared<SimulatedDevice>());
+        bus.devices.back()->productID = product;
+    }
+    bus.devices[0]->vendorID = kVendor + 1; // another product line, first on the bus
+    ASSERT_TRUE(control.initWithVendorID((std::int64_t{1} << 32) + kVendor, kProduct));
+    EXPECT_TRUE(readStatus());
+    EXPECT_EQ(bus.devices[1]->requests.size(), 1U);
+    EXPECT_TRUE(bus.devices[2]->requests.empty());
+    EXPECT_THAT(TestHost::takeLog(), IsEmpty());
+}
+
+TEST_F(Transport, WithoutADeviceOneLineIsLogged) {
+    device().unplug();
+    EXPECT_FALSE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
+}
+
+struct FailingStep {
+    const char* name;
+    UsbStep step;
+    UsbResult result;
+    bool opens; ///< a controller comes of it, which then has no interface
+    const char* line;
+};
+
+class TransportStep : public Transport, public testing::WithParamInterface<FailingStep> {};
+
+TEST_P(TransportStep, FailsWithItsLine) {
+    const FailingStep& failing = GetParam();
+    SimulatedBus::instance().failStep(failing.step, failing.result);
+    std::vector<std::string> expected;
+    if (failing.line)
+        expected.emplace_back(failing.line);
+    EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), failing.opens);
+    EXPECT_EQ(TestHost::take(), expected);
+    EXPECT_FALSE(readStatus());
+    EXPECT_THAT(TestHost::take(), ElementsAre(kNoInterface));
+    control.initWithLocationID(device().locationID);
+    EXPECT_EQ(TestHost::take(), expected);
+    EXPECT_FALSE(readStatus());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EachStep, TransportStep,
+    testing::Values(
+        FailingStep{"DevicePlugIn", UsbStep::DevicePlugIn, UsbCode::Access, false,
+                    "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffd."},
+        FailingStep{"DevicePlugInEmpty", UsbStep::DevicePlugIn, UsbCode::Success, false,
+                    "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0x00000000."},
+        FailingStep{"DeviceObject", UsbStep::DeviceObject, UsbCode::Busy, false,
+                    "log CameraControl Error: QueryInterface returned -6.\n"},
+        FailingStep{"DeviceObjectEmpty", UsbStep::DeviceObject, UsbCode::Success, false,
+                    "log CameraControl Error: QueryInterface returned 0.\n"},
+        FailingStep{"InterfaceIterator", UsbStep::InterfaceIterator, UsbCode::InputOutput, true, nullptr},
+        FailingStep{"InterfacePlugIn", UsbStep::InterfacePlugIn, UsbCode::Access, true,
+                    "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
+        FailingStep{"InterfaceServiceRelease", UsbStep::InterfaceServiceRelease, UsbCode::Stall, true,
+                    "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
+        FailingStep{"InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
+                    "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
+        FailingStep{"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
+                    "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(Transport, OpensByLocation) {
+    auto& bus = SimulatedBus::instance();
+    bus.devices.push_back(std::make_shared<SimulatedDevice>());
+    bus.devices.push_back(std::make_shared<SimulatedDevice>());
+    bus.devices[1]->locationID = 0x02130000;
+    control.initWithLocationID(0x02130000);
+    EXPECT_TRUE(readStatus());
+    EXPECT_EQ(bus.devices[1]->requests.size(), 1U);
+
+    for (const auto step : {UsbStep::DeviceLocation, UsbStep::AllServices}) {
+        bus.failStep(step, UsbCode::InputOutput);
+        control.initWithLocationID(0x02130000);
+        EXPECT_FALSE(readStatus());
+        bus.clearFailures();
+    }
+    control.initWithLocationID(0x02140000); // nothing there
+    EXPECT_FALSE(readStatus());
+}
+
+TEST_F(Transport, InterfaceNumberNeverReachesTheWire) {
+    device().videoControlInterface = 2;
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_FALSE(readStatus()); // the device listens on 2, the request says 0
+    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 |  ! -9"));
+
+    device().videoControlInterface.reset();
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_FALSE(readStatus());
+    EXPECT_THAT(TestHost::take(), ElementsAre(kNoInterface));
+}
+
+TEST_F(Transport, InterfaceNumberIsAskedForAndDropped) {
+    auto& bus = SimulatedBus::instance();
+    device().videoControlInterface = 2;
+    const auto service = bus.firstService(kVendor, kProduct);
+    const auto object = service.object->createPlugIn().object->QueryInterface().object;
+    const auto interface = UVCCameraControl::getControlInferaceWithDeviceInterface(*object);
+    ASSERT_TRUE(interface);
+    EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
+    EXPECT_THAT(TestHost::take(), IsEmpty());
+    bus.failStep(UsbStep::InterfaceNumber, UsbCode::NoDevice);
+    EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
+    EXPECT_THAT(TestHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
+}
+
+TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
+    auto& bus = SimulatedBus::instance();
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    bus.failStep(UsbStep::InterfaceClose, UsbCode::NotFound);
+    device().addFault(kAnyGet, 1, RequestFault::TimeOut);
+    std::array<std::uint8_t, 4> block{9, 9, 9, 9};
+    EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
+    EXPECT_THAT(block, ElementsAre(9, 9, 9, 9));
+    EXPECT_THAT(TestHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
+    EXPECT_EQ(bus.closeCount, 1U);
+    EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
+    EXPECT_THAT(block, ElementsAre(0x51, 0x02, 0x83, 0x1C));
+}
+
+TEST_F(Transport, ClosesAndReleasesItsInterface) {
+    auto& bus = SimulatedBus::instance();
+    {
+        CUvcBaseControl other;
+        ASSERT_TRUE(other.initWithVendorID(kVendor, kProduct));
+        EXPECT_EQ(bus.releaseCount, 0U);
+    }
+    EXPECT_EQ(bus.closeCount, 1U);
+    EXPECT_EQ(bus.releaseCount, 1U);
+}
+
+TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_TRUE(control.setData(8, 1, 2, 1));
+    EXPECT_TRUE(control.setData(0x1234, 2, 3, 2));
+    EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device does not know
+    std::array<std::uint8_t, 7> block{1, 2, 3, 4, 5, 6, 7};
+    EXPECT_TRUE(control.SetData2(block, 7, 13, 3));
+    EXPECT_THAT(TestHost::takeRequests(),
+                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
+                            "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
+                            "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
+}
+
+struct CameraControl {
+    const char* name;
+    const char* address; ///< wValue, wIndex and wLength as on the wire
+    const char* one;     ///< the value 1 in the control's size
+    bool (UVCCameraControl::*set)(float);
+    float (UVCCameraControl::*get)();
+    bool inverted;
+};
+
+class StandardControl : public Transport, public testing::WithParamInterface<CameraControl> {
+protected:
+    static std::string request(const char* start) { return std::string(start) + " " + GetParam().address + " |"; }
+};
+
+// A responding device has the range 1 to 1, so that whatever is set is a 1 and what is read is no number.
+TEST_P(StandardControl, TakesSuccessFlagsForValues) {
+    const CameraControl& row = GetParam();
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_TRUE((control.*row.set)(0.25F));
+    auto requests = TestHost::takeRequests();
+    ASSERT_EQ(requests.size(), 3U);
+    EXPECT_TRUE(requests[0].starts_with(request("a1 82"))) << requests[0];
+    EXPECT_TRUE(requests[1].starts_with(request("a1 83"))) << requests[1];
+    EXPECT_EQ(requests[2], request("21 01") + " " + row.one);
+    EXPECT_TRUE(std::isnan((control.*row.get)()));
+    requests = TestHost::takeRequests();
+    ASSERT_EQ(requests.size(), 3U);
+    EXPECT_TRUE(requests[2].starts_with(request("a1 81"))) << requests[2];
+
+    // With the minimum refused the range is 0 to 1 and shows the scale's direction.
+    device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+    EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
+    EXPECT_EQ(TestHost::takeRequests().back(), request("21 01") + " " + row.one);
+    device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+    EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, StandardControl,
+    testing::Values(CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00", &UVCCameraControl::setExposure,
+                                  &UVCCameraControl::getExposure, true},
+                    CameraControl{"Brightness", "00 02 00 02 02 00", "01 00", &UVCCameraControl::setBrightness,
+                                  &UVCCameraControl::getBrightness, false},
+                    CameraControl{"Contrast", "00 03 00 02 02 00", "01 00", &UVCCameraControl::setContrast,
+                                  &UVCCameraControl::getContrast, false},
+                    CameraControl{"Gain", "00 04 00 02 02 00", "01 00", &UVCCameraControl::setGain,
+                                  &UVCCameraControl::getGain, false},
+                    CameraControl{"Saturation", "00 07 00 02 02 00", "01 00", &UVCCameraControl::setSaturation,
+                                  &UVCCameraControl::getSaturation, false},
+                    CameraControl{"Sharpness", "00 08 00 02 02 00", "01 00", &UVCCameraControl::setSharpness,
+                                  &UVCCameraControl::getSharpness, false},
+                    CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00", &UVCCameraControl::setWhiteBalance,
+                                  &UVCCameraControl::getWhiteBalance, false}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_F(Transport, AutomaticModes) {
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    EXPECT_TRUE(control.setAutoExposure(true));
+    EXPECT_TRUE(control.setAutoExposure(false));
+    EXPECT_TRUE(control.setAutoWhiteBalance(true));
+    EXPECT_TRUE(control.setAutoWhiteBalance(false));
+    EXPECT_FALSE(control.getAutoExposure());
+    EXPECT_TRUE(control.getAutoWhiteBalance()); // the device's setting is 0 now
+    EXPECT_EQ(control.getExtension(), 0x51);
+    EXPECT_THAT(TestHost::takeRequests(),
+                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01",
+                            "21 01 00 0b 00 02 01 00 | 01", "21 01 00 0b 00 02 01 00 | 00",
+                            "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
+                            "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
+    device().unplug();
+    EXPECT_FALSE(control.getAutoWhiteBalance());
+    EXPECT_FALSE(control.getAutoExposure());
+}
+
+TEST_F(Transport, ScalesInSinglePrecision) {
+    EXPECT_EQ(UVCCameraControl::mapValue(0.5F, 0, 1, 10, 20), 15.0F);
+    EXPECT_EQ(UVCCameraControl::mapValue(3, 1, 5, 0, 1), 0.5F);
+    EXPECT_TRUE(std::isinf(UVCCameraControl::mapValue(3, 1, 1, 0, 1)));
+    const auto [min, max] = control.getRangeForControl({2, 4, 2}); // no interface
+    EXPECT_EQ(min, 0);
+    EXPECT_EQ(max, 0);
+}
+
+TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    const auto sent = [this](float value) {
+        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
+        return TestHost::takeRequests().back();
+    };
+    EXPECT_THAT(sent(1e20F), testing::EndsWith("| ff ff ff 7f"));
+    EXPECT_THAT(sent(-1e20F), testing::EndsWith("| 00 00 00 80"));
+    EXPECT_THAT(sent(-2.9F), testing::EndsWith("| fe ff ff ff"));
+    EXPECT_THAT(sent(NAN), testing::EndsWith("| 00 00 00 00"));
+}
+
+} // namespace

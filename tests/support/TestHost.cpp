@@ -1,0 +1,156 @@
+#include "TestHost.h"
+
+#include "host/Clock.h"
+#include "host/Log.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+int journalPipe = -1; // in a child process: where its journal goes
+
+void note(const std::string& entry) {
+    TestHost::instance().journal.push_back(entry);
+    if (journalPipe >= 0)
+        (void)!::write(journalPipe, (entry + '\0').c_str(), entry.size() + 1); // a lost entry fails the test
+}
+
+template <class Bytes>
+std::string hex(const Bytes& bytes) {
+    std::string text;
+    for (const int byte : bytes) {
+        std::array<char, 4> digits{};
+        (void)std::snprintf(digits.data(), digits.size(), "%02x ", byte & 0xFF);
+        text += digits.data();
+    }
+    if (!text.empty())
+        text.pop_back();
+    return text;
+}
+
+void noteRequest(const RecordedRequest& request) {
+    std::string entry = hex(request.setup) + " | " + hex(request.data);
+    if (request.result != UsbCode::Success)
+        entry += " ! " + std::to_string(request.result);
+    note(entry);
+}
+
+int blockSize(int selector) {
+    return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7;
+}
+
+std::string setup(bool isGet, int selector) {
+    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector), 0}) + " | ";
+}
+
+std::vector<std::string> takeMatching(bool wantLog) {
+    std::vector<std::string> taken = TestHost::take();
+    std::erase_if(taken, [wantLog](const std::string& entry) {
+        return entry.starts_with("sleep") || entry.starts_with("log ") != wantLog;
+    });
+    return taken;
+}
+
+} // namespace
+
+std::time_t hostTime() {
+    return TestHost::instance().now;
+}
+
+void sleepForTimeInterval(double seconds) {
+    note("sleep " + std::to_string(seconds).substr(0, 3));
+    TestHost::instance().now += static_cast<std::time_t>(seconds);
+}
+
+void deliverLogMessage(std::string_view message) {
+    note("log " + std::string(message));
+}
+
+TestHost& TestHost::instance() {
+    static TestHost host;
+    return host;
+}
+
+void TestHost::setTimeZone(const char* zone) {
+    ::setenv("TZ", zone, 1);
+    ::tzset();
+}
+
+void TestHost::reset() {
+    instance() = TestHost();
+    setTimeZone("UTC");
+    SimulatedBus::instance() = SimulatedBus();
+    device().onRequest = noteRequest;
+    device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
+}
+
+std::vector<std::string> TestHost::take() {
+    return std::exchange(instance().journal, {});
+}
+
+std::vector<std::string> TestHost::takeRequests() {
+    return takeMatching(false);
+}
+
+std::vector<std::string> TestHost::takeLog() {
+    return takeMatching(true);
+}
+
+SimulatedDevice& device() {
+    return *SimulatedBus::instance().devices.front();
+}
+
+std::string get(int selector, const std::vector<int>& bytes) {
+    return setup(true, selector) + hex(bytes);
+}
+
+std::string set(int selector, const std::vector<int>& bytes) {
+    return setup(false, selector) + hex(bytes);
+}
+
+std::string stalledGet(int selector) {
+    return setup(true, selector) + " ! -9";
+}
+
+std::string stalledSet(int selector, const std::vector<int>& bytes) {
+    return set(selector, bytes) + " ! -9";
+}
+
+ChildEnd runInChild(const std::function<void()>& part) {
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0)
+        return {};
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::close(ends[0]);
+        journalPipe = ends[1];
+        part();
+        ::_exit(99);
+    }
+    ::close(ends[1]);
+    ChildEnd end;
+    std::string written;
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = ::read(ends[0], buffer.data(), buffer.size())) > 0;)
+        written.append(buffer.data(), static_cast<std::size_t>(count));
+    ::close(ends[0]);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    end.aborted = WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
+    end.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    std::istringstream entries(written);
+    for (std::string entry; std::getline(entries, entry, '\0');)
+        end.journal.push_back(entry);
+    return end;
+}

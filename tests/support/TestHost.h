@@ -1,0 +1,51 @@
+#pragma once
+
+#include "SimulatedBus.h"
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The host that tests run on: its time stands still but for sleeps, which take none, and everything that
+/// happens is written down in one journal, in order:
+///   "log TEXT"    a log message, its newline included
+///   "sleep 1.0"   a sleep, in seconds
+///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request: its setup packet and data; " ! -9" follows a failed one
+struct TestHost {
+    std::time_t now = 1'700'000'000;
+    std::vector<std::string> journal;
+
+    [[nodiscard]] static TestHost& instance();
+
+    /// Starts anew: UTC, an empty journal, and one device on the simulated bus whose clock is in time.
+    static void reset();
+    static void setTimeZone(const char* zone);
+    /// The journal so far, which is emptied. Only the requests, or only the log, if asked for.
+    static std::vector<std::string> take();
+    static std::vector<std::string> takeRequests();
+    static std::vector<std::string> takeLog();
+};
+
+/// The device on the simulated bus.
+[[nodiscard]] SimulatedDevice& device();
+
+/// A GET or SET of a block of unit 3 as the journal shows it.
+[[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
+[[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
+/// The same, refused with a stall.
+[[nodiscard]] std::string stalledGet(int selector);
+[[nodiscard]] std::string stalledSet(int selector, const std::vector<int>& bytes);
+
+inline constexpr RequestKind kAnyGet{.request = 0x81, .selector = {}};
+inline constexpr RequestKind kAnySet{.request = 0x01, .selector = {}};
+
+/// How a program part ended that ran in a process of its own.
+struct ChildEnd {
+    bool aborted = false;
+    int status = -1; ///< exit status, if it exited
+    std::vector<std::string> journal;
+};
+
+/// Runs `part` in a child process. A part that returns ends with status 99.
+[[nodiscard]] ChildEnd runInChild(const std::function<void()>& part);
