@@ -15,6 +15,7 @@ public:
     [[nodiscard]] const char* name() const { return m_name; }
     /// Finds the control below `root`; one of another class does not count.
     virtual void connectBelow(const QWidget& root) = 0;
+    [[nodiscard]] virtual bool isConnected() const = 0;
 
 protected:
     explicit OutletBase(const char* name) : m_name(name) {}
@@ -36,7 +37,7 @@ public:
     void connectBelow(const QWidget& root) override {
         m_control = root.findChild<Control*>(QString::fromLatin1(name()));
     }
-    [[nodiscard]] bool isConnected() const { return !m_control.isNull(); }
+    [[nodiscard]] bool isConnected() const override { return !m_control.isNull(); }
 
     /// The control. An outlet that is not connected is a fault of the window description: the program stops.
     Control* operator->() const {

@@ -7,23 +7,18 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
-#include <csignal>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-int journalPipe = -1; // in a child process: where its journal goes
-
 void note(const std::string& entry) {
-    TestHost::instance().journal.push_back(entry);
-    if (journalPipe >= 0)
-        (void)!::write(journalPipe, (entry + '\0').c_str(), entry.size() + 1); // a lost entry fails the test
+    TestHost& host = TestHost::instance();
+    host.journal.push_back(entry);
+    if (host.journalCopy >= 0)
+        (void)!::write(host.journalCopy, entry.c_str(), entry.size() + 1); // a lost entry fails the test
 }
 
 template <class Bytes>
@@ -88,7 +83,9 @@ void TestHost::setTimeZone(const char* zone) {
 }
 
 void TestHost::reset() {
+    const int journalCopy = instance().journalCopy;
     instance() = TestHost();
+    instance().journalCopy = journalCopy;
     setTimeZone("UTC");
     SimulatedBus::instance() = SimulatedBus();
     device().onRequest = noteRequest;
@@ -125,32 +122,4 @@ std::string stalledGet(int selector) {
 
 std::string stalledSet(int selector, const std::vector<int>& bytes) {
     return set(selector, bytes) + " ! -9";
-}
-
-ChildEnd runInChild(const std::function<void()>& part) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0)
-        return {};
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::close(ends[0]);
-        journalPipe = ends[1];
-        part();
-        ::_exit(99);
-    }
-    ::close(ends[1]);
-    ChildEnd end;
-    std::string written;
-    std::array<char, 4096> buffer{};
-    for (ssize_t count = 0; (count = ::read(ends[0], buffer.data(), buffer.size())) > 0;)
-        written.append(buffer.data(), static_cast<std::size_t>(count));
-    ::close(ends[0]);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    end.aborted = WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
-    end.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    std::istringstream entries(written);
-    for (std::string entry; std::getline(entries, entry, '\0');)
-        end.journal.push_back(entry);
-    return end;
 }

@@ -3,7 +3,6 @@
 #include "SimulatedBus.h"
 
 #include <ctime>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,6 +14,7 @@
 struct TestHost {
     std::time_t now = 1'700'000'000;
     std::vector<std::string> journal;
+    int journalCopy = -1; ///< file descriptor that gets every entry too, each with a NUL after it
 
     [[nodiscard]] static TestHost& instance();
 
@@ -39,13 +39,3 @@ struct TestHost {
 
 inline constexpr RequestKind kAnyGet{.request = 0x81, .selector = {}};
 inline constexpr RequestKind kAnySet{.request = 0x01, .selector = {}};
-
-/// How a program part ended that ran in a process of its own.
-struct ChildEnd {
-    bool aborted = false;
-    int status = -1; ///< exit status, if it exited
-    std::vector<std::string> journal;
-};
-
-/// Runs `part` in a child process. A part that returns ends with status 99.
-[[nodiscard]] ChildEnd runInChild(const std::function<void()>& part);

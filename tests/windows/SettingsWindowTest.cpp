@@ -1,1 +1,485 @@
-int main() { return 0; }
+// The settings window on the simulated device: start-up, every action of the user, every failure.
+
+#include "ApplicationMain.h"
+#include "OpenWindow.h"
+#include "windows/Bundle.h"
+
+#include <QAbstractItemView>
+#include <QAccessible>
+
+#include <array>
+
+namespace {
+
+using Journal = std::vector<std::string>;
+using Act = std::function<void(SettingsWindow&)>;
+
+const std::string kCreated = "log call camera CreateInstance";
+constexpr std::array<std::uint8_t, 6> kWrongClock{1, 2, 3, 4, 5, 6};
+
+/// The requests as words like "GET 13" and "SET 11", failed ones with a "!".
+QString requestsInShort() {
+    QStringList words;
+    for (const std::string& request : TestHost::takeRequests()) {
+        const QString text = QString::fromStdString(request);
+        words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
+                     + (text.contains('!') ? "!" : "");
+    }
+    return words.join(", ");
+}
+
+qsizetype created(const Journal& journal) {
+    return std::ranges::count(journal, kCreated);
+}
+
+bool showsStars(const SettingsWindow& settings, const char* image) {
+    const QImage expected = mainBundle::imageNamed(QString::fromLatin1(image)).toImage();
+    return !expected.isNull() && settings.control<QLabel>("QualityImage").pixmap().toImage() == expected;
+}
+
+void press(SettingsWindow& settings, const char* name, Qt::Key key) {
+    settings.control(name).setFocus();
+    QTest::keyClick(&settings.control(name), key);
+}
+
+void chooseItem(SettingsWindow& settings, int index) {
+    auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+    popUp.showPopup();
+    popUp.view()->setCurrentIndex(popUp.model()->index(index, 0));
+    QTest::keyClick(popUp.view(), Qt::Key_Return);
+}
+
+QPoint knob(const QSlider& slider, int value) {
+    const int travel = slider.width() - 6 - 15;
+    return {3 + 7 + travel * value / 255, 34};
+}
+
+/// An action on each control, by its one key.
+struct HandlerRow {
+    const char* name;
+    Act act;
+    const char* sequence; ///< of requests, when all goes well
+    const char* firstCall;
+};
+
+const std::vector<HandlerRow>& handlers() {
+    static const std::vector<HandlerRow> rows{
+        {"quality", [](SettingsWindow& w) { chooseItem(w, 2); }, "GET 11, GET 11, SET 11, GET 11", "GET 11!"},
+        {"microphone", [](SettingsWindow& w) { press(w, "SliderMicrophoneVolume", Qt::Key_Left); },
+         "GET 13, SET 13, GET 13", "GET 13!"},
+        {"headphone", [](SettingsWindow& w) { press(w, "SliderHeadphoneVolume", Qt::Key_Left); },
+         "GET 13, SET 13, GET 13", "GET 13!"},
+        {"HDMI and AUX", [](SettingsWindow& w) { press(w, "SliderHmdiAuxVolume", Qt::Key_Left); },
+         "GET 13, SET 13, GET 13, SET 13, GET 13", "GET 13!"},
+        {"HDCP on", [](SettingsWindow& w) { press(w, "HdcpOnButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
+         "GET 11!"},
+        {"HDCP off", [](SettingsWindow& w) { press(w, "HdcpOffButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
+         "GET 11!"},
+    };
+    return rows;
+}
+
+void eachHandler() {
+    QTest::addColumn<int>("row");
+    for (std::size_t i = 0; i < handlers().size(); ++i)
+        QTest::newRow(handlers()[i].name) << static_cast<int>(i);
+}
+
+} // namespace
+
+class SettingsWindowTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { setUpApplication(*qApp); }
+    void init() { TestHost::reset(); }
+
+    void startUpInOrder() {
+        const std::vector<int> settings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x11, 0, 0xA7, 0x3B, 0xC9};
+        std::vector<int> later = settings;
+        later[7] = 21; // the firmware read sleeps
+        const std::vector<int> audio{0x6D, 255, 200, 176, 0x92, 128, 0xE4};
+        const SettingsWindow opened;
+        const Journal expected{
+            kCreated,
+            get(11, settings),
+            "log [Get old time]Time : 23-11-14 22:13:20 \n",
+            "log TimeInterval = 0.000000\n",
+            get(11, settings),
+            "log [Get old]video bit rate index : [H264]=1, [MJPG]=1 \n",
+            get(13, audio),
+            "log [Get old]Mic gain = 176,\n",
+            get(13, audio),
+            "log [Get old]Headphone vol = 128,\n",
+            get(13, audio),
+            "log [Get old]HDMI vol = 255,\n",
+            "sleep 1.0",
+            get(12, {0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D,
+                     0x1E, 5,    6,    7,    8,    9,    10,   11,   12,   1,    2,    3,    4}),
+            "log [Get version]FW ver = 1.2.3.4, Icatch fw ver= 5.6.7.8, HDMI splitter fw ver= 9.10.11.12\n",
+            get(11, later),
+            "log [Get old]HDCP state : 0,\n",
+            "log getExtension_HDCP state is Off.\n"};
+        QCOMPARE(TestHost::take(), expected);
+    }
+
+    void startUpShowsTheDevice_data() {
+        QTest::addColumn<int>("levels");
+        QTest::addColumn<int>("hdcp");
+        QTest::addColumn<QString>("stars");
+        QTest::addColumn<int>("item");
+        QTest::newRow("high, on") << 0x02 << 1 << "img_starBest.png" << 0;
+        QTest::newRow("middle, off") << 0x12 << 0 << "img_starGood.png" << 1;
+        QTest::newRow("low, unknown HDCP state") << 0x20 << 2 << "img_starGen.png" << 2;
+        QTest::newRow("unknown level") << 0x51 << 255 << "img_starBest.png" << -1;
+    }
+    void startUpShowsTheDevice() {
+        QFETCH(int, levels);
+        QFETCH(int, hdcp);
+        QFETCH(QString, stars);
+        device().settings[8] = static_cast<std::uint8_t>(levels);
+        device().settings[9] = static_cast<std::uint8_t>(hdcp);
+        device().audio = {0, 11, 22, 33, 0, 55, 0};
+        const std::array<std::uint8_t, 12> firmware{1, 2, 3, 4, 100, 0, 9, 99, 10, 0, 255, 7};
+        std::ranges::copy(firmware, device().versions.begin() + 14);
+        const SettingsWindow settings;
+        QVERIFY(showsStars(settings, qPrintable(stars)));
+        QTEST(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex(), "item");
+        QCOMPARE(settings.control<QSlider>("SliderMicrophoneVolume").value(), 33);
+        QCOMPARE(settings.control<QSlider>("SliderHeadphoneVolume").value(), 55);
+        QCOMPARE(settings.control<QSlider>("SliderHmdiAuxVolume").value(), 11);
+        QCOMPARE(settings.control<QRadioButton>("HdcpOnButton").isChecked(), hdcp == 1);
+        QCOMPARE(settings.control<QRadioButton>("HdcpOffButton").isChecked(), hdcp != 1);
+        auto& label = settings.control<QLabel>("LabelFwVersion");
+        QCOMPARE(label.text(), "Firmware v10.0.255.7 (01020304.100000999)");
+        QCOMPARE(QAccessible::queryAccessibleInterface(&label)->text(QAccessible::Name), label.text());
+        QCOMPARE(requestsInShort(), "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
+    }
+
+    void startUpStylesTheTitles() {
+        const SettingsWindow settings;
+        const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        const char* const titles[] = {"High", "Middle", "Low"};
+        QCOMPARE(popUp.count(), 3);
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(popUp.attributedTitle(i).string, titles[i]);
+            QCOMPARE(popUp.attributedTitle(i).colorAt(0), light);
+        }
+        for (const char* name : {"HdcpOnButton", "HdcpOffButton"}) {
+            auto& button = settings.control<AttributedRadioButton>(name);
+            QCOMPARE(button.attributedTitle().string, button.text());
+            QCOMPARE(button.attributedTitle().colorAt(0), light);
+        }
+        QCOMPARE(settings.control("HdcpOffButton").property("text").toString(), "O&ff"); // with its mnemonic
+    }
+
+    void failedReadsAtStartUpShowZero() {
+        device().settings[8] = 0x22;
+        device().settings[9] = 1;
+        for (unsigned request = 2; request <= 7; ++request)
+            device().addFault({}, request, RequestFault::Stall);
+        const SettingsWindow settings;
+        QCOMPARE(requestsInShort(), "GET 11, GET 11!, GET 13!, GET 13!, GET 13!, GET 12!, GET 11!");
+        QVERIFY(showsStars(settings, "img_starBest.png"));
+        QCOMPARE(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex(), 0);
+        for (const char* slider : {"SliderMicrophoneVolume", "SliderHeadphoneVolume", "SliderHmdiAuxVolume"})
+            QCOMPARE(settings.control<QSlider>(slider).value(), 0);
+        QCOMPARE(settings.control<QLabel>("LabelFwVersion").text(), "Firmware v0.0.0.0 (00000000.00000000)");
+        QVERIFY(settings.control<QRadioButton>("HdcpOffButton").isChecked());
+    }
+
+    void startUpTriesTwice() {
+        device().addFault({}, 1, RequestFault::Stall);
+        const SettingsWindow settings;
+        QCOMPARE(SimulatedBus::instance().releaseCount, 1U); // the first controller is gone
+        QCOMPARE(created(TestHost::take()), 2);
+        QVERIFY(settings.view().DeviceCtrl != nullptr);
+        QCOMPARE(settings.control<QSlider>("SliderHeadphoneVolume").value(), 128);
+    }
+
+    void startUpEndsWithTheAlert_data() {
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<int>("created");
+        QTest::newRow("no device") << 0 << 1;
+        QTest::newRow("clock fails twice") << 1 << 2;
+        QTest::newRow("clock fails, then the device is gone") << 2 << 2;
+        QTest::newRow("clock can't be set") << 3 << 2;
+        QTest::newRow("no camera") << 4 << 2;
+    }
+    void startUpEndsWithTheAlert() {
+        QFETCH(int, fault);
+        switch (fault) {
+        case 0: device().unplug(); break;
+        case 1: device().addFault({}, 1, RequestFault::TimeOut); device().addFault({}, 2, RequestFault::Stall); break;
+        case 2: device().addFault({}, 1, RequestFault::Unplug); break;
+        case 3:
+            device().setClock(kWrongClock);
+            device().addFault(kAnySet, 1, RequestFault::Stall);
+            device().addFault(kAnyGet, 3, RequestFault::Stall); // the second time the read-back
+            break;
+        default: device().videoControlInterface.reset(); break;
+        }
+        const ChildEnd end = runInChild([] {
+            dismissAlertWhenShown();
+            const SettingsWindow settings;
+        });
+        QCOMPARE(end.status, 0);
+        QCOMPARE(end.journal.back(), "log alert");
+        QTEST(static_cast<int>(created(end.journal)), "created");
+    }
+
+    void everyWayOfTheUserActs_data() {
+        QTest::addColumn<QString>("slider");
+        QTest::addColumn<int>("byte");
+        QTest::newRow("microphone") << "SliderMicrophoneVolume" << 3;
+        QTest::newRow("headphone") << "SliderHeadphoneVolume" << 5;
+        QTest::newRow("HDMI") << "SliderHmdiAuxVolume" << 1;
+    }
+    void everyWayOfTheUserActs() {
+        QFETCH(QString, slider);
+        QFETCH(int, byte);
+        device().audio = {1, 100, 100, 100, 1, 100, 1};
+        const SettingsWindow settings;
+        auto& control = settings.control<QSlider>(qPrintable(slider));
+        const auto held = [byte] { return int{device().audio[static_cast<std::size_t>(byte)]}; };
+        QTest::keyClick(&control, Qt::Key_Right);
+        QCOMPARE(held(), 101);
+        QTest::keyClick(&control, Qt::Key_PageUp);
+        QCOMPARE(held(), 117);
+        QTest::mouseClick(&control, Qt::LeftButton, {}, knob(control, 250));
+        QCOMPARE(held(), 133);
+        QTest::mousePress(&control, Qt::LeftButton, {}, knob(control, 133));
+        QTest::mouseMove(&control, knob(control, 50));
+        QTest::mouseRelease(&control, Qt::LeftButton, {}, knob(control, 50));
+        QVERIFY2(std::abs(held() - 50) <= 1, qPrintable(QString::number(held())));
+        const int before = held();
+        QWheelEvent wheel(knob(control, 50), control.mapToGlobal(knob(control, 50)), {}, {0, 120}, {}, {},
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&control, &wheel);
+        QVERIFY(held() > before);
+        QAccessible::queryAccessibleInterface(&control)->valueInterface()->setCurrentValue(7);
+        QCOMPARE(held(), 7);
+        QCOMPARE(control.value(), 7);
+        QCOMPARE(device().audio[2], slider.contains("Hmdi") ? 7 : 100); // AUX goes with HDMI only
+    }
+
+    void handlersSendTheirRequests_data() { eachHandler(); }
+    void handlersSendTheirRequests() {
+        QFETCH(int, row);
+        SettingsWindow settings;
+        TestHost::take();
+        handlers()[static_cast<std::size_t>(row)].act(settings);
+        QCOMPARE(requestsInShort(), handlers()[static_cast<std::size_t>(row)].sequence);
+    }
+
+    void handlersShowWhatTheDeviceReports() {
+        SettingsWindow settings;
+        device().onRequest = [](const RecordedRequest& request) {
+            if (request.isGet())
+                return;
+            device().audio = {0, 90, 91, 92, 0, 93, 0}; // the device has a mind of its own
+            device().settings[8] = 0x13;
+            device().settings[9] = 1;
+        };
+        for (const HandlerRow& handler : handlers())
+            handler.act(settings);
+        QCOMPARE(settings.control<QSlider>("SliderMicrophoneVolume").value(), 92);
+        QCOMPARE(settings.control<QSlider>("SliderHeadphoneVolume").value(), 93);
+        QCOMPARE(settings.control<QSlider>("SliderHmdiAuxVolume").value(), 90);
+        QVERIFY(settings.control<QRadioButton>("HdcpOnButton").isChecked()); // "off" was pressed last
+        QVERIFY(showsStars(settings, "img_starGood.png"));
+        QCOMPARE(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex(), 2); // as chosen
+    }
+
+    void failedReadBackShowsZero() {
+        device().settings[8] = 0x11;
+        SettingsWindow settings;
+        const auto failLast = [](unsigned get) { device().addFault(kAnyGet, get, RequestFault::Stall); };
+        failLast(3);
+        chooseItem(settings, 2);
+        QVERIFY(showsStars(settings, "img_starBest.png"));
+        QCOMPARE(device().settings[8], 0x21); // MJPEG as it was
+        failLast(2);
+        press(settings, "HdcpOnButton", Qt::Key_Space);
+        QVERIFY(settings.control<QRadioButton>("HdcpOffButton").isChecked());
+        QCOMPARE(device().settings[9], 1);
+        failLast(2);
+        press(settings, "SliderMicrophoneVolume", Qt::Key_Right);
+        QCOMPARE(settings.control<QSlider>("SliderMicrophoneVolume").value(), 0);
+        QCOMPARE(device().audio[3], 177);
+        failLast(3);
+        press(settings, "SliderHmdiAuxVolume", Qt::Key_Left);
+        QCOMPARE(settings.control<QSlider>("SliderHmdiAuxVolume").value(), 0);
+    }
+
+    void failedSecondWritesAreIgnored() {
+        SettingsWindow settings;
+        TestHost::take();
+        device().addFault(kAnySet, 2, RequestFault::Stall); // AUX
+        press(settings, "SliderHmdiAuxVolume", Qt::Key_Left);
+        QCOMPARE(settings.control<QSlider>("SliderHmdiAuxVolume").value(), 254);
+        QCOMPARE(device().audio[2], 200);
+        device().addFault(kAnySet, 1, RequestFault::Stall);
+        chooseItem(settings, 2);
+        QVERIFY(showsStars(settings, "img_starGood.png"));
+        QCOMPARE(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex(), 2);
+        QCOMPARE(created(TestHost::take()), 0); // neither opens the device again
+    }
+
+    void handlersReconnectOnce_data() { eachHandler(); }
+    void handlersReconnectOnce() {
+        QFETCH(int, row);
+        const HandlerRow& handler = handlers()[static_cast<std::size_t>(row)];
+        SettingsWindow settings;
+        TestHost::take();
+        device().addFault(kAnyGet, 1, RequestFault::Stall);
+        handler.act(settings);
+        QCOMPARE(SimulatedBus::instance().releaseCount, 1U);
+        QCOMPARE(requestsInShort(), QString(handler.firstCall) + ", " + handler.sequence);
+        device().unplug();
+        device().plugIn();
+        TestHost::take();
+        handlers()[(static_cast<std::size_t>(row) + 1) % handlers().size()].act(settings); // a message to nobody
+        QCOMPARE(created(TestHost::take()), 1);
+        QVERIFY(!visibleWindow("AlertWindow"));
+    }
+
+    void handlersEndWithTheAlert_data() {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("gone");
+        for (std::size_t i = 0; i < handlers().size(); ++i) {
+            QTest::addRow("%s, device gone", handlers()[i].name) << static_cast<int>(i) << true;
+            QTest::addRow("%s, device silent", handlers()[i].name) << static_cast<int>(i) << false;
+        }
+    }
+    void handlersEndWithTheAlert() {
+        QFETCH(int, row);
+        QFETCH(bool, gone);
+        const ChildEnd end = runInChild([&] {
+            SettingsWindow settings;
+            if (gone)
+                device().unplug();
+            for (const unsigned request : {1U, 2U})
+                device().addFault(kAnyGet, request, RequestFault::TimeOut);
+            dismissAlertWhenShown();
+            systemLog("acting");
+            handlers()[static_cast<std::size_t>(row)].act(settings);
+        });
+        QCOMPARE(end.status, 0);
+        QCOMPARE(end.journal.back(), "log alert");
+        const Journal acted(std::ranges::find(end.journal, "log acting"), end.journal.end());
+        QCOMPARE(created(acted), 1);
+        const auto requests = std::ranges::count_if(acted, [](auto& entry) { return entry.starts_with("a1 "); });
+        QCOMPARE(requests, gone ? 0 : 2); // never a third
+        QVERIFY(std::ranges::none_of(acted, [](auto& entry) { return entry.starts_with("21 "); }));
+    }
+
+    void radioButtonsActOnEveryPress() {
+        SettingsWindow settings;
+        auto& on = settings.control<QRadioButton>("HdcpOnButton");
+        auto& off = settings.control<QRadioButton>("HdcpOffButton");
+        TestHost::take();
+        QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2});
+        QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
+        QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2}); // the selected one again
+        QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
+        QCOMPARE(device().settings[9], 1);
+        press(settings, "HdcpOnButton", Qt::Key_Right);
+        QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
+        QVERIFY(off.isChecked());
+        QAccessible::queryAccessibleInterface(&on)->actionInterface()->doAction(
+            QAccessibleActionInterface::toggleAction());
+        QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
+        QCOMPARE(device().settings[9], 1);
+    }
+
+    void popUpActsAlsoOnTheSameItem() {
+        SettingsWindow settings;
+        TestHost::take();
+        chooseItem(settings, 1);
+        QCOMPARE(requestsInShort(), "GET 11, GET 11, SET 11, GET 11");
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        QTest::keyClick(&popUp, Qt::Key_Down);
+        QCOMPARE(device().settings[8], 0x21);
+    }
+
+    void popUpIsBlackWhileOpen() {
+        const SettingsWindow settings;
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        const auto color = [&popUp] { return popUp.attributedTitle(2).colorAt(0); };
+        popUp.showPopup();
+        QCOMPARE(color(), QColor(Qt::black));
+        QTest::keyClick(popUp.view(), Qt::Key_Escape);
+        QCOMPARE(color(), QColor::fromRgbF(1, 1, 1, 0.8F));
+    }
+
+    void outletsAreConnected() {
+        const SettingsWindow settings;
+        QStringList connected;
+        const char* const expected[] = {
+            "MyMainImageView", "LabelBitRateState", "ButtonHigh", "ButtonMiddle", "ButtonLow", "PopupRecordQuality",
+            "QualityImage", "LabelMicrophoneVolume", "SliderMicrophoneVolume", "LabelHeadphoneVolume",
+            "SliderHeadphoneVolume", "LabelHdmiAuxVolume", "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton",
+            "HdcpOffButton"};
+        for (const OutletBase* outlet : settings.view().outlets()) {
+            QVERIFY2(outlet->isConnected(), outlet->name());
+            connected << outlet->name();
+        }
+        QCOMPARE(connected, QStringList(std::begin(expected), std::end(expected)));
+    }
+
+    void missingOutletStopsAtItsFirstUse_data() {
+        QTest::addColumn<bool>("used");
+        for (const char* name : {"PopupRecordQuality", "QualityImage", "SliderMicrophoneVolume",
+                                 "SliderHeadphoneVolume", "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton",
+                                 "HdcpOffButton"})
+            QTest::newRow(name) << true;
+        for (const char* name : {"MyMainImageView", "LabelBitRateState", "ButtonHigh", "LabelHdmiAuxVolume"})
+            QTest::newRow(name) << false;
+    }
+    void missingOutletStopsAtItsFirstUse() {
+        QFETCH(bool, used);
+        const QByteArray name = QTest::currentDataTag();
+        ChangedBundle bundle;
+        bundle.replace("Main/settings-window.ui", "name=\"" + name + "\"", "name=\"Another\"");
+        const ChildEnd end = runInChild([] { const SettingsWindow settings; });
+        QCOMPARE(end.aborted, used);
+        if (used)
+            QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");
+    }
+
+    void whatDoesNotFitStops_data() {
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("volume above") << 0 << "log Fatal: SliderHeadphoneVolume: 256 does not fit in 8 bits";
+        QTest::newRow("volume below") << 1 << "log Fatal: SliderHeadphoneVolume: -1 does not fit in 8 bits";
+        QTest::newRow("nothing selected") << 2 << "log Fatal: PopupRecordQuality: -1 does not fit in 8 bits";
+        QTest::newRow("no device controller") << 3 << "log Fatal: DeviceCtrl is absent";
+    }
+    void whatDoesNotFitStops() {
+        QFETCH(int, fault);
+        const ChildEnd end = runInChild([fault] {
+            const SettingsWindow settings;
+            auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
+            slider.setRange(-5, 300);
+            switch (fault) {
+            case 0: slider.setValue(256); break;
+            case 1: slider.setValue(-1); break;
+            case 2:
+                settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
+                settings.view().ChooseRecordQuality(nullptr);
+                break;
+            default:
+                settings.view().DeviceCtrl.reset();
+                settings.view().TurnOnHdcp(nullptr);
+                break;
+            }
+        });
+        QVERIFY(end.aborted);
+        QTEST(QString::fromStdString(end.journal.back()), "line");
+    }
+};
+
+QTEST_MAIN(SettingsWindowTest)
+#include "SettingsWindowTest.moc"

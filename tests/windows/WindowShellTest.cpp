@@ -1,1 +1,211 @@
-int main() { return 0; }
+// Modal runs, the About and alert windows, the end of the program, and what stops it.
+
+#include "AboutViewController.h"
+#include "ApplicationMain.h"
+#include "OpenWindow.h"
+#include "windows/ModalRun.h"
+
+#include <QTranslator>
+
+namespace {
+
+/// The ways in which a user ends one of the small windows.
+const std::vector<std::pair<const char*, std::function<void(QWidget&)>>>& waysToDismiss() {
+    static const std::vector<std::pair<const char*, std::function<void(QWidget&)>>> ways{
+        {"button", [](QWidget& w) { QTest::mouseClick(w.findChild<QPushButton*>(), Qt::LeftButton); }},
+        {"Enter", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Return); }},
+        {"Escape", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Escape); }},
+        {"window frame", [](QWidget& w) { w.close(); }},
+    };
+    return ways;
+}
+
+QString aboutVersion(AppDelegate& delegate) {
+    QString shown;
+    whenShown(QStringLiteral("AboutWindow"), [&shown](QWidget& about) {
+        shown = about.findChild<QLabel*>(QStringLiteral("LabelVersionString"))->text();
+        stopModal();
+    });
+    delegate.ShowAboutWindow(nullptr);
+    return shown;
+}
+
+} // namespace
+
+class WindowShellTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { setUpApplication(*qApp); }
+    void init() { TestHost::reset(); }
+
+    void everyWayEndsTheModalRun_data() {
+        QTest::addColumn<QString>("window");
+        QTest::addColumn<int>("way");
+        for (const char* window : {"AboutWindow", "AlertWindow"}) {
+            for (std::size_t way = 0; way < waysToDismiss().size(); ++way)
+                QTest::addRow("%s by %s", window, waysToDismiss()[way].first) << window << static_cast<int>(way);
+        }
+    }
+    void everyWayEndsTheModalRun() {
+        QFETCH(QString, window);
+        QFETCH(int, way);
+        SettingsWindow settings;
+        for (int time = 0; time < 2; ++time) { // a fresh window each time
+            settings.window().activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&settings.window()));
+            bool shown = false;
+            whenShown(window, [&](QWidget& small) {
+                shown = true;
+                QVERIFY(QTest::qWaitForWindowActive(&small));
+                QCOMPARE(QApplication::activeModalWidget(), &small);
+                waysToDismiss()[static_cast<std::size_t>(way)].second(small);
+            });
+            if (window == "AboutWindow")
+                QTest::keyClick(&settings.window(), Qt::Key_F1);
+            else
+                settings.view().showAlertWindow(nullptr);
+            QVERIFY(shown);
+            QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
+        }
+    }
+
+    void stopModalEndsTheInnermostRun() {
+        stopModal(); // none
+        QWidget outer;
+        QWidget inner;
+        bool innerEnded = false;
+        QTimer::singleShot(0, &outer, [&] {
+            QTimer::singleShot(0, &inner, stopModal);
+            runModalForWindow(inner);
+            innerEnded = true;
+            QVERIFY(outer.isVisible());
+            QTimer::singleShot(0, &outer, stopModal);
+        });
+        runModalForWindow(outer);
+        QVERIFY(innerEnded);
+        QVERIFY(outer.isVisible()); // the run's end does not close its window
+    }
+
+    void aboutShowsTheVersion() {
+        AppDelegate delegate;
+        QCOMPARE(aboutVersion(delegate), "Version " TAVRO_VERSION);
+        QCOMPARE(aboutVersion(delegate), "Version " TAVRO_VERSION);
+        ChangedBundle bundle;
+        for (const QByteArray information : {"{}", "{\"CFBundleShortVersionString\": 3}", "[]", ""}) {
+            bundle.write("Info.json", information);
+            QCOMPARE(aboutVersion(delegate), "Version 1.0.0"); // as described
+        }
+        bundle.write("Info.json", R"({"CFBundleShortVersionString": "3.0.1"})");
+        QCOMPARE(aboutVersion(delegate), "Version 3.0.1");
+        for (QTranslator* translator : qApp->findChildren<QTranslator*>())
+            QCoreApplication::removeTranslator(translator);
+        QCOMPARE(aboutVersion(delegate), "VERSION 3.0.1");
+        for (QTranslator* translator : qApp->findChildren<QTranslator*>())
+            QCoreApplication::installTranslator(translator);
+    }
+
+    void theProgramEndsWithStatusZero_data() {
+        QTest::addColumn<QString>("button");
+        QTest::newRow("Ctrl+Q") << "";
+        QTest::newRow("quit button") << "QuitButton";
+    }
+    void theProgramEndsWithStatusZero() {
+        QFETCH(QString, button);
+        const ChildEnd end = runInChild([&button] {
+            SettingsWindow settings;
+            TestHost::take();
+            if (button.isEmpty())
+                QTest::keyClick(&settings.window(), Qt::Key_Q, Qt::ControlModifier);
+            else
+                QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
+        });
+        QCOMPARE(end.status, 0);
+        QVERIFY(end.journal.back().starts_with("log getExtension_HDCP")); // start-up's last: no request to the device
+    }
+
+    void closingTheWindowEndsTheProgram() {
+        SettingsWindow settings;
+        QTimer::singleShot(0, &settings.window(), &QWidget::close);
+        QCOMPARE(QApplication::exec(), 0);
+    }
+
+    void backgroundsDragTheirWindow() {
+        const SettingsWindow settings;
+        QVERIFY(settings.view().MyMainImageView->mouseDownCanMoveWindow());
+        const WindowDescription main(QStringLiteral("Main"));
+        const auto alert = main.instantiateWindowController(QStringLiteral("Alert Window Controller"));
+        QVERIFY(alert->window()->findChild<AlertImageView*>()->mouseDownCanMoveWindow());
+        const auto about = main.instantiateWindowController(QStringLiteral("About Window Controller"));
+        QVERIFY(about->window()->findChild<AboutImageView*>()->mouseDownCanMoveWindow());
+    }
+
+    void representedObjectIsKept() {
+        ViewController view;
+        view.setRepresentedObject(5);
+        QCOMPARE(view.representedObject(), 5);
+        QVERIFY(!view.DeviceCtrl);
+    }
+
+    void windowsAreNotRequired() {
+        ChangedBundle bundle;
+        bundle.replace("Main/Main.json", "\"window\": \"alert-window.ui\",", "");
+        bundle.replace("Main/Main.json", "\"window\": \"about-window.ui\",", "");
+        AppDelegate delegate;
+        delegate.ShowAboutWindow(nullptr); // does nothing
+        bundle.replace("Main/Main.json", "\"window\": \"alert-window.ui\",", "");
+        device().unplug();
+        const ChildEnd end = runInChild([] { const SettingsWindow settings; });
+        QCOMPARE(end.status, 0); // at once
+    }
+
+    void damagedDescriptionsStop_data() {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QByteArray>("before");
+        QTest::addColumn<QByteArray>("after");
+        QTest::addColumn<QString>("line");
+        const QString index = "Main/Main.json";
+        const QString window = "Main/settings-window.ui";
+        const auto row = [&](const char* name, const QString& file, const char* before, const char* after,
+                             const char* line) { QTest::newRow(name) << file << QByteArray(before) << QByteArray(after) << line; };
+        row("index", index, "{", "", "window description \"Main\" is missing or damaged");
+        row("identifier", index, "\"Settings Window Controller\": {", "\"Other\": {",
+            "window description \"Main\" has no controller \"Settings Window Controller\"");
+        row("controller's class", index, "\"WindowController\"", "\"Nothing\"",
+            "window description: unknown controller class \"Nothing\"");
+        row("wrong controller", index, "\"WindowController\"", "\"AboutViewController\"",
+            "window description: \"Settings Window Controller\" is a AboutViewController, not a window controller");
+        row("wrong content", index, "\"ViewController\"", "\"WindowController\"",
+            "window description: WindowController does not control a window's content");
+        row("no file", index, "settings-window.ui", "none.ui",
+            "window description bundle:Main/none.ui: No such file or directory");
+        row("unknown class", window, "class=\"CustomSliderCell2\"", "class=\"CustomSliderCell3\"",
+            "window description: unknown class CustomSliderCell3 of SliderHmdiAuxVolume");
+        row("unknown handler", window, ">ChangeHeadphoneVolume<", ">ChangeNothing<",
+            "window description: no handler ChangeNothing for SliderHeadphoneVolume");
+        row("unknown action", window, "name=\"QuitApp\"", "name=\"QuitNot\"",
+            "window description: no handler QuitNot for QuitNot");
+    }
+    void damagedDescriptionsStop() {
+        QFETCH(QString, file);
+        QFETCH(QByteArray, before);
+        QFETCH(QByteArray, after);
+        QFETCH(QString, line);
+        ChangedBundle bundle;
+        bundle.replace(file, before, after);
+        const ChildEnd end = runInChild([] { const SettingsWindow settings; });
+        QVERIFY(end.aborted);
+        QCOMPARE(QString::fromStdString(end.journal.back()), "log Fatal: " + line);
+    }
+
+    void aboutWithoutItsOutletStops() {
+        ChangedBundle bundle;
+        bundle.replace("Main/about-window.ui", "name=\"LabelVersionString\"", "name=\"Another\"");
+        const ChildEnd end = runInChild([] { AppDelegate().ShowAboutWindow(nullptr); });
+        QVERIFY(end.aborted);
+        QCOMPARE(end.journal.back(), "log Fatal: outlet LabelVersionString is not connected");
+    }
+};
+
+QTEST_MAIN(WindowShellTest)
+#include "WindowShellTest.moc"

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+/// How a part of the program ended that ran in a process of its own.
+struct ChildEnd {
+    bool aborted = false;
+    int status = -1;                  ///< exit status, if it exited
+    std::vector<std::string> journal; ///< of the part alone
+};
+
+/// Runs `part`, which ends its process, in another one. A part that returns ends it with status 99. The other
+/// process runs the same row of the same Qt test function up to here, so there can be one such call in a row.
+[[nodiscard]] ChildEnd runInChild(const std::function<void()>& part);
