@@ -25,7 +25,8 @@ void AttributedRadioButton::paintEvent(QPaintEvent* event) {
     else if (underMouse())
         title.addColor(0, title.string.size(), Qt::white);
     const QRect box = style()->subElementRect(QStyle::SE_RadioButtonContents, &option, this);
-    option.text.clear(); // the style draws all but the title
+    option.text.clear();                                // the style draws all but the title,
+    option.state &= ~QStyle::State_KeyboardFocusChange; // and the style sheet's frame shows the focus
     QStylePainter painter(this);
     painter.drawControl(QStyle::CE_RadioButton, option);
     drawAttributedString(painter, box, title);

@@ -72,7 +72,8 @@ private slots:
             return;
         QFETCH(double, last);
         QVERIFY(std::abs(positions.front() - 10.526316) < 1e-6);
-        QVERIFY2(std::abs(positions.back() - last) < 1e-5, qPrintable(QString::number(positions.back(), 'f', 8)));
+        QVERIFY2(std::abs(positions.back() - last) < 1e-5,
+                 qPrintable(QString::number(positions.back(), 'f', 8)));
     }
 
     void sliderDrawsTrackAndTicks() {
@@ -163,13 +164,24 @@ private slots:
         QTest::addColumn<QString>("full");
         QTest::addColumn<QString>("sub");
         QTest::addColumn<QString>("colors"); // per code unit: w white, r red, - none
-        QTest::newRow("first occurrence") << "8m 8M 8M" << "8M" << "wwwrrwww";
-        QTest::newRow("does not occur") << "High" << "Low" << "wwww";
-        QTest::newRow("empty") << "" << "" << "";
-        QTest::newRow("empty sub-text") << "ab" << "" << "ww";
-        QTest::newRow("surrogate pair") << u"\U0001F3A5ab"_qs << "Q" << "www-";
-        QTest::newRow("combining accent") << u"e\u0301a"_qs << "a" << "wwr";
-        QTest::newRow("family of one") << u"\U0001F468\u200D\U0001F469x"_qs << "Q" << "ww----";
+        QTest::newRow("first occurrence") << "8m 8M 8M"
+                                          << "8M"
+                                          << "wwwrrwww";
+        QTest::newRow("does not occur") << "High"
+                                        << "Low"
+                                        << "wwww";
+        QTest::newRow("empty") << ""
+                               << ""
+                               << "";
+        QTest::newRow("empty sub-text") << "ab"
+                                        << ""
+                                        << "ww";
+        QTest::newRow("surrogate pair") << u"\U0001F3A5ab"_qs << "Q"
+                                        << "www-";
+        QTest::newRow("combining accent") << u"e\u0301a"_qs << "a"
+                                          << "wwr";
+        QTest::newRow("family of one") << u"\U0001F468\u200D\U0001F469x"_qs << "Q"
+                                       << "ww----";
     }
     void attributedStrings() {
         QFETCH(QString, full);
@@ -180,12 +192,15 @@ private slots:
         QCOMPARE(text.font, titleFont());
         QString seen;
         for (const QString& color : colorsOf(text))
-            seen += color == QStringLiteral("#ffffffff") ? u'w' : color == QStringLiteral("#ffff0000") ? u'r' : u'-';
+            seen += color == QStringLiteral("#ffffffff")   ? u'w'
+                    : color == QStringLiteral("#ffff0000") ? u'r'
+                                                           : u'-';
         QCOMPARE(seen, colors);
     }
 
     void mnemonicsKeepColours() {
-        const AttributedString title = createAttributedString(QStringLiteral("O&ff"), Qt::white, QStringLiteral("ff"), Qt::red);
+        const AttributedString title =
+            createAttributedString(QStringLiteral("O&ff"), Qt::white, QStringLiteral("ff"), Qt::red);
         const AttributedString shown = withMnemonic(title, true);
         QCOMPARE(shown.string, QStringLiteral("Off"));
         QCOMPARE(colorsOf(shown), (QStringList{"#ffffffff", "#ffff0000", "#ffff0000"}));
@@ -206,19 +221,38 @@ private slots:
         QTest::newRow("3") << 2 << "log Fatal: CustomSliderCell2: unsupported initialiser init(textCell:)";
         QTest::newRow("4") << 3 << "log Fatal: CustomSliderCell2: unsupported initialiser init(imageCell:)";
         QTest::newRow("5") << 4 << "log Fatal: CustomPopUpButton: unsupported initialiser init(frame:)";
-        QTest::newRow("6") << 5 << "log Fatal: CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)";
+        QTest::newRow("6") << 5
+                           << "log Fatal: CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)";
     }
     void unsupportedInitialisersStop() {
         QFETCH(int, initialiser);
         QFETCH(QString, line);
         const ChildEnd end = runInChild([initialiser] {
             switch (initialiser) {
-            case 0: { const CustomSliderCell unsupported{QString()}; break; }
-            case 1: { const CustomSliderCell unsupported{QImage()}; break; }
-            case 2: { const CustomSliderCell2 unsupported{QString()}; break; }
-            case 3: { const CustomSliderCell2 unsupported{QImage()}; break; }
-            case 4: { const CustomPopUpButton unsupported{QRect()}; break; }
-            default: { const CustomPopUpButton unsupported{QRect(), true}; break; }
+            case 0: {
+                const CustomSliderCell unsupported{QString()};
+                break;
+            }
+            case 1: {
+                const CustomSliderCell unsupported{QImage()};
+                break;
+            }
+            case 2: {
+                const CustomSliderCell2 unsupported{QString()};
+                break;
+            }
+            case 3: {
+                const CustomSliderCell2 unsupported{QImage()};
+                break;
+            }
+            case 4: {
+                const CustomPopUpButton unsupported{QRect()};
+                break;
+            }
+            default: {
+                const CustomPopUpButton unsupported{QRect(), true};
+                break;
+            }
             }
         });
         QVERIFY(end.aborted);

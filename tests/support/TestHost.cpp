@@ -46,7 +46,9 @@ int blockSize(int selector) {
 }
 
 std::string setup(bool isGet, int selector) {
-    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector), 0}) + " | ";
+    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector),
+                          0})
+           + " | ";
 }
 
 std::vector<std::string> takeMatching(bool wantLog) {

@@ -16,13 +16,16 @@
 /// The settings window as the program opens it.
 struct SettingsWindow {
     SettingsWindow()
-        : controller(WindowDescription(QStringLiteral("Main"))
-                         .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
+        : controller(
+            WindowDescription(QStringLiteral("Main"))
+                .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
         window().show();
         window().activateWindow();
         (void)QTest::qWaitForWindowActive(&window()); // keys that need it tell
     }
-    [[nodiscard]] ViewController& view() const { return dynamic_cast<ViewController&>(*controller->contentController()); }
+    [[nodiscard]] ViewController& view() const {
+        return dynamic_cast<ViewController&>(*controller->contentController());
+    }
     [[nodiscard]] QWidget& window() const { return *controller->window(); }
     template <class Control = QWidget>
     [[nodiscard]] Control& control(const char* name) const {
@@ -63,7 +66,9 @@ inline void dismissAlertWhenShown() {
 /// Puts changed resources in front of the program's own, until it goes.
 class ChangedBundle {
 public:
-    ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")}); }
+    ChangedBundle() {
+        QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")});
+    }
     ~ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")}); }
     ChangedBundle(const ChangedBundle&) = delete;
     ChangedBundle& operator=(const ChangedBundle&) = delete;

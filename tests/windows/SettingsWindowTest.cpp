@@ -22,8 +22,8 @@ QString requestsInShort() {
     QStringList words;
     for (const std::string& request : TestHost::takeRequests()) {
         const QString text = QString::fromStdString(request);
-        words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
-                     + (text.contains('!') ? "!" : "");
+        words << (text.startsWith("a1") ? "GET " : "SET ")
+                     + QString::number(text.mid(9, 2).toInt(nullptr, 16)) + (text.contains('!') ? "!" : "");
     }
     return words.join(", ");
 }
@@ -71,10 +71,10 @@ const std::vector<HandlerRow>& handlers() {
          "GET 13, SET 13, GET 13", "GET 13!"},
         {"HDMI and AUX", [](SettingsWindow& w) { press(w, "SliderHmdiAuxVolume", Qt::Key_Left); },
          "GET 13, SET 13, GET 13, SET 13, GET 13", "GET 13!"},
-        {"HDCP on", [](SettingsWindow& w) { press(w, "HdcpOnButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
-         "GET 11!"},
-        {"HDCP off", [](SettingsWindow& w) { press(w, "HdcpOffButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
-         "GET 11!"},
+        {"HDCP on", [](SettingsWindow& w) { press(w, "HdcpOnButton", Qt::Key_Space); },
+         "GET 11, SET 11, GET 11", "GET 11!"},
+        {"HDCP off", [](SettingsWindow& w) { press(w, "HdcpOffButton", Qt::Key_Space); },
+         "GET 11, SET 11, GET 11", "GET 11!"},
     };
     return rows;
 }
@@ -153,7 +153,8 @@ private slots:
         auto& label = settings.control<QLabel>("LabelFwVersion");
         QCOMPARE(label.text(), "Firmware v10.0.255.7 (01020304.100000999)");
         QCOMPARE(QAccessible::queryAccessibleInterface(&label)->text(QAccessible::Name), label.text());
-        QCOMPARE(requestsInShort(), "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
+        QCOMPARE(requestsInShort(),
+                 "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
     }
 
     void startUpStylesTheTitles() {
@@ -210,15 +211,24 @@ private slots:
     void startUpEndsWithTheAlert() {
         QFETCH(int, fault);
         switch (fault) {
-        case 0: device().unplug(); break;
-        case 1: device().addFault({}, 1, RequestFault::TimeOut); device().addFault({}, 2, RequestFault::Stall); break;
-        case 2: device().addFault({}, 1, RequestFault::Unplug); break;
+        case 0:
+            device().unplug();
+            break;
+        case 1:
+            device().addFault({}, 1, RequestFault::TimeOut);
+            device().addFault({}, 2, RequestFault::Stall);
+            break;
+        case 2:
+            device().addFault({}, 1, RequestFault::Unplug);
+            break;
         case 3:
             device().setClock(kWrongClock);
             device().addFault(kAnySet, 1, RequestFault::Stall);
             device().addFault(kAnyGet, 3, RequestFault::Stall); // the second time the read-back
             break;
-        default: device().videoControlInterface.reset(); break;
+        default:
+            device().videoControlInterface.reset();
+            break;
         }
         const ChildEnd end = runInChild([] {
             dismissAlertWhenShown();
@@ -340,7 +350,8 @@ private slots:
         device().unplug();
         device().plugIn();
         TestHost::take();
-        handlers()[(static_cast<std::size_t>(row) + 1) % handlers().size()].act(settings); // a message to nobody
+        handlers()[(static_cast<std::size_t>(row) + 1) % handlers().size()].act(
+            settings); // a message to nobody
         QCOMPARE(created(TestHost::take()), 1);
         QVERIFY(!visibleWindow("AlertWindow"));
     }
@@ -370,7 +381,8 @@ private slots:
         QCOMPARE(end.journal.back(), "log alert");
         const Journal acted(std::ranges::find(end.journal, "log acting"), end.journal.end());
         QCOMPARE(created(acted), 1);
-        const auto requests = std::ranges::count_if(acted, [](auto& entry) { return entry.starts_with("a1 "); });
+        const auto requests =
+            std::ranges::count_if(acted, [](auto& entry) { return entry.starts_with("a1 "); });
         QCOMPARE(requests, gone ? 0 : 2); // never a third
         QVERIFY(std::ranges::none_of(acted, [](auto& entry) { return entry.starts_with("21 "); }));
     }
@@ -417,11 +429,22 @@ private slots:
     void outletsAreConnected() {
         const SettingsWindow settings;
         QStringList connected;
-        const char* const expected[] = {
-            "MyMainImageView", "LabelBitRateState", "ButtonHigh", "ButtonMiddle", "ButtonLow", "PopupRecordQuality",
-            "QualityImage", "LabelMicrophoneVolume", "SliderMicrophoneVolume", "LabelHeadphoneVolume",
-            "SliderHeadphoneVolume", "LabelHdmiAuxVolume", "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton",
-            "HdcpOffButton"};
+        const char* const expected[] = {"MyMainImageView",
+                                        "LabelBitRateState",
+                                        "ButtonHigh",
+                                        "ButtonMiddle",
+                                        "ButtonLow",
+                                        "PopupRecordQuality",
+                                        "QualityImage",
+                                        "LabelMicrophoneVolume",
+                                        "SliderMicrophoneVolume",
+                                        "LabelHeadphoneVolume",
+                                        "SliderHeadphoneVolume",
+                                        "LabelHdmiAuxVolume",
+                                        "SliderHmdiAuxVolume",
+                                        "LabelFwVersion",
+                                        "HdcpOnButton",
+                                        "HdcpOffButton"};
         for (const OutletBase* outlet : settings.view().outlets()) {
             QVERIFY2(outlet->isConnected(), outlet->name());
             connected << outlet->name();
@@ -431,9 +454,9 @@ private slots:
 
     void missingOutletStopsAtItsFirstUse_data() {
         QTest::addColumn<bool>("used");
-        for (const char* name : {"PopupRecordQuality", "QualityImage", "SliderMicrophoneVolume",
-                                 "SliderHeadphoneVolume", "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton",
-                                 "HdcpOffButton"})
+        for (const char* name :
+             {"PopupRecordQuality", "QualityImage", "SliderMicrophoneVolume", "SliderHeadphoneVolume",
+              "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton", "HdcpOffButton"})
             QTest::newRow(name) << true;
         for (const char* name : {"MyMainImageView", "LabelBitRateState", "ButtonHigh", "LabelHdmiAuxVolume"})
             QTest::newRow(name) << false;
@@ -464,8 +487,12 @@ private slots:
             auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
             slider.setRange(-5, 300);
             switch (fault) {
-            case 0: slider.setValue(256); break;
-            case 1: slider.setValue(-1); break;
+            case 0:
+                slider.setValue(256);
+                break;
+            case 1:
+                slider.setValue(-1);
+                break;
             case 2:
                 settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
                 settings.view().ChooseRecordQuality(nullptr);

@@ -44,7 +44,8 @@ private slots:
         QTest::addColumn<int>("way");
         for (const char* window : {"AboutWindow", "AlertWindow"}) {
             for (std::size_t way = 0; way < waysToDismiss().size(); ++way)
-                QTest::addRow("%s by %s", window, waysToDismiss()[way].first) << window << static_cast<int>(way);
+                QTest::addRow("%s by %s", window, waysToDismiss()[way].first)
+                    << window << static_cast<int>(way);
         }
     }
     void everyWayEndsTheModalRun() {
@@ -121,7 +122,8 @@ private slots:
                 QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
         });
         QCOMPARE(end.status, 0);
-        QVERIFY(end.journal.back().starts_with("log getExtension_HDCP")); // start-up's last: no request to the device
+        QVERIFY(end.journal.back().starts_with(
+            "log getExtension_HDCP")); // start-up's last: no request to the device
     }
 
     void closingTheWindowEndsTheProgram() {
@@ -167,14 +169,17 @@ private slots:
         const QString index = "Main/Main.json";
         const QString window = "Main/settings-window.ui";
         const auto row = [&](const char* name, const QString& file, const char* before, const char* after,
-                             const char* line) { QTest::newRow(name) << file << QByteArray(before) << QByteArray(after) << line; };
+                             const char* line) {
+            QTest::newRow(name) << file << QByteArray(before) << QByteArray(after) << line;
+        };
         row("index", index, "{", "", "window description \"Main\" is missing or damaged");
         row("identifier", index, "\"Settings Window Controller\": {", "\"Other\": {",
             "window description \"Main\" has no controller \"Settings Window Controller\"");
         row("controller's class", index, "\"WindowController\"", "\"Nothing\"",
             "window description: unknown controller class \"Nothing\"");
         row("wrong controller", index, "\"WindowController\"", "\"AboutViewController\"",
-            "window description: \"Settings Window Controller\" is a AboutViewController, not a window controller");
+            "window description: \"Settings Window Controller\" is a AboutViewController, not a window "
+            "controller");
         row("wrong content", index, "\"ViewController\"", "\"WindowController\"",
             "window description: WindowController does not control a window's content");
         row("no file", index, "settings-window.ui", "none.ui",
