@@ -17,7 +17,7 @@ public:
     [[nodiscard]] double g_width() const { return m_gWidth; }
     virtual void setg_width(double width) { m_gWidth = width; }
     /// Knob allowance in logical pixels: places the first tick and shortens their run.
-    [[nodiscard]] double radius_w() const { return kKnobAllowance; }
+    [[nodiscard]] double radius_w() const { return m_radiusW; }
 
     /// Draws the track in the bar's rectangle. It is the same whether flipped or not.
     void drawBarInside(QPainter& context, const QRectF& bar, bool flipped);
@@ -34,6 +34,7 @@ private:
 
     TickSpacing m_spacing;
     double m_gWidth = 0;
+    double m_radiusW = kKnobAllowance;
 };
 
 /// With ticks at every twentieth of its travel.

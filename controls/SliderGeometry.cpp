@@ -20,10 +20,12 @@ std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpa
     const double run = barWidth + knobAllowance / (-1.35);
     const double step = spacing == TickSpacing::Twentieth ? run / 20.0 : run * 0.25;
     std::vector<double> positions;
-    for (double x = knobAllowance / 1.9; x < barWidth; x += step) {
+    double x = knobAllowance / 1.9;
+    while (x < barWidth) {
         positions.push_back(x);
         if (step <= 0)
             break; // a bar narrower than the knob: the run would never end
+        x += step;
     }
     return positions;
 }

@@ -102,7 +102,8 @@ bool UVCCameraControl::setAutoExposure(bool enabled) {
 
 // Compares the success flag, not the mode, with 8: always false. Kept as it is.
 bool UVCCameraControl::getAutoExposure() {
-    return int{getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoExposure])} == kAutoExposureOn;
+    const int answered = getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoExposure]) ? 1 : 0;
+    return answered == kAutoExposureOn;
 }
 
 // The exposure scale is inverted: 1.0 is the shortest time.

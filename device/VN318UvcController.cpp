@@ -243,9 +243,8 @@ bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
         systemLog("getExtension_GetFwVersion..getData Fail! \n");
         return false;
     }
-    const auto bytes = std::span(block);
-    const auto rest = std::ranges::copy(bytes.subspan(22, 4), version.begin()).out;
-    std::ranges::copy(bytes.subspan(14, 8), rest);
+    std::copy_n(block.begin() + 22, 4, version.begin());
+    std::copy_n(block.begin() + 14, 8, version.begin() + 4);
     return true;
 }
 

@@ -46,7 +46,7 @@ std::optional<QVariantMap> infoDictionary() {
 }
 
 QPixmap imageNamed(const QString& name) {
-    return QPixmap(QStringLiteral("bundle:images/") + name);
+    return {QStringLiteral("bundle:images/") + name};
 }
 
 } // namespace mainBundle

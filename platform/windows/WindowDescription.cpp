@@ -75,7 +75,7 @@ std::unique_ptr<QObject> WindowDescription::instantiateController(const QString&
                                                                   QObject* responder) const {
     const QJsonValue entry = m_index[QStringLiteral("controllers")][identifier];
     if (!entry.isObject())
-        fatalStop("window description \"%s\" has no controller \"%s\"", qUtf8Printable(m_name),
+        fatalStop(R"(window description "%s" has no controller "%s")", qUtf8Printable(m_name),
                   qUtf8Printable(identifier));
     auto controller = makeObject(entry.toObject(), QStringLiteral("class"));
     if (auto* windowController = qobject_cast<WindowController*>(controller.get()))

@@ -11,7 +11,6 @@
 #include <vector>
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 namespace {
 
@@ -230,7 +229,7 @@ TEST_P(Clock, IsSetWhenMoreThanTwoSecondsApart) {
     device().setClock(row.deviceClock);
     EXPECT_TRUE(controller->SyncRtc());
     const Journal journal = TestHost::take();
-    if (row.interval) {
+    if (row.interval != nullptr) {
         ASSERT_EQ(journal.size(), 3U);
         EXPECT_EQ(journal[2], "log TimeInterval = " + std::string(row.interval) + "\n");
         return;

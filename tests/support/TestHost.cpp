@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include <unistd.h>
@@ -18,7 +19,7 @@ void note(const std::string& entry) {
     TestHost& host = TestHost::instance();
     host.journal.push_back(entry);
     if (host.journalCopy >= 0)
-        (void)!::write(host.journalCopy, entry.c_str(), entry.size() + 1); // a lost entry fails the test
+        std::ignore = ::write(host.journalCopy, entry.c_str(), entry.size() + 1); // a lost entry fails the test
 }
 
 template <class Bytes>

@@ -1,0 +1,12 @@
+#include "ApplicationMain.h"
+#include "host/Clock.h"
+
+std::time_t hostTime() {
+    return std::time(nullptr);
+}
+
+void sleepForTimeInterval(double /*seconds*/) {}
+
+int main(int argc, char** argv) {
+    return applicationMain(argc, argv);
+}
