@@ -30,12 +30,12 @@ QImage rendered(QWidget& control) {
     return image;
 }
 
-/// Colours of a string's code units as one word each.
-QStringList colorsOf(const AttributedString& text) {
-    QStringList colors;
+/// A letter per code unit: w white, r red, - none.
+QString colorsOf(const AttributedString& text) {
+    QString colors;
     for (qsizetype i = 0; i < text.string.size(); ++i) {
         const QColor color = text.colorAt(i);
-        colors << (color.isValid() ? color.name(QColor::HexArgb) : QStringLiteral("none"));
+        colors += color == Qt::white ? u'w' : color == Qt::red ? u'r' : color.isValid() ? u'?' : u'-';
     }
     return colors;
 }
@@ -49,31 +49,26 @@ private slots:
     void initTestCase() { setUpApplication(*qApp); }
     void init() { TestHost::reset(); }
 
-    void ticks_data() {
-        QTest::addColumn<double>("width");
-        QTest::addColumn<bool>("quarter");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<double>("last");
-        QTest::newRow("twentieths") << 200.0 << false << 21 << 195.711500;
-        QTest::newRow("quarters") << 200.0 << true << 5 << 195.711500;
-        QTest::newRow("not drawn yet") << 0.0 << false << 0 << 0.0;
-        QTest::newRow("too narrow for a tick") << 10.5 << true << 0 << 0.0;
-        QTest::newRow("just wide enough, step negative") << 10.6 << false << 1 << 10.526316;
-        QTest::newRow("step zero") << 20.0 / 1.35 << true << 1 << 10.526316;
-        QTest::newRow("step just positive") << 16.0 << true << 19 << 15.859649;
-    }
     void ticks() {
-        QFETCH(double, width);
-        QFETCH(bool, quarter);
-        const auto positions =
-            tickPositions(width, kKnobAllowance, quarter ? TickSpacing::Quarter : TickSpacing::Twentieth);
-        QTEST(static_cast<int>(positions.size()), "count");
-        if (positions.empty())
-            return;
-        QFETCH(double, last);
-        QVERIFY(std::abs(positions.front() - 10.526316) < 1e-6);
-        QVERIFY2(std::abs(positions.back() - last) < 1e-5,
-                 qPrintable(QString::number(positions.back(), 'f', 8)));
+        struct Row {
+            double width;
+            TickSpacing spacing;
+            std::size_t count;
+            double last;
+        };
+        using enum TickSpacing;
+        for (const auto& [width, spacing, count, last] : {Row{200, Twentieth, 21, 195.7115},
+                                                          {200, Quarter, 5, 195.7115},
+                                                          {0, Twentieth, 0, 0},            // not drawn yet
+                                                          {10.5, Quarter, 0, 0},           // too narrow for the first
+                                                          {10.6, Twentieth, 1, 10.526316}, // the step is negative
+                                                          {20.0 / 1.35, Quarter, 1, 10.526316}, // the step is zero
+                                                          {16, Quarter, 19, 15.859649}}) {
+            const auto positions = tickPositions(width, kKnobAllowance, spacing);
+            QCOMPARE(positions.size(), count);
+            QVERIFY(positions.empty() || std::abs(positions.front() - 10.526316) < 1e-6);
+            QVERIFY2(positions.empty() || std::abs(positions.back() - last) < 1e-5, qPrintable(QString::number(width)));
+        }
     }
 
     void sliderDrawsTrackAndTicks() {
@@ -160,42 +155,23 @@ private slots:
         QCOMPARE(popUp.attributedTitle(0).colorAt(0), kLight);
     }
 
-    void attributedStrings_data() {
-        QTest::addColumn<QString>("full");
-        QTest::addColumn<QString>("sub");
-        QTest::addColumn<QString>("colors"); // per code unit: w white, r red, - none
-        QTest::newRow("first occurrence") << "8m 8M 8M"
-                                          << "8M"
-                                          << "wwwrrwww";
-        QTest::newRow("does not occur") << "High"
-                                        << "Low"
-                                        << "wwww";
-        QTest::newRow("empty") << ""
-                               << ""
-                               << "";
-        QTest::newRow("empty sub-text") << "ab"
-                                        << ""
-                                        << "ww";
-        QTest::newRow("surrogate pair") << u"\U0001F3A5ab"_qs << "Q"
-                                        << "www-";
-        QTest::newRow("combining accent") << u"e\u0301a"_qs << "a"
-                                          << "wwr";
-        QTest::newRow("family of one") << u"\U0001F468\u200D\U0001F469x"_qs << "Q"
-                                       << "ww----";
-    }
     void attributedStrings() {
-        QFETCH(QString, full);
-        QFETCH(QString, sub);
-        QFETCH(QString, colors);
-        const AttributedString text = createAttributedString(full, Qt::white, sub, Qt::red);
-        QCOMPARE(text.string, full);
-        QCOMPARE(text.font, titleFont());
-        QString seen;
-        for (const QString& color : colorsOf(text))
-            seen += color == QStringLiteral("#ffffffff")   ? u'w'
-                    : color == QStringLiteral("#ffff0000") ? u'r'
-                                                           : u'-';
-        QCOMPARE(seen, colors);
+        struct Row {
+            QString full, sub;
+            const char* colors; ///< per code unit: w white, r red, - none
+        };
+        for (const auto& [full, sub, colors] : {Row{"8m 8M 8M", "8M", "wwwrrwww"}, // the first occurrence
+                                                {"High", "Low", "wwww"},
+                                                {"", "", ""},
+                                                {"ab", "", "ww"},
+                                                {u"\U0001F3A5ab"_qs, "Q", "www-"}, // a surrogate pair
+                                                {u"e\u0301a"_qs, "a", "wwr"},      // a combining accent
+                                                {u"\U0001F468\u200D\U0001F469x"_qs, "Q", "ww----"}}) { // one family
+            const AttributedString text = createAttributedString(full, Qt::white, sub, Qt::red);
+            QCOMPARE(text.string, full);
+            QCOMPARE(text.font, titleFont());
+            QCOMPARE(colorsOf(text), colors);
+        }
     }
 
     void mnemonicsKeepColours() {
@@ -203,7 +179,7 @@ private slots:
             createAttributedString(QStringLiteral("O&ff"), Qt::white, QStringLiteral("ff"), Qt::red);
         const AttributedString shown = withMnemonic(title, true);
         QCOMPARE(shown.string, QStringLiteral("Off"));
-        QCOMPARE(colorsOf(shown), (QStringList{"#ffffffff", "#ffff0000", "#ffff0000"}));
+        QCOMPARE(colorsOf(shown), "wrr");
         QVERIFY(shown.colors.last().format.fontUnderline());
         QCOMPARE(shown.colors.last().start, 1);
     }
@@ -214,49 +190,26 @@ private slots:
     }
 
     void unsupportedInitialisersStop_data() {
-        QTest::addColumn<int>("initialiser");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("1") << 0 << "log Fatal: CustomSliderCell: unsupported initialiser init(textCell:)";
-        QTest::newRow("2") << 1 << "log Fatal: CustomSliderCell: unsupported initialiser init(imageCell:)";
-        QTest::newRow("3") << 2 << "log Fatal: CustomSliderCell2: unsupported initialiser init(textCell:)";
-        QTest::newRow("4") << 3 << "log Fatal: CustomSliderCell2: unsupported initialiser init(imageCell:)";
-        QTest::newRow("5") << 4 << "log Fatal: CustomPopUpButton: unsupported initialiser init(frame:)";
-        QTest::newRow("6") << 5
-                           << "log Fatal: CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)";
+        QTest::addColumn<int>("row");
+        for (int row = 0; row < 6; ++row)
+            QTest::addRow("%d", row) << row;
     }
     void unsupportedInitialisersStop() {
-        QFETCH(int, initialiser);
-        QFETCH(QString, line);
-        const ChildEnd end = runInChild([initialiser] {
-            switch (initialiser) {
-            case 0: {
-                const CustomSliderCell unsupported{QString()};
-                break;
-            }
-            case 1: {
-                const CustomSliderCell unsupported{QImage()};
-                break;
-            }
-            case 2: {
-                const CustomSliderCell2 unsupported{QString()};
-                break;
-            }
-            case 3: {
-                const CustomSliderCell2 unsupported{QImage()};
-                break;
-            }
-            case 4: {
-                const CustomPopUpButton unsupported{QRect()};
-                break;
-            }
-            default: {
-                const CustomPopUpButton unsupported{QRect(), true};
-                break;
-            }
-            }
-        });
+        const std::vector<std::pair<std::string, std::function<void()>>> initialisers{
+            {"CustomSliderCell: unsupported initialiser init(textCell:)", [] { const CustomSliderCell c{QString()}; }},
+            {"CustomSliderCell: unsupported initialiser init(imageCell:)", [] { const CustomSliderCell c{QImage()}; }},
+            {"CustomSliderCell2: unsupported initialiser init(textCell:)",
+             [] { const CustomSliderCell2 c{QString()}; }},
+            {"CustomSliderCell2: unsupported initialiser init(imageCell:)",
+             [] { const CustomSliderCell2 c{QImage()}; }},
+            {"CustomPopUpButton: unsupported initialiser init(frame:)", [] { const CustomPopUpButton c{QRect()}; }},
+            {"CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)",
+             [] { const CustomPopUpButton c(QRect(), true); }}};
+        QFETCH(int, row);
+        const auto& [line, initialise] = initialisers[static_cast<std::size_t>(row)];
+        const ChildEnd end = runInChild(initialise);
         QVERIFY(end.aborted);
-        QCOMPARE(end.journal, std::vector{line.toStdString()});
+        QCOMPARE(end.journal, std::vector{"log Fatal: " + line});
     }
 };
 

@@ -83,28 +83,25 @@ TEST_P(VolumeOf, FailsWithItsLines) {
     const Volume& row = GetParam();
     device().addFault(kAnyGet, 1, RequestFault::Stall);
     EXPECT_FALSE((controller.get()->*row.set)(5));
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.setter, "getData")));
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.setter, "getData")));
     device().addFault(kAnySet, 1, RequestFault::Stall);
     EXPECT_FALSE((controller.get()->*row.set)(5));
-    EXPECT_THAT(TestHost::take(), ElementsAre(get(13, kAudio), old(kAudio[row.byte]),
-                                              stalledSet(13, with(kAudio, {{row.byte, 5}})), kRequestFailed,
-                                              fails(row.setter, "setData")));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(13, kAudio), old(kAudio[row.byte]), stalledSet(13, with(kAudio, {{row.byte, 5}})),
+                            kRequestFailed, fails(row.setter, "setData")));
     device().addFault(kAnyGet, 1, RequestFault::Stall);
     std::uint8_t volume = 9;
     EXPECT_FALSE((controller.get()->*row.get)(volume));
     EXPECT_EQ(volume, 0);
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.getter, "getData")));
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(13), kRequestFailed, old(0), fails(row.getter, "getData")));
 }
 
 using C = CVn318UvcController;
 INSTANTIATE_TEST_SUITE_P(Each, VolumeOf,
-                         testing::Values(Volume{"Microphone", &C::SetMicrophoneVolume,
-                                                &C::GetMicrophoneVolume, 3,
+                         testing::Values(Volume{"Microphone", &C::SetMicrophoneVolume, &C::GetMicrophoneVolume, 3,
                                                 "Mic gain = ", "SetMicrophoneVolume", "GetMicrophoneVolume"},
-                                         Volume{"Headphone", &C::SetHeadphoneVolume, &C::GetHeadphoneVolume,
-                                                5, "Headphone vol = ", "setHaedphone", "GetHeadphoneVolume"},
+                                         Volume{"Headphone", &C::SetHeadphoneVolume, &C::GetHeadphoneVolume, 5,
+                                                "Headphone vol = ", "setHaedphone", "GetHeadphoneVolume"},
                                          Volume{"Hdmi", &C::SetHdmiVolume, &C::GetHdmiVolume, 1,
                                                 "HDMI vol = ", "setHaedphone", "GetHdmiVolume"},
                                          Volume{"Aux", &C::SetAuxVolume, &C::GetAuxVolume, 2,
@@ -116,9 +113,8 @@ const std::string kNoBitRate = "log [Get old]video bit rate index : [H264]=0, [M
 
 TEST_F(Controller, BitRate) {
     EXPECT_TRUE(controller->SetBitRate(0, 2));
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(get(11, kSettings), kOldBitRate, "log new video bit rate index : 2 \n",
-                            set(11, with(kSettings, {{0, 4}, {8, 0x02}}))));
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), kOldBitRate, "log new video bit rate index : 2 \n",
+                                              set(11, with(kSettings, {{0, 4}, {8, 0x02}}))));
     EXPECT_TRUE(controller->SetBitRate(17, 18)); // the low 4 bits of each count
     std::uint8_t h264 = 9;
     std::uint8_t mjpeg = 9;
@@ -163,31 +159,28 @@ TEST_F(Controller, HdcpState) {
         std::uint8_t state = 9;
         EXPECT_TRUE(controller->GetHdcpState(state));
         EXPECT_EQ(state, stored);
-        EXPECT_THAT(TestHost::takeLog(),
-                    ElementsAre("log [Get old]HDCP state : " + std::to_string(stored) + ",\n",
-                                "log getExtension_HDCP state is " + std::string(line) + ".\n"));
+        EXPECT_THAT(TestHost::takeLog(), ElementsAre("log [Get old]HDCP state : " + std::to_string(stored) + ",\n",
+                                                     "log getExtension_HDCP state is " + std::string(line) + ".\n"));
     }
 }
 
 TEST_F(Controller, HdcpFailures) {
     device().addFault(kAnyGet, 1, RequestFault::Stall);
     EXPECT_FALSE(controller->SetHdcpState(0));
-    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(11), kRequestFailed,
-                                              "log getExtension_setHdcpState..getData Fail! \n"));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(stalledGet(11), kRequestFailed, "log getExtension_setHdcpState..getData Fail! \n"));
     device().addFault(kAnySet, 1, RequestFault::Stall);
     EXPECT_FALSE(controller->SetHdcpState(0));
     EXPECT_THAT(TestHost::take(),
-                ElementsAre(get(11, kSettings), "log [Get old]HDCP state : 1,\n",
-                            "log new HDCP state value : 0 \n",
+                ElementsAre(get(11, kSettings), "log [Get old]HDCP state : 1,\n", "log new HDCP state value : 0 \n",
                             stalledSet(11, with(kSettings, {{0, 16}, {9, 0}})), kRequestFailed,
                             "log getExtension_setHdcpState..setData Fail! \n"));
     device().addFault(kAnyGet, 1, RequestFault::Stall);
     std::uint8_t state = 9;
     EXPECT_FALSE(controller->GetHdcpState(state));
     EXPECT_EQ(state, 0);
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(stalledGet(11), kRequestFailed, "log [Get old]HDCP state : 0,\n",
-                            "log getExtension_getHdcpState..getData Fail! \n"));
+    EXPECT_THAT(TestHost::take(), ElementsAre(stalledGet(11), kRequestFailed, "log [Get old]HDCP state : 0,\n",
+                                              "log getExtension_getHdcpState..getData Fail! \n"));
 }
 
 TEST_F(Controller, FirmwareVersions) {
@@ -251,26 +244,16 @@ INSTANTIATE_TEST_SUITE_P(
         ClockCase{"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
         ClockCase{"ThreeAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, nullptr, {24, 12, 31, 23, 59, 59}},
         ClockCase{"TwoBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "-2.000000", {}},
-        ClockCase{
-            "ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
+        ClockCase{"ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
         ClockCase{"Never", "UTC", kYearsEnd, {0, 1, 1, 0, 0, 0}, nullptr, {24, 12, 31, 23, 59, 59}},
         ClockCase{"EastOfUtc", "Asia/Kolkata", kYearsEnd, {25, 1, 1, 5, 29, 59}, "0.000000", {}},
         ClockCase{"WinterTwoBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 18}, "-2.000000", {}},
-        ClockCase{"WinterThreeBehind",
-                  "Europe/Berlin",
-                  kBerlinWinter,
-                  {24, 1, 6, 1, 13, 17},
-                  nullptr,
-                  {24, 1, 6, 1, 13, 20}},
-        // In daylight saving the device's calendar is taken for standard time: the right time is an hour off.
-        ClockCase{"SummerRight",
-                  "Europe/Berlin",
-                  kBerlinSummer,
-                  {24, 7, 3, 11, 46, 40},
-                  nullptr,
-                  {24, 7, 3, 11, 46, 40}},
         ClockCase{
-            "SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}),
+            "WinterThreeBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 17}, nullptr, {24, 1, 6, 1, 13, 20}},
+        // In daylight saving the device's calendar is taken for standard time: the right time is an hour off.
+        ClockCase{
+            "SummerRight", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, nullptr, {24, 7, 3, 11, 46, 40}},
+        ClockCase{"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(Controller, ClockLinesInOrder) {
@@ -279,9 +262,9 @@ TEST_F(Controller, ClockLinesInOrder) {
     const std::array<std::uint8_t, 6> wrongClock{23, 1, 2, 3, 4, 5};
     device().setClock(wrongClock);
     EXPECT_TRUE(controller->SyncRtc());
-    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, wrong), oldTime, set(11, with(kSettings, {{0, 2}})),
-                                              "sleep 1.0", get(11, with(kSettings, {{7, 21}})),
-                                              "log [Get NEW time]Time : 23-11-14 22:13:21 \n"));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre(get(11, wrong), oldTime, set(11, with(kSettings, {{0, 2}})), "sleep 1.0",
+                            get(11, with(kSettings, {{7, 21}})), "log [Get NEW time]Time : 23-11-14 22:13:21 \n"));
 }
 
 TEST_F(Controller, ClockFailures) {
@@ -297,13 +280,11 @@ TEST_F(Controller, ClockFailures) {
     device().setClock(wrongClock);
     device().addFault(kAnySet, 1, RequestFault::Stall);
     EXPECT_FALSE(controller->SyncRtc());
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(get(11, wrong), oldTime, stalledSet(11, right), kRequestFailed, fails));
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, wrong), oldTime, stalledSet(11, right), kRequestFailed, fails));
     device().addFault(kAnyGet, 2, RequestFault::Stall);
     EXPECT_FALSE(controller->SyncRtc());
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(get(11, wrong), oldTime, set(11, right), "sleep 1.0", stalledGet(11),
-                            kRequestFailed, "log [Get NEW time]Time : 23-11-14 22:13:20 \n", fails));
+    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, wrong), oldTime, set(11, right), "sleep 1.0", stalledGet(11),
+                                              kRequestFailed, "log [Get NEW time]Time : 23-11-14 22:13:20 \n", fails));
 }
 
 } // namespace

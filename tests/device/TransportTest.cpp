@@ -48,9 +48,8 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
 TEST_F(Transport, WithoutADeviceOneLineIsLogged) {
     device().unplug();
     EXPECT_FALSE(control.initWithVendorID(kVendor, kProduct));
-    EXPECT_THAT(
-        TestHost::take(),
-        ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
+    EXPECT_THAT(TestHost::take(),
+                ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
 }
 
 struct FailingStep {
@@ -94,12 +93,10 @@ INSTANTIATE_TEST_SUITE_P(
                     "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
         FailingStep{"InterfaceServiceRelease", UsbStep::InterfaceServiceRelease, UsbCode::Stall, true,
                     "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
-        FailingStep{
-            "InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
-            "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
-        FailingStep{
-            "InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
-            "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}),
+        FailingStep{"InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
+                    "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
+        FailingStep{"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
+                    "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(Transport, OpensByLocation) {
@@ -155,8 +152,7 @@ TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
     std::array<std::uint8_t, 4> block{9, 9, 9, 9};
     EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(9, 9, 9, 9));
-    EXPECT_THAT(TestHost::takeLog(),
-                ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
+    EXPECT_THAT(TestHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
     EXPECT_EQ(bus.closeCount, 1U);
     EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(0x51, 0x02, 0x83, 0x1C));
@@ -180,10 +176,9 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
     EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device does not know
     std::array<std::uint8_t, 7> block{1, 2, 3, 4, 5, 6, 7};
     EXPECT_TRUE(control.SetData2(block, 7, 13, 3));
-    EXPECT_THAT(TestHost::takeRequests(),
-                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
-                            "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
-                            "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
+    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
+                                                      "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
+                                                      "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
 }
 
 struct CameraControl {
@@ -197,9 +192,7 @@ struct CameraControl {
 
 class StandardControl : public Transport, public testing::WithParamInterface<CameraControl> {
 protected:
-    static std::string request(const char* start) {
-        return std::string(start) + " " + GetParam().address + " |";
-    }
+    static std::string request(const char* start) { return std::string(start) + " " + GetParam().address + " |"; }
 };
 
 // A responding device has the range 1 to 1, so that whatever is set is a 1 and what is read is no number.
@@ -227,21 +220,20 @@ TEST_P(StandardControl, TakesSuccessFlagsForValues) {
 
 INSTANTIATE_TEST_SUITE_P(
     All, StandardControl,
-    testing::Values(CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00",
-                                  &UVCCameraControl::setExposure, &UVCCameraControl::getExposure, true},
-                    CameraControl{"Brightness", "00 02 00 02 02 00", "01 00",
-                                  &UVCCameraControl::setBrightness, &UVCCameraControl::getBrightness, false},
+    testing::Values(CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00", &UVCCameraControl::setExposure,
+                                  &UVCCameraControl::getExposure, true},
+                    CameraControl{"Brightness", "00 02 00 02 02 00", "01 00", &UVCCameraControl::setBrightness,
+                                  &UVCCameraControl::getBrightness, false},
                     CameraControl{"Contrast", "00 03 00 02 02 00", "01 00", &UVCCameraControl::setContrast,
                                   &UVCCameraControl::getContrast, false},
                     CameraControl{"Gain", "00 04 00 02 02 00", "01 00", &UVCCameraControl::setGain,
                                   &UVCCameraControl::getGain, false},
-                    CameraControl{"Saturation", "00 07 00 02 02 00", "01 00",
-                                  &UVCCameraControl::setSaturation, &UVCCameraControl::getSaturation, false},
+                    CameraControl{"Saturation", "00 07 00 02 02 00", "01 00", &UVCCameraControl::setSaturation,
+                                  &UVCCameraControl::getSaturation, false},
                     CameraControl{"Sharpness", "00 08 00 02 02 00", "01 00", &UVCCameraControl::setSharpness,
                                   &UVCCameraControl::getSharpness, false},
-                    CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00",
-                                  &UVCCameraControl::setWhiteBalance, &UVCCameraControl::getWhiteBalance,
-                                  false}),
+                    CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00", &UVCCameraControl::setWhiteBalance,
+                                  &UVCCameraControl::getWhiteBalance, false}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(Transport, AutomaticModes) {
@@ -253,11 +245,10 @@ TEST_F(Transport, AutomaticModes) {
     EXPECT_FALSE(control.getAutoExposure());
     EXPECT_TRUE(control.getAutoWhiteBalance()); // the device's setting is 0 now
     EXPECT_EQ(control.getExtension(), 0x51);
-    EXPECT_THAT(TestHost::takeRequests(),
-                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01",
-                            "21 01 00 0b 00 02 01 00 | 01", "21 01 00 0b 00 02 01 00 | 00",
-                            "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
-                            "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
+    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01",
+                                                      "21 01 00 0b 00 02 01 00 | 01", "21 01 00 0b 00 02 01 00 | 00",
+                                                      "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
+                                                      "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
     device().unplug();
     EXPECT_FALSE(control.getAutoWhiteBalance());
     EXPECT_FALSE(control.getAutoExposure());

@@ -28,9 +28,8 @@ constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the fil
     ::setenv(kJournalVariable, std::to_string(journal).c_str(), 1);
     const int nowhere = ::open("/dev/null", O_WRONLY);
     ::dup2(nowhere, STDOUT_FILENO);
-    const QByteArray row =
-        QByteArray(QTest::currentTestFunction())
-        + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
+    const QByteArray row = QByteArray(QTest::currentTestFunction())
+                           + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
     const QByteArray program = QCoreApplication::applicationFilePath().toLocal8Bit();
     ::execl(program.constData(), program.constData(), "-nocrashhandler", row.constData(), nullptr);
     std::_Exit(98);

@@ -42,14 +42,10 @@ void noteRequest(const RecordedRequest& request) {
     note(entry);
 }
 
-int blockSize(int selector) {
-    return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7;
-}
+int blockSize(int selector) { return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7; }
 
 std::string setup(bool isGet, int selector) {
-    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector),
-                          0})
-           + " | ";
+    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector), 0}) + " | ";
 }
 
 std::vector<std::string> takeMatching(bool wantLog) {
@@ -62,18 +58,14 @@ std::vector<std::string> takeMatching(bool wantLog) {
 
 } // namespace
 
-std::time_t hostTime() {
-    return TestHost::instance().now;
-}
+std::time_t hostTime() { return TestHost::instance().now; }
 
 void sleepForTimeInterval(double seconds) {
     note("sleep " + std::to_string(seconds).substr(0, 3));
     TestHost::instance().now += static_cast<std::time_t>(seconds);
 }
 
-void deliverLogMessage(std::string_view message) {
-    note("log " + std::string(message));
-}
+void deliverLogMessage(std::string_view message) { note("log " + std::string(message)); }
 
 TestHost& TestHost::instance() {
     static TestHost host;
@@ -95,34 +87,18 @@ void TestHost::reset() {
     device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
 }
 
-std::vector<std::string> TestHost::take() {
-    return std::exchange(instance().journal, {});
-}
+std::vector<std::string> TestHost::take() { return std::exchange(instance().journal, {}); }
 
-std::vector<std::string> TestHost::takeRequests() {
-    return takeMatching(false);
-}
+std::vector<std::string> TestHost::takeRequests() { return takeMatching(false); }
 
-std::vector<std::string> TestHost::takeLog() {
-    return takeMatching(true);
-}
+std::vector<std::string> TestHost::takeLog() { return takeMatching(true); }
 
-SimulatedDevice& device() {
-    return *SimulatedBus::instance().devices.front();
-}
+SimulatedDevice& device() { return *SimulatedBus::instance().devices.front(); }
 
-std::string get(int selector, const std::vector<int>& bytes) {
-    return setup(true, selector) + hex(bytes);
-}
+std::string get(int selector, const std::vector<int>& bytes) { return setup(true, selector) + hex(bytes); }
 
-std::string set(int selector, const std::vector<int>& bytes) {
-    return setup(false, selector) + hex(bytes);
-}
+std::string set(int selector, const std::vector<int>& bytes) { return setup(false, selector) + hex(bytes); }
 
-std::string stalledGet(int selector) {
-    return setup(true, selector) + " ! -9";
-}
+std::string stalledGet(int selector) { return setup(true, selector) + " ! -9"; }
 
-std::string stalledSet(int selector, const std::vector<int>& bytes) {
-    return set(selector, bytes) + " ! -9";
-}
+std::string stalledSet(int selector, const std::vector<int>& bytes) { return set(selector, bytes) + " ! -9"; }

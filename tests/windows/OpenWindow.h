@@ -16,9 +16,8 @@
 /// The settings window as the program opens it.
 struct SettingsWindow {
     SettingsWindow()
-        : controller(
-            WindowDescription(QStringLiteral("Main"))
-                .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
+        : controller(WindowDescription(QStringLiteral("Main"))
+                         .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
         window().show();
         window().activateWindow();
         (void)QTest::qWaitForWindowActive(&window()); // keys that need it tell
@@ -66,9 +65,7 @@ inline void dismissAlertWhenShown() {
 /// Puts changed resources in front of the program's own, until it goes.
 class ChangedBundle {
 public:
-    ChangedBundle() {
-        QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")});
-    }
+    ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")}); }
     ~ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")}); }
     ChangedBundle(const ChangedBundle&) = delete;
     ChangedBundle& operator=(const ChangedBundle&) = delete;

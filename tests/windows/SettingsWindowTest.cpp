@@ -22,15 +22,13 @@ QString requestsInShort() {
     QStringList words;
     for (const std::string& request : TestHost::takeRequests()) {
         const QString text = QString::fromStdString(request);
-        words << (text.startsWith("a1") ? "GET " : "SET ")
-                     + QString::number(text.mid(9, 2).toInt(nullptr, 16)) + (text.contains('!') ? "!" : "");
+        words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
+                     + (text.contains('!') ? "!" : "");
     }
     return words.join(", ");
 }
 
-qsizetype created(const Journal& journal) {
-    return std::ranges::count(journal, kCreated);
-}
+qsizetype created(const Journal& journal) { return std::ranges::count(journal, kCreated); }
 
 bool showsStars(const SettingsWindow& settings, const char* image) {
     const QImage expected = mainBundle::imageNamed(QString::fromLatin1(image)).toImage();
@@ -71,10 +69,10 @@ const std::vector<HandlerRow>& handlers() {
          "GET 13, SET 13, GET 13", "GET 13!"},
         {"HDMI and AUX", [](SettingsWindow& w) { press(w, "SliderHmdiAuxVolume", Qt::Key_Left); },
          "GET 13, SET 13, GET 13, SET 13, GET 13", "GET 13!"},
-        {"HDCP on", [](SettingsWindow& w) { press(w, "HdcpOnButton", Qt::Key_Space); },
-         "GET 11, SET 11, GET 11", "GET 11!"},
-        {"HDCP off", [](SettingsWindow& w) { press(w, "HdcpOffButton", Qt::Key_Space); },
-         "GET 11, SET 11, GET 11", "GET 11!"},
+        {"HDCP on", [](SettingsWindow& w) { press(w, "HdcpOnButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
+         "GET 11!"},
+        {"HDCP off", [](SettingsWindow& w) { press(w, "HdcpOffButton", Qt::Key_Space); }, "GET 11, SET 11, GET 11",
+         "GET 11!"},
     };
     return rows;
 }
@@ -211,24 +209,18 @@ private slots:
     void startUpEndsWithTheAlert() {
         QFETCH(int, fault);
         switch (fault) {
-        case 0:
-            device().unplug();
-            break;
+        case 0: device().unplug(); break;
         case 1:
             device().addFault({}, 1, RequestFault::TimeOut);
             device().addFault({}, 2, RequestFault::Stall);
             break;
-        case 2:
-            device().addFault({}, 1, RequestFault::Unplug);
-            break;
+        case 2: device().addFault({}, 1, RequestFault::Unplug); break;
         case 3:
             device().setClock(kWrongClock);
             device().addFault(kAnySet, 1, RequestFault::Stall);
             device().addFault(kAnyGet, 3, RequestFault::Stall); // the second time the read-back
             break;
-        default:
-            device().videoControlInterface.reset();
-            break;
+        default: device().videoControlInterface.reset(); break;
         }
         const ChildEnd end = runInChild([] {
             dismissAlertWhenShown();
@@ -350,8 +342,7 @@ private slots:
         device().unplug();
         device().plugIn();
         TestHost::take();
-        handlers()[(static_cast<std::size_t>(row) + 1) % handlers().size()].act(
-            settings); // a message to nobody
+        handlers()[(static_cast<std::size_t>(row) + 1) % handlers().size()].act(settings); // a message to nobody
         QCOMPARE(created(TestHost::take()), 1);
         QVERIFY(!visibleWindow("AlertWindow"));
     }
@@ -381,8 +372,7 @@ private slots:
         QCOMPARE(end.journal.back(), "log alert");
         const Journal acted(std::ranges::find(end.journal, "log acting"), end.journal.end());
         QCOMPARE(created(acted), 1);
-        const auto requests =
-            std::ranges::count_if(acted, [](auto& entry) { return entry.starts_with("a1 "); });
+        const auto requests = std::ranges::count_if(acted, [](auto& entry) { return entry.starts_with("a1 "); });
         QCOMPARE(requests, gone ? 0 : 2); // never a third
         QVERIFY(std::ranges::none_of(acted, [](auto& entry) { return entry.starts_with("21 "); }));
     }
@@ -487,12 +477,8 @@ private slots:
             auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
             slider.setRange(-5, 300);
             switch (fault) {
-            case 0:
-                slider.setValue(256);
-                break;
-            case 1:
-                slider.setValue(-1);
-                break;
+            case 0: slider.setValue(256); break;
+            case 1: slider.setValue(-1); break;
             case 2:
                 settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
                 settings.view().ChooseRecordQuality(nullptr);

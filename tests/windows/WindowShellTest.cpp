@@ -44,8 +44,7 @@ private slots:
         QTest::addColumn<int>("way");
         for (const char* window : {"AboutWindow", "AlertWindow"}) {
             for (std::size_t way = 0; way < waysToDismiss().size(); ++way)
-                QTest::addRow("%s by %s", window, waysToDismiss()[way].first)
-                    << window << static_cast<int>(way);
+                QTest::addRow("%s by %s", window, waysToDismiss()[way].first) << window << static_cast<int>(way);
         }
     }
     void everyWayEndsTheModalRun() {
@@ -122,8 +121,7 @@ private slots:
                 QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
         });
         QCOMPARE(end.status, 0);
-        QVERIFY(end.journal.back().starts_with(
-            "log getExtension_HDCP")); // start-up's last: no request to the device
+        QVERIFY(end.journal.back().starts_with("log getExtension_HDCP")); // start-up's last: no request to the device
     }
 
     void closingTheWindowEndsTheProgram() {
