@@ -92,7 +92,7 @@ private slots:
         QCOMPARE(aboutVersion(delegate), "Version " TAVRO_VERSION);
         QCOMPARE(aboutVersion(delegate), "Version " TAVRO_VERSION);
         ChangedBundle bundle;
-        for (const QByteArray information : {"{}", "{\"CFBundleShortVersionString\": 3}", "[]", ""}) {
+        for (const QByteArray information : {"{}", R"({"CFBundleShortVersionString": 3})", "[]", ""}) {
             bundle.write("Info.json", information);
             QCOMPARE(aboutVersion(delegate), "Version 1.0.0"); // as described
         }
@@ -149,11 +149,11 @@ private slots:
 
     void windowsAreNotRequired() {
         ChangedBundle bundle;
-        bundle.replace("Main/Main.json", "\"window\": \"alert-window.ui\",", "");
-        bundle.replace("Main/Main.json", "\"window\": \"about-window.ui\",", "");
+        bundle.replace("Main/Main.json", R"("window": "alert-window.ui",)", "");
+        bundle.replace("Main/Main.json", R"("window": "about-window.ui",)", "");
         AppDelegate delegate;
         delegate.ShowAboutWindow(nullptr); // does nothing
-        bundle.replace("Main/Main.json", "\"window\": \"alert-window.ui\",", "");
+        bundle.replace("Main/Main.json", R"("window": "alert-window.ui",)", "");
         device().unplug();
         const ChildEnd end = runInChild([] { const SettingsWindow settings; });
         QCOMPARE(end.status, 0); // at once
