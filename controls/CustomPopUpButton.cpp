@@ -47,7 +47,6 @@ public:
 } // namespace
 
 CustomPopUpButton::CustomPopUpButton(QWidget* parent) : QComboBox(parent) {
-    view()->setItemDelegate(new TitleDelegate(view()));
 }
 
 CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
@@ -59,6 +58,8 @@ CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/)
 }
 
 void CustomPopUpButton::didDecode() {
+    // Not earlier: the list takes its place in the window's style sheet by this button's name.
+    view()->setItemDelegate(new TitleDelegate(view()));
     setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
 }
 
@@ -142,8 +143,10 @@ void CustomPopUpButton::drawDecorations(QPainter& context) const {
     context.setRenderHint(QPainter::Antialiasing);
     for (const PopUpLine& line : kChevrons)
         stroke(line);
-    context.setRenderHint(QPainter::Antialiasing, false);
-    context.setBrush(Qt::NoBrush);
-    context.setPen(QPen(lineColor(), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    context.drawRect(QRectF(0, 0, kPopUpWidth - 1, kPopUpHeight - 1));
+    // As fills, so that the border is as wide as a point at every scale.
+    const QRectF face(0, 0, kPopUpWidth, kPopUpHeight);
+    for (const QRectF& side :
+         {QRectF(face.topLeft(), QSizeF(face.width(), 1)), QRectF(face.topLeft(), QSizeF(1, face.height())),
+          QRectF(0, face.bottom() - 1, face.width(), 1), QRectF(face.right() - 1, 0, 1, face.height())})
+        context.fillRect(side, lineColor());
 }

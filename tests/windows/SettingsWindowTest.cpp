@@ -409,6 +409,8 @@ private slots:
         const auto color = [&popUp] { return popUp.attributedTitle(2).colorAt(0); };
         popUp.showPopup();
         QCOMPARE(color(), QColor(Qt::black));
+        const QImage list = popUp.view()->grab().toImage();
+        QVERIFY(qGray(list.pixel(100, list.height() - 5)) > 200); // black titles need a light ground
         QTest::keyClick(popUp.view(), Qt::Key_Escape);
         QCOMPARE(color(), QColor::fromRgbF(1, 1, 1, 0.8F));
     }
