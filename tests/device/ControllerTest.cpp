@@ -58,6 +58,7 @@ struct Volume {
     const char* setter;
     const char* getter;
 };
+[[maybe_unused]] void PrintTo(const Volume& row, std::ostream* out) { *out << row.name; }
 
 class VolumeOf : public Controller, public testing::WithParamInterface<Volume> {
 protected:
@@ -170,6 +171,7 @@ struct ClockCase {
     const char* interval; ///< absent: out of time
     Bytes written;        ///< settings bytes 2 to 7, if out of time
 };
+[[maybe_unused]] void PrintTo(const ClockCase& row, std::ostream* out) { *out << row.name; }
 
 class Clock : public Controller, public testing::WithParamInterface<ClockCase> {};
 

@@ -59,6 +59,7 @@ struct FailingStep {
     bool opens; ///< a controller comes of it, which then has no interface
     const char* line;
 };
+[[maybe_unused]] void PrintTo(const FailingStep& row, std::ostream* out) { *out << row.name; }
 
 class TransportStep : public Transport, public testing::WithParamInterface<FailingStep> {};
 
@@ -188,6 +189,7 @@ struct CameraControl {
     float (UVCCameraControl::*get)();
     bool inverted;
 };
+[[maybe_unused]] void PrintTo(const CameraControl& row, std::ostream* out) { *out << row.name; }
 
 class StandardControl : public Transport, public testing::WithParamInterface<CameraControl> {
 protected:
