@@ -18,15 +18,18 @@ struct Ended {
     std::vector<std::string> journal; ///< until then
 };
 
-constexpr int kActions = 7; // start-up and six handlers
+constexpr int kActions = 8; // start-up, six handlers, start-up with the clock wrong
+constexpr int kWrongClockStart = 7;
+constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
 constexpr std::array<const char*, kActions> kActionNames{"start-up", "quality", "microphone", "headphone",
-                                                         "HDMI/AUX", "HDCP on", "HDCP off"};
+                                                         "HDMI/AUX", "HDCP on", "HDCP off",   "start-up, clock wrong"};
 constexpr int kChosenLevel = 0;
 constexpr int kChosenVolume = 201;
 
 bool actOnModel(Model& model, int action) {
     switch (action) {
-    case 0: return model.startUp();
+    case 0:
+    case kWrongClockStart: return model.startUp();
     case 1: return model.chooseQuality(kChosenLevel);
     case 5:
     case 6: return model.switchHdcp(action == 5 ? 1 : 0);
@@ -141,24 +144,31 @@ private:
     std::optional<int> cell(int action, Trouble trouble, int n, bool twice, QString& difference) {
         setUpDevices(trouble);
         Model model(std::vector<ModelDevice>(trouble == Trouble::Another ? 2 : 1));
+        if (action == kWrongClockStart) {
+            for (const auto& each : SimulatedBus::instance().devices)
+                each->setClock(kWrongClock);
+            for (ModelDevice& each : model.devices)
+                std::ranges::copy(kWrongClock, each.settings.begin() + 2);
+        }
+        const bool starts = action == 0 || action == kWrongClockStart;
         std::optional<SettingsWindow> settings;
-        if (action != 0) {
+        if (!starts) {
             settings.emplace();
             model.startUp();
             if (TestHost::take() != std::exchange(model.journal, {}))
                 difference = "start-up";
         }
-        if (action != 0)
+        if (!starts)
             model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
         model.expectTrouble(trouble, n, twice);
         prepareTrouble(trouble, n, twice);
         const bool survives = actOnModel(model, action);
-        if (action != 0)
+        if (!starts)
             model.journal.erase(model.journal.begin());
         std::optional<int> status;
         std::vector<std::string> journal;
         try {
-            if (action == 0)
+            if (starts)
                 settings.emplace();
             else
                 actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
@@ -245,7 +255,7 @@ private slots:
                 device().addFault({}, 1U + static_cast<unsigned>(below(5)),
                                   std::array{RequestFault::Stall, RequestFault::TimeOut,
                                              RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
-            const int action = 1 + below(kActions - 1);
+            const int action = 1 + below(6);
             const int level = below(3);
             const int volume = below(256);
             try {
