@@ -7,7 +7,6 @@
 #include <linux/uvcvideo.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -66,19 +65,9 @@ bool sendsExactly(const UsbControlRequest& request) {
 
 } // namespace
 
-OpenFile& OpenFile::operator=(OpenFile&& other) noexcept {
-    std::swap(m_descriptor, other.m_descriptor);
-    return *this;
-}
-
-OpenFile::~OpenFile() {
-    if (m_descriptor >= 0)
-        (void)::close(m_descriptor); // nothing was written that could be lost
-}
-
 UsbYield<RequestWay> KernelUvcRequests::open(const KernelDriver& driver) {
     OpenFile node(::open(driver.captureNode.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (node.get() < 0)
+    if (!node)
         return {resultOfOpen(errno), nullptr};
     struct stat status {};
     // The name may have gone to something else since it was looked up.

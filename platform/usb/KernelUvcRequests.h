@@ -3,21 +3,9 @@
 #include "RequestWay.h"
 
 #include "KernelDriver.h"
+#include "host/OpenFile.h"
 
 #include <utility>
-
-/// A file descriptor that closes itself.
-class OpenFile {
-public:
-    explicit OpenFile(int descriptor) : m_descriptor(descriptor) {}
-    OpenFile(OpenFile&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
-    OpenFile& operator=(OpenFile&& other) noexcept;
-    ~OpenFile();
-    [[nodiscard]] int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor; ///< -1: none
-};
 
 /// Through the kernel's UVC driver, while it streams pictures to whoever records. Extension units only: for
 /// any other request that the driver would not put on the wire exactly as it stands, `NotSendable`.
