@@ -13,7 +13,18 @@ constexpr std::uint8_t kSetCur = 0x01;
 constexpr std::uint8_t kGetCur = 0x81;
 constexpr std::uint8_t kGetMin = 0x82;
 constexpr std::uint8_t kGetMax = 0x83;
+constexpr std::uint8_t kGetRes = 0x84;
+constexpr std::uint8_t kGetLen = 0x85;
+constexpr std::uint8_t kGetInfo = 0x86;
+constexpr std::uint8_t kGetDef = 0x87;
 
+constexpr std::uint8_t kReadable = 1; // of an answer to GET_INFO (UVC 1.5, 4.1.2)
+constexpr std::uint8_t kReadableAndSettable = 3;
+constexpr std::uint8_t kNoError = 0; // of the error code control (UVC 1.5, 4.2.1.2)
+constexpr std::uint8_t kInvalidRequest = 7;
+
+constexpr std::uint8_t kInterfaceItself = 0; // stands where a unit would
+constexpr std::uint8_t kErrorCodeSelector = 2;
 constexpr std::uint8_t kExtensionUnit = 3;
 enum Selector : std::uint8_t { Status = 10, Settings = 11, Versions = 12, Audio = 13 };
 enum Command : std::uint8_t { SetClock = 2, SetBitRate = 4, SetHdcp = 16 };
@@ -36,9 +47,26 @@ std::array<std::uint8_t, 8> setupPacket(const UsbControlRequest& request) {
             low(request.wIndex),   high(request.wIndex), low(request.wLength), high(request.wLength)};
 }
 
-bool matches(const RequestKind& kind, const UsbControlRequest& request) {
-    return (!kind.request || *kind.request == request.bRequest)
-           && (!kind.selector || *kind.selector == selectorOf(request));
+std::vector<std::uint8_t> littleEndian(std::uint32_t value, std::size_t size) {
+    std::vector<std::uint8_t> bytes(size);
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
+    return bytes;
+}
+
+std::uint32_t valueFor(std::uint8_t request, const SimulatedControl& control) {
+    switch (request) {
+    case kGetMin:
+        return control.minimum;
+    case kGetMax:
+        return control.maximum;
+    case kGetRes:
+        return control.resolution;
+    case kGetDef:
+        return control.atPowerOn;
+    default:
+        return control.current;
+    }
 }
 
 /// The result that a fault forces on a request, absent if the request still has to be carried.
@@ -61,15 +89,15 @@ std::optional<UsbResult> forcedResult(RequestFault fault) {
 
 SimulatedDevice::SimulatedDevice()
     : controls{
-        {1, 2, 1, 8, 1, 8},           // auto-exposure mode
-        {1, 4, 4, 156, 3, 2047},      // exposure time, 100 microseconds
-        {2, 2, 2, 128, 0, 255},       // brightness
-        {2, 3, 2, 32, 0, 64},         // contrast
-        {2, 4, 2, 16, 0, 100},        // gain
-        {2, 7, 2, 64, 0, 128},        // saturation
-        {2, 8, 2, 3, 0, 7},           // sharpness
-        {2, 10, 2, 4600, 2800, 6500}, // white balance temperature, kelvin
-        {2, 11, 1, 1, 0, 1},          // white balance temperature, automatic
+        {1, 2, 1, 8, 1, 8, 9, 8},                // auto-exposure mode
+        {1, 4, 4, 156, 3, 2047, 1, 156},         // exposure time, 100 microseconds
+        {2, 2, 2, 128, 0, 255, 1, 128},          // brightness
+        {2, 3, 2, 32, 0, 64, 1, 32},             // contrast
+        {2, 4, 2, 16, 0, 100, 1, 16},            // gain
+        {2, 7, 2, 64, 0, 128, 1, 64},            // saturation
+        {2, 8, 2, 3, 0, 7, 1, 3},                // sharpness
+        {2, 10, 2, 4600, 2800, 6500, 100, 4600}, // white balance temperature, kelvin
+        {2, 11, 1, 1, 0, 1, 1, 1},               // white balance temperature, automatic
     } {
     setClock(kClockAtPowerOn);
 }
@@ -101,29 +129,17 @@ void SimulatedDevice::fillInClock() {
                            [](int field) { return static_cast<std::uint8_t>(field); });
 }
 
-void SimulatedDevice::addFault(RequestKind kind, unsigned n, RequestFault fault) {
-    m_faults.push_back({kind, n, fault});
-}
-
-std::optional<RequestFault> SimulatedDevice::nextFault(const UsbControlRequest& request) {
-    std::optional<RequestFault> struck;
-    for (PendingFault& pending : m_faults) {
-        if (matches(pending.kind, request) && --pending.countdown == 0 && !struck)
-            struck = pending.fault;
-    }
-    std::erase_if(m_faults, [](const PendingFault& pending) { return pending.countdown == 0; });
-    return struck;
-}
-
 UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (!m_plugged)
         return UsbCode::NoDevice;
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    const std::optional<RequestFault> fault = nextFault(request);
+    const std::optional<RequestFault> fault = m_faults.meet(request);
     if (fault == RequestFault::Unplug)
         unplug();
     const std::optional<UsbResult> forced = fault ? forcedResult(*fault) : std::nullopt;
     const UsbResult result = forced ? *forced : isGet ? get(request, fault) : set(request, fault);
+    if (unitOf(request) != kInterfaceItself)
+        m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     const bool carried = !isGet || result == UsbCode::Success;
     requests.push_back({setupPacket(request),
@@ -171,42 +187,58 @@ std::vector<std::uint8_t> SimulatedDevice::answer(const UsbControlRequest& reque
     if (request.bmRequestType != kClassGet || (request.wIndex & 0xFF) != videoControlInterface
         || (request.wValue & 0xFF) != 0)
         return {};
-    if (const SimulatedControl* control = findControl(request)) {
-        const std::uint32_t value = request.bRequest == kGetMin   ? control->minimum
-                                    : request.bRequest == kGetMax ? control->maximum
-                                                                  : control->current;
-        std::vector<std::uint8_t> bytes(control->size);
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
-        return bytes;
-    }
-    if (unitOf(request) != kExtensionUnit || request.bRequest != kGetCur)
+    if (request.bRequest == kGetLen || request.bRequest == kGetInfo)
+        return answerAbout(request);
+    if (const SimulatedControl* control = findControl(request))
+        return littleEndian(valueFor(request.bRequest, *control), control->size);
+    if (request.bRequest != kGetCur)
         return {};
     fillInClock();
     return answerUnitControl(request);
 }
 
 std::vector<std::uint8_t> SimulatedDevice::answerUnitControl(const UsbControlRequest& request) const {
-    std::span<const std::uint8_t> block;
-    switch (selectorOf(request)) {
-    case Status:
-        block = status;
-        break;
-    case Settings:
-        block = settings;
-        break;
-    case Versions:
-        block = versions;
-        break;
-    case Audio:
-        block = audio;
-        break;
-    default:
-        break;
-    }
-    if (block.size() != request.wLength)
+    if (unitOf(request) == kInterfaceItself && selectorOf(request) == kErrorCodeSelector
+        && request.wLength == sizeof m_errorCode)
+        return {m_errorCode};
+    const auto bytes = block(selectorOf(request));
+    if (unitOf(request) != kExtensionUnit || bytes.size() != request.wLength)
         return {};
-    return {block.begin(), block.end()};
+    return {bytes.begin(), bytes.end()};
+}
+
+/// What a driver asks before it uses a control: how long it is, and what can be done with it.
+std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& request) const {
+    std::size_t size = unitOf(request) == kExtensionUnit ? block(selectorOf(request)).size() : 0;
+    bool settable = selectorOf(request) == Settings || selectorOf(request) == Audio;
+    for (const SimulatedControl& control : controls) {
+        if (control.unit == unitOf(request) && control.selector == selectorOf(request)) {
+            size = control.size;
+            settable = true;
+        }
+    }
+    if (size == 0)
+        return {};
+    if (request.bRequest == kGetLen && request.wLength == sizeof(std::uint16_t))
+        return littleEndian(static_cast<std::uint32_t>(size), request.wLength);
+    if (request.bRequest == kGetInfo && request.wLength == sizeof(std::uint8_t))
+        return {settable ? kReadableAndSettable : kReadable};
+    return {};
+}
+
+std::span<const std::uint8_t> SimulatedDevice::block(std::uint8_t selector) const {
+    switch (selector) {
+    case Status:
+        return status;
+    case Settings:
+        return settings;
+    case Versions:
+        return versions;
+    case Audio:
+        return audio;
+    default:
+        return {};
+    }
 }
 
 bool SimulatedDevice::accept(const UsbControlRequest& request) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "RequestFaults.h"
 #include "usb/Usb.h"
 
 #include <array>
@@ -8,21 +9,6 @@
 #include <optional>
 #include <span>
 #include <vector>
-
-/// What a fault makes of a request.
-enum class RequestFault : std::uint8_t {
-    Stall,
-    TimeOut,   ///< no answer
-    ShortData, ///< a GET answers fewer bytes than asked for; a SET is acted on, but not acknowledged in full
-    Garbage,   ///< a GET answers bytes that mean nothing
-    Unplug,    ///< the device goes away while the request is under way
-};
-
-/// Requests that a fault waits for; an empty field matches every request.
-struct RequestKind {
-    std::optional<std::uint8_t> request;  ///< bRequest
-    std::optional<std::uint8_t> selector; ///< high byte of wValue
-};
 
 /// One request as it crossed the wire.
 struct RecordedRequest {
@@ -43,6 +29,8 @@ struct SimulatedControl {
     std::uint32_t current;
     std::uint32_t minimum;
     std::uint32_t maximum;
+    std::uint32_t resolution; ///< of the auto-exposure mode: the modes that there are, one bit each
+    std::uint32_t atPowerOn;
 };
 
 /// A capture device that is not there: it answers control requests as the box does, whatever carries them.
@@ -69,7 +57,7 @@ public:
     /// Carries one request. A failed GET leaves its buffer alone.
     UsbResult control(UsbControlRequest& request);
     /// The n-th request of a kind from now on (1 is the next) meets a fault; every fault strikes once.
-    void addFault(RequestKind kind, unsigned n, RequestFault fault);
+    void addFault(RequestKind kind, unsigned n, RequestFault fault) { m_faults.add(kind, n, fault); }
     void clearFaults() { m_faults.clear(); }
 
     void unplug() { m_plugged = false; }
@@ -88,15 +76,10 @@ public:
     std::function<void(const RecordedRequest&)> onRequest;
 
 private:
-    struct PendingFault {
-        RequestKind kind;
-        unsigned countdown;
-        RequestFault fault;
-    };
-
-    [[nodiscard]] std::optional<RequestFault> nextFault(const UsbControlRequest& request);
     [[nodiscard]] std::vector<std::uint8_t> answer(const UsbControlRequest& request);
     [[nodiscard]] std::vector<std::uint8_t> answerUnitControl(const UsbControlRequest& request) const;
+    [[nodiscard]] std::vector<std::uint8_t> answerAbout(const UsbControlRequest& request) const;
+    [[nodiscard]] std::span<const std::uint8_t> block(std::uint8_t selector) const;
     [[nodiscard]] bool accept(const UsbControlRequest& request);
     [[nodiscard]] SimulatedControl* findControl(const UsbControlRequest& request);
     UsbResult get(UsbControlRequest& request, std::optional<RequestFault> fault);
@@ -107,6 +90,7 @@ private:
 
     bool m_plugged = true;
     unsigned m_plugCount = 1;
+    std::uint8_t m_errorCode = 0;   ///< why the last request was refused (UVC 1.5, 4.2.1.2)
     std::int64_t m_clockOffset = 0; ///< seconds that the device's calendar is ahead of the host's time
-    std::vector<PendingFault> m_faults;
+    RequestFaults m_faults;
 };

@@ -1,19 +1,25 @@
 #include "LinuxUsbInterface.h"
 
+#include "DirectUsbRequests.h"
+#include "KernelUvcRequests.h"
+
 #include <algorithm>
+#include <array>
 #include <span>
-#include <utility>
-#include <vector>
+#include <string_view>
 
 static_assert(UsbCode::Success == LIBUSB_SUCCESS && UsbCode::InputOutput == LIBUSB_ERROR_IO
               && UsbCode::Access == LIBUSB_ERROR_ACCESS && UsbCode::NoDevice == LIBUSB_ERROR_NO_DEVICE
               && UsbCode::NotFound == LIBUSB_ERROR_NOT_FOUND && UsbCode::Busy == LIBUSB_ERROR_BUSY
               && UsbCode::TimeOut == LIBUSB_ERROR_TIMEOUT && UsbCode::Stall == LIBUSB_ERROR_PIPE
-              && UsbCode::NotSupported == LIBUSB_ERROR_NOT_SUPPORTED);
+              && UsbCode::NotSupported == LIBUSB_ERROR_NOT_SUPPORTED
+              && UsbCode::NotSendable < LIBUSB_ERROR_OTHER);
 
 namespace {
 
-constexpr unsigned kTimeOut = 5000; // milliseconds, the kernel's own; 0 would wait for ever
+constexpr std::size_t kLongestData = 64; // bytes; the device's longest block has 26
+constexpr std::string_view kKernelUvcDriver = "uvcvideo";
+constexpr std::string_view kClaimedByProgram = "usbfs"; // another program's request: over in a moment
 
 } // namespace
 
@@ -22,53 +28,47 @@ UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
     return UsbCode::Success;
 }
 
-UsbResult LinuxUsbInterface::open() {
-    if (m_handle)
-        return UsbCode::Success;
-    libusb_device_handle* handle = nullptr;
-    m_notOpen = libusb_open(m_device.get(), &handle);
-    m_handle.reset(handle);
-    return m_notOpen;
+UsbYield<RequestWay> LinuxUsbInterface::chooseWay() const {
+    const KernelDriver driver = findKernelDriver(libusb_get_bus_number(m_device.get()),
+                                                 libusb_get_device_address(m_device.get()), m_number);
+    if (driver.name.empty() || driver.name == kClaimedByProgram)
+        return DirectUsbRequests::open(m_device);
+    // The driver fills in the interface's real number, and all our requests carry 0.
+    if (driver.name != kKernelUvcDriver || m_number != 0 || driver.captureNode.empty())
+        return {UsbCode::NotSendable, nullptr};
+    return KernelUvcRequests::open(driver);
 }
 
 UsbResult LinuxUsbInterface::ControlRequest(std::uint8_t pipe, UsbControlRequest& request) {
     if (pipe != 0)
         return UsbCode::NotFound; // only the control pipe carries class requests
-    if (const UsbResult opened = open(); opened != UsbCode::Success)
-        return opened;
-    // usbfs checks the interface that wIndex names, and would claim it by itself and keep it.
-    const int named = request.wIndex & 0xFF;
-    if (const UsbResult claimed = libusb_claim_interface(m_handle.get(), named); claimed != UsbCode::Success)
-        return claimed;
-    const UsbResult result = transfer(request);
-    (void)libusb_release_interface(m_handle.get(), named); // fails only when the device is gone
+    if (request.wLength > kLongestData)
+        return UsbCode::NotSupported;
+    if (!m_way) {
+        auto chosen = chooseWay();
+        m_notOpen = chosen.result;
+        m_way = std::move(chosen.object);
+        if (!m_way)
+            return m_notOpen;
+    }
+    // The answer of a failed request must not reach the caller: a block that is half zeros and then written
+    // back would wipe settings.
+    std::array<std::uint8_t, kLongestData> data{};
+    const std::span bytes = std::span(data).first(request.wLength);
+    const std::span caller(request.pData, request.wLength);
+    const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
+    if (!isGet)
+        std::ranges::copy(caller, bytes.begin());
+    const UsbResult result = m_way->carry(request, bytes);
+    if (isGet && result == UsbCode::Success)
+        std::ranges::copy(bytes, caller.begin());
     return result;
 }
 
-UsbResult LinuxUsbInterface::transfer(UsbControlRequest& request) {
-    const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    const std::span caller(request.pData, request.wLength);
-    std::vector<std::uint8_t> bytes(request.wLength);
-    if (!isGet)
-        std::ranges::copy(caller, bytes.begin());
-    const int done =
-        libusb_control_transfer(m_handle.get(), request.bmRequestType, request.bRequest, request.wValue,
-                                request.wIndex, bytes.data(), request.wLength, kTimeOut);
-    if (done < 0)
-        return done;
-    request.wLenDone = static_cast<std::uint32_t>(done);
-    // A block that is half zeros and then written back would wipe settings.
-    if (done != request.wLength)
-        return UsbCode::InputOutput;
-    if (isGet)
-        std::ranges::copy(bytes, caller.begin());
-    return UsbCode::Success;
-}
-
 UsbResult LinuxUsbInterface::USBInterfaceClose() {
-    if (!m_handle)
+    if (!m_way)
         return m_notOpen;
-    m_handle.reset();
+    m_way.reset();
     m_notOpen = UsbCode::NotFound;
     return UsbCode::Success;
 }

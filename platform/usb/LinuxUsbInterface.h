@@ -1,19 +1,11 @@
 #pragma once
 
-#include "usb/Usb.h"
+#include "LibusbObjects.h"
+#include "RequestWay.h"
 
-#include <libusb.h>
-
-#include <memory>
-
-/// The computer's USB devices as libusb lists them. Shared by all objects of one look at the bus; the next
-/// look makes its own, so that it sees what is plugged in then, also where no udev daemon runs.
-using LibusbContext = std::shared_ptr<libusb_context>;
-using LibusbDevice = std::shared_ptr<libusb_device>;
-
-/// One interface of a device, reached through usbfs. The device is opened by the first request and the
-/// interface is claimed for the length of a request only: nothing stays claimed between two of them, so
-/// that other programs can work and a driver that is loaded later can bind.
+/// One interface of a device of this computer. The way to it is chosen by the first request, and again by
+/// the first one after a close: through the kernel's driver where that holds the interface and sends exactly
+/// our packet, directly where none holds it. The driver is never detached: that would end a recording.
 class LinuxUsbInterface : public UsbInterface {
 public:
     LinuxUsbInterface(LibusbContext context, LibusbDevice device, std::uint8_t number)
@@ -24,16 +16,11 @@ public:
     UsbResult USBInterfaceClose() override;
 
 private:
-    struct CloseHandle {
-        void operator()(libusb_device_handle* handle) const { libusb_close(handle); }
-    };
+    [[nodiscard]] UsbYield<RequestWay> chooseWay() const;
 
-    [[nodiscard]] UsbResult open();
-    [[nodiscard]] UsbResult transfer(UsbControlRequest& request);
-
-    LibusbContext m_context; ///< outlives the handle
+    LibusbContext m_context; ///< outlives what was opened
     LibusbDevice m_device;
     std::uint8_t m_number;
-    std::unique_ptr<libusb_device_handle, CloseHandle> m_handle;
-    UsbResult m_notOpen = UsbCode::NotFound; ///< why there is no handle
+    std::unique_ptr<RequestWay> m_way;
+    UsbResult m_notOpen = UsbCode::NotFound; ///< why there is no way
 };

@@ -18,6 +18,8 @@ inline constexpr UsbResult Busy = -6;
 inline constexpr UsbResult TimeOut = -7;
 inline constexpr UsbResult Stall = -9; ///< the device refused the request
 inline constexpr UsbResult NotSupported = -12;
+/// Not libusb's: the kernel's driver holds the interface, and nothing can send exactly this request past it.
+inline constexpr UsbResult NotSendable = -100;
 } // namespace UsbCode
 
 /// Result of a step that makes an object. Look at both: a step can report success and still give nothing.

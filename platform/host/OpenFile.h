@@ -1,0 +1,26 @@
+#pragma once
+
+#include <utility>
+
+#include <unistd.h>
+
+/// A file descriptor that closes itself.
+class OpenFile {
+public:
+    /// Takes it over; a negative one stands for none.
+    explicit OpenFile(int descriptor = -1) : m_descriptor(descriptor) {}
+    OpenFile(OpenFile&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
+    OpenFile& operator=(OpenFile&& other) noexcept {
+        std::swap(m_descriptor, other.m_descriptor);
+        return *this;
+    }
+    ~OpenFile() {
+        if (m_descriptor >= 0)
+            (void)::close(m_descriptor); // a descriptor is gone also when its close reports a failure
+    }
+    [[nodiscard]] int get() const { return m_descriptor; }
+    explicit operator bool() const { return m_descriptor >= 0; }
+
+private:
+    int m_descriptor;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "usb/Usb.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+/// What a fault makes of a request.
+enum class RequestFault : std::uint8_t {
+    Stall,
+    TimeOut,   ///< no answer
+    ShortData, ///< a GET answers fewer bytes than asked for; a SET is acted on, but not acknowledged in full
+    Garbage,   ///< a GET answers bytes that mean nothing
+    Unplug,    ///< the device goes away while the request is under way
+};
+
+/// Requests that a fault waits for; an empty field matches every request.
+struct RequestKind {
+    std::optional<std::uint8_t> request;  ///< bRequest
+    std::optional<std::uint8_t> selector; ///< high byte of wValue
+};
+
+/// Faults that wait for their requests.
+class RequestFaults {
+public:
+    /// The n-th request of a kind from now on (1 is the next) meets the fault, once.
+    void add(RequestKind kind, unsigned n, RequestFault fault) { m_pending.push_back({kind, n, fault}); }
+    void clear() { m_pending.clear(); }
+    /// Counts a request. The fault that it meets, absent if it meets none.
+    [[nodiscard]] std::optional<RequestFault> meet(const UsbControlRequest& request);
+
+private:
+    struct Pending {
+        RequestKind kind;
+        unsigned countdown;
+        RequestFault fault;
+    };
+    std::vector<Pending> m_pending;
+};

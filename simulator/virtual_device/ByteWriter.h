@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <vector>
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline void append(Bytes& bytes, std::span<const std::uint8_t> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+}
+/// As USB's descriptors have their numbers.
+inline void appendLittleEndian(Bytes& bytes, std::uint32_t value, unsigned size) {
+    for (unsigned i = 0; i < size; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+/// As USB/IP has its numbers.
+inline void appendBigEndian(Bytes& bytes, std::uint32_t value, unsigned size) {
+    for (unsigned i = size; i-- > 0;)
+        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ByteWriter.h"
+
+#include <cstdint>
+
+/// What tells one virtual device from another.
+struct CaptureIdentity {
+    std::uint16_t vendorID;
+    std::uint16_t productID;
+    /// Number of the VideoControl interface. With another than 0 an interface without a driver comes first.
+    std::uint8_t videoControlInterface;
+
+    [[nodiscard]] std::uint8_t streamingInterface() const {
+        return static_cast<std::uint8_t>(videoControlInterface + 1);
+    }
+};
+
+inline constexpr std::uint8_t kStreamEndpoint = 1; // IN
+inline constexpr std::uint8_t kConfigurationValue = 1;
+
+[[nodiscard]] Bytes deviceDescriptor(const CaptureIdentity& identity);
+[[nodiscard]] Bytes deviceQualifier();
+/// The configuration with all its interfaces (camera terminal 1, processing unit 2, extension unit 3 with
+/// selectors 10 to 13, and the stream).
+[[nodiscard]] Bytes configurationDescriptor(const CaptureIdentity& identity);
+/// Empty: there is no such string.
+[[nodiscard]] Bytes stringDescriptor(std::uint8_t index);

@@ -1,0 +1,68 @@
+#include "CapturePicture.h"
+
+#include <algorithm>
+
+namespace {
+
+// Payload header (UVC 1.5, 2.4.3.3).
+constexpr std::size_t kHeaderLength = 2;
+constexpr std::uint8_t kFrameIdentifier = 0x01; // toggles with every picture
+constexpr std::uint8_t kEndOfFrame = 0x02;
+constexpr std::uint8_t kEndOfHeader = 0x80;
+
+struct Color {
+    std::uint8_t luma;
+    std::uint8_t blue;
+    std::uint8_t red;
+};
+constexpr std::array<Color, 8> kBars{{{235, 128, 128},
+                                      {210, 16, 146},
+                                      {170, 166, 16},
+                                      {145, 54, 34},
+                                      {106, 202, 222},
+                                      {81, 90, 240},
+                                      {41, 240, 110},
+                                      {16, 128, 128}}};
+constexpr Color kLine{235, 128, 128};
+
+/// Byte `offset` of a picture, whose pixels go in pairs: luma, blue, luma, red.
+std::uint8_t pictureByte(std::size_t offset, unsigned count) {
+    const std::size_t row = offset / (2 * kPictureWidth);
+    const std::size_t column = offset % (2 * kPictureWidth) / 2;
+    const Color color =
+        row == count % kPictureHeight ? kLine : kBars.at(column * kBars.size() / kPictureWidth);
+    if (offset % 2 == 0)
+        return color.luma;
+    return offset % 4 == 1 ? color.blue : color.red;
+}
+
+} // namespace
+
+void CapturePicture::start(std::uint32_t frameInterval, Clock::time_point now) {
+    m_interval = std::chrono::nanoseconds(100) * frameInterval;
+    m_due = now;
+    m_sent = 0;
+}
+
+Bytes CapturePicture::nextPayload(std::size_t room, Clock::time_point now) {
+    const std::size_t most = std::min<std::size_t>(room, kLongestPayload);
+    if (most <= kHeaderLength)
+        return {};
+    const std::size_t length = std::min(most - kHeaderLength, kPictureSize - m_sent);
+    const bool ends = m_sent + length == kPictureSize;
+    Bytes payload{kHeaderLength, static_cast<std::uint8_t>(kEndOfHeader | (ends ? kEndOfFrame : 0)
+                                                           | (m_count % 2 == 1 ? kFrameIdentifier : 0))};
+    for (std::size_t i = 0; i < length; ++i)
+        payload.push_back(pictureByte(m_sent + i, m_count));
+    m_sent += length;
+    if (ends)
+        endPicture(now);
+    return payload;
+}
+
+void CapturePicture::endPicture(Clock::time_point now) {
+    m_sent = 0;
+    ++m_count;
+    // Whoever fetched too slowly gets the next picture at its pace, not a heap of late ones.
+    m_due = std::max(m_due, now - m_interval) + m_interval;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "SimulatedDevice.h"
+
+#include <string>
+
+/// A request on one line: the setup packet's 8 bytes, a bar, and the data as they crossed the wire, all in
+/// hex, for instance "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4". " ! -9" follows a failed one, with the
+/// code of its failure.
+[[nodiscard]] std::string wireText(const RecordedRequest& request);
