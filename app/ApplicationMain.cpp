@@ -75,6 +75,7 @@ void registerApplicationClasses() {
 void setUpApplication(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette());
+    QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
     registerApplicationClasses();
     QApplication::setWindowIcon(QIcon(QStringLiteral("bundle:images/tavro-setup-96.png")));
