@@ -63,16 +63,16 @@
         <translation>Bitte prüfen Sie diese Punkte und starten Sie das Programm dann neu.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder nehmen Sie einen anderen USB-Anschluss am Computer, ohne Hub.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>Ist es angeschlossen? USB-Kabel an beiden Enden fest einstecken oder einen anderen USB-Anschluss ohne Hub nehmen.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>Dürfen Sie es benutzen? Melden Sie sich am Bildschirm dieses Computers an, nicht aus der Ferne. Wurde das Programm nicht aus seinem Paket installiert, installieren Sie seine udev-Regel 70-tavro-setup-tool.rules. Stecken Sie das Gerät dann neu ein.</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>Dürfen Sie es benutzen? Melden Sie sich an diesem Computer selbst an. Kam das Programm nicht als Paket, die udev-Regel 70-tavro-setup-tool.rules installieren und das Gerät neu einstecken.</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Antwortet es? Ist es noch immer nicht erreichbar, ziehen Sie es ab, warten Sie zehn Sekunden und stecken Sie es wieder ein.</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>Antwortet es? Gerät abziehen, zehn Sekunden warten und wieder einstecken.</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>

@@ -75,16 +75,16 @@
         <translation>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>Does it answer? Unplug it, wait ten seconds and plug it in again.</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>

@@ -63,16 +63,16 @@
         <translation>Compruebe estos puntos y vuelva a iniciar el programa.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>¿Está conectado? Introduzca bien el cable USB por ambos extremos o pruebe otro puerto USB del equipo, sin concentrador.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>¿Está conectado? Introduzca bien el cable USB por ambos extremos o pruebe otro puerto USB, sin concentrador.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>¿Tiene permiso para usarlo? Inicie sesión en la pantalla de este equipo, no a distancia. Si el programa no se instaló desde su paquete, instale su regla de udev, 70-tavro-setup-tool.rules. Después vuelva a conectar el dispositivo.</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>¿Tiene permiso para usarlo? Inicie sesión en este mismo equipo. Si el programa no vino en un paquete, instale su regla de udev, 70-tavro-setup-tool.rules, y vuelva a conectar el dispositivo.</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>¿Responde? Si sigue sin poder acceder, desconéctelo, espere diez segundos y vuelva a conectarlo.</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>¿Responde? Desconéctelo, espere diez segundos y vuelva a conectarlo.</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>

@@ -63,16 +63,16 @@
         <translation>Vérifiez les points suivants, puis relancez le programme.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>Est-il branché ? Enfoncez bien le câble USB aux deux bouts, ou essayez un autre port USB de l’ordinateur, sans concentrateur.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>Est-il branché ? Enfoncez bien le câble USB aux deux bouts, ou essayez un autre port USB, sans concentrateur.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>Avez-vous le droit de l’utiliser ? Ouvrez une session à l’écran de cet ordinateur, pas à distance. Si le programme n’a pas été installé par son paquet, installez sa règle udev, 70-tavro-setup-tool.rules. Puis rebranchez le boîtier.</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>En avez-vous le droit ? Ouvrez une session sur cet ordinateur même. Si le programme ne vient pas d’un paquet, installez sa règle udev, 70-tavro-setup-tool.rules, et rebranchez le boîtier.</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Répond-il ? S’il reste injoignable, débranchez-le, attendez dix secondes et rebranchez-le.</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>Répond-il ? Débranchez-le, attendez dix secondes et rebranchez-le.</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>

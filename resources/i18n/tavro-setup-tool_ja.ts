@@ -63,16 +63,16 @@
         <translation>次の点を確認してから、プログラムを起動し直してください。</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>接続されていますか？ USB ケーブルの両端をしっかり差し込むか、ハブを使わずにコンピューターの別の USB ポートで試してください。</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>接続されていますか？ USB ケーブルの両端をしっかり差し込むか、ハブを使わずに別の USB ポートで試してください。</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>デバイスを使う権限がありますか？ リモートではなく、このコンピューターの画面でログインしてください。パッケージからインストールしていない場合は、udev ルール 70-tavro-setup-tool.rules をインストールしてください。その後、デバイスを接続し直してください。</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>使う権限がありますか？ このコンピューターで直接ログインしてください。パッケージ以外から入れた場合は、udev ルール 70-tavro-setup-tool.rules をインストールし、デバイスを接続し直してください。</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>応答していますか？ それでも接続できない場合は、デバイスを取り外し、10 秒待ってから接続し直してください。</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>応答していますか？ デバイスを取り外し、10 秒待ってから接続し直してください。</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>

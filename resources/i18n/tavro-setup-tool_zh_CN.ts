@@ -63,16 +63,16 @@
         <translation>请检查以下几点，然后重新启动程序。</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port on the computer, without a hub.</source>
-        <translation>设备插好了吗？请将 USB 线缆两端插紧，或换用电脑上的另一个 USB 接口，不要经过集线器。</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>设备插好了吗？请将 USB 线缆两端插紧，或换用另一个 USB 接口，不要经过集线器。</translation>
     </message>
     <message>
-        <source>May you use it? Log in at the screen of this computer, not from afar. If the program was not installed from its package, install its udev rule, 70-tavro-setup-tool.rules. Then plug the device in again.</source>
-        <translation>您有权使用它吗？请在这台电脑的屏幕前登录，而不是远程登录。如果程序不是由软件包安装的，请安装其 udev 规则 70-tavro-setup-tool.rules。然后重新插入设备。</translation>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>您有权使用它吗？请直接在这台电脑上登录。如果程序不是由软件包安装的，请安装其 udev 规则 70-tavro-setup-tool.rules，然后重新插入设备。</translation>
     </message>
     <message>
-        <source>Does it answer? If it is still not reached, unplug it, wait ten seconds and plug it in again.</source>
-        <translation>它有响应吗？如果仍然无法连接，请拔下设备，等待十秒后再插入。</translation>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>它有响应吗？请拔下设备，等待十秒后再插入。</translation>
     </message>
     <message>
         <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
