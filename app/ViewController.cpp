@@ -157,12 +157,15 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
     constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
                                                  {CBIT_RATE_MIDDLE, "img_starGood.png"},
                                                  {CBIT_RATE_LOW, "img_starGen.png"}}};
-    const char* name = kImages.front().name;
+    LevelImage shown = kImages.front();
     for (const LevelImage& image : kImages) {
         if (image.level == level)
-            name = image.name;
+            shown = image;
     }
-    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(name)));
+    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
+    // Who can't see the stars hears the level's title.
+    QualityImage->setAccessibleName(LabelBitRateState->text() + QStringLiteral(": ")
+                                    + PopupRecordQuality->itemText(shown.level));
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {

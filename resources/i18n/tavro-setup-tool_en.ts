@@ -35,6 +35,10 @@
         <source>Close</source>
         <translation>Close</translation>
     </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Program icon</translation>
+    </message>
 </context>
 <context>
     <name>AlertWindow</name>
@@ -268,6 +272,10 @@
     <message>
         <source>Quit</source>
         <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Program icon</translation>
     </message>
 </context>
 </TS>

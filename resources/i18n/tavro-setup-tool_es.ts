@@ -35,6 +35,10 @@
         <source>Close</source>
         <translation>Cerrar</translation>
     </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Icono del programa</translation>
+    </message>
 </context>
 <context>
     <name>AlertWindow</name>
@@ -268,6 +272,10 @@
     <message>
         <source>Quit</source>
         <translation>Salir</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Icono del programa</translation>
     </message>
 </context>
 </TS>

@@ -35,6 +35,10 @@
         <source>Close</source>
         <translation>閉じる</translation>
     </message>
+    <message>
+        <source>Program icon</source>
+        <translation>プログラムのアイコン</translation>
+    </message>
 </context>
 <context>
     <name>AlertWindow</name>
@@ -268,6 +272,10 @@
     <message>
         <source>Quit</source>
         <translation>終了</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>プログラムのアイコン</translation>
     </message>
 </context>
 </TS>

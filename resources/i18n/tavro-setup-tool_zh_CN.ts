@@ -35,6 +35,10 @@
         <source>Close</source>
         <translation>关闭</translation>
     </message>
+    <message>
+        <source>Program icon</source>
+        <translation>程序图标</translation>
+    </message>
 </context>
 <context>
     <name>AlertWindow</name>
@@ -268,6 +272,10 @@
     <message>
         <source>Quit</source>
         <translation>退出</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>程序图标</translation>
     </message>
 </context>
 </TS>
