@@ -8,6 +8,7 @@
 
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <limits>
@@ -157,11 +158,8 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
     constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
                                                  {CBIT_RATE_MIDDLE, "img_starGood.png"},
                                                  {CBIT_RATE_LOW, "img_starGen.png"}}};
-    LevelImage shown = kImages.front();
-    for (const LevelImage& image : kImages) {
-        if (image.level == level)
-            shown = image;
-    }
+    const auto found = std::ranges::find(kImages, level, &LevelImage::level);
+    const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
     QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
     // Who can't see the stars hears the level's title.
     QualityImage->setAccessibleName(LabelBitRateState->text() + QStringLiteral(": ")

@@ -38,6 +38,7 @@ public:
     void setItemStyles(int style);
     [[nodiscard]] AttributedString attributedTitle(int index) const;
 
+    [[nodiscard]] ArrowPosition arrowPosition() const { return m_arrowPosition; }
     void setArrowPosition(ArrowPosition position);
 
     /// Strokes one line of the decoration; draws nothing without a context.

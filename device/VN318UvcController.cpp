@@ -184,7 +184,7 @@ bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
         return false;
     }
     logBitRate(block[kBitRate.byte]);
-    const auto levels = static_cast<std::uint8_t>((h264 & 15) << 4 | (forMJEPG & 15));
+    const std::uint8_t levels = lowByte(h264 << 4 | (forMJEPG & 15));
     systemLog("new video bit rate index : %d \n", levels);
     block[kBitRate.byte] = levels;
     return writeSettings(kBitRate, block);

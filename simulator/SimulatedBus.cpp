@@ -13,7 +13,10 @@ class SimulatedInterface : public UsbInterface {
 public:
     SimulatedInterface(SimulatedBus& bus, DevicePointer device)
         : m_bus(bus), m_device(std::move(device)), m_plugCount(m_device->plugCount()) {}
-    ~SimulatedInterface() override { ++m_bus.releaseCount; }
+    ~SimulatedInterface() override {
+        if (m_bus.onRelease)
+            m_bus.onRelease();
+    }
 
     UsbResult GetInterfaceNumber(std::uint8_t& number) override {
         if (const auto forced = m_bus.failure(UsbStep::InterfaceNumber))

@@ -41,7 +41,7 @@ public:
 
     std::vector<std::shared_ptr<SimulatedDevice>> devices; ///< in the order in which the bus meets them
     unsigned closeCount = 0;                               ///< how often an interface was closed
-    unsigned releaseCount = 0;                             ///< how many interfaces were released
+    std::function<void()> onRelease;                       ///< told when an interface is released
 
 private:
     std::map<UsbStep, UsbResult> m_failures;

@@ -21,9 +21,7 @@ public:
         QObject::connect(&window, &QObject::destroyed, &run, &QEventLoop::quit);
     }
     bool eventFilter(QObject* /*window*/, QEvent* event) override {
-        const bool gone =
-            event->type() == QEvent::Close || (event->type() == QEvent::Hide && !event->spontaneous());
-        if (gone)
+        if (event->type() == QEvent::Hide && !event->spontaneous()) // closing hides, minimising does not
             m_run.quit();
         return false;
     }

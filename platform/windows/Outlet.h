@@ -43,7 +43,7 @@ public:
     Control* operator->() const {
         if (!m_control)
             stopUnconnected();
-        return m_control;
+        return m_control.data();
     }
 
 private:

@@ -36,7 +36,7 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
     return object;
 }
 
-void connectHandler(QObject& control, const QString& handler, std::array<QObject*, 2> responders) {
+void connectHandler(QObject& control, const QString& handler, const std::array<QObject*, 2>& responders) {
     const QByteArray signature = handler.toLatin1() + "(QObject*)";
     for (QObject* responder : responders) {
         const int index = responder ? responder->metaObject()->indexOfSlot(signature.constData()) : -1;
@@ -52,7 +52,7 @@ void connectHandler(QObject& control, const QString& handler, std::array<QObject
               qUtf8Printable(control.objectName()));
 }
 
-void connectActions(const QWidget& window, std::array<QObject*, 2> responders) {
+void connectActions(const QWidget& window, const std::array<QObject*, 2>& responders) {
     for (QAction* action : window.actions())
         connectHandler(*action, action->objectName(), responders);
     for (QWidget* control : window.findChildren<QWidget*>()) {

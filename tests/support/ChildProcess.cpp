@@ -3,6 +3,7 @@
 #include "TestHost.h"
 
 #include <QCoreApplication>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <array>
@@ -24,7 +25,8 @@ constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the fil
     std::_Exit(99);
 }
 
-[[noreturn]] void becomeChild(int journal) {
+[[noreturn]] void becomeChild(int journal, const QString& folder) {
+    ::setenv("TMPDIR", folder.toLocal8Bit().constData(), 1); // it ends without tidying up
     ::setenv(kJournalVariable, std::to_string(journal).c_str(), 1);
     const int nowhere = ::open("/dev/null", O_WRONLY);
     ::dup2(nowhere, STDOUT_FILENO);
@@ -51,10 +53,11 @@ ChildEnd runInChild(const std::function<void()>& part) {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0)
         return {};
+    const QTemporaryDir folder;
     const pid_t child = ::fork();
     if (child == 0) {
         ::close(ends[0]);
-        becomeChild(ends[1]);
+        becomeChild(ends[1], folder.path());
     }
     ::close(ends[1]);
     std::istringstream entries(readAll(ends[0]));

@@ -51,7 +51,7 @@ std::string setup(bool isGet, int selector) {
 std::vector<std::string> takeMatching(bool wantLog) {
     std::vector<std::string> taken = TestHost::take();
     std::erase_if(taken, [wantLog](const std::string& entry) {
-        return entry.starts_with("sleep") || entry.starts_with("log ") != wantLog;
+        return entry == "release" || entry.starts_with("sleep") || entry.starts_with("log ") != wantLog;
     });
     return taken;
 }
@@ -84,6 +84,7 @@ void TestHost::reset() {
     setTimeZone("UTC");
     SimulatedBus::instance() = SimulatedBus();
     device().onRequest = noteRequest;
+    SimulatedBus::instance().onRelease = [] { note("release"); };
     device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
 }
 

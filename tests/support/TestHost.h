@@ -10,6 +10,7 @@
 /// happens is written down in one journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
+///   "release"     the release of an interface
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request: its setup packet and data; " ! -9" follows a failed one
 struct TestHost {
     std::time_t now = 1'700'000'000;

@@ -1,0 +1,291 @@
+// Every fault at every request of start-up and of each handler, and a long random run: what the program does,
+// says, shows and leaves in the device against the model of the rules.
+
+#include "ApplicationMain.h"
+#include "Model.h"
+#include "OpenWindow.h"
+#include "windows/Bundle.h"
+
+#include <QSignalBlocker>
+
+#include <random>
+
+namespace {
+
+/// What the program's `exit` becomes here, so that many ends fit into one process.
+struct Ended {
+    int status;
+    std::vector<std::string> journal; ///< until then
+};
+
+constexpr int kActions = 7; // start-up and six handlers
+constexpr std::array<const char*, kActions> kActionNames{"start-up", "quality", "microphone", "headphone",
+                                                         "HDMI/AUX", "HDCP on", "HDCP off"};
+constexpr int kChosenLevel = 0;
+constexpr int kChosenVolume = 201;
+
+bool actOnModel(Model& model, int action) {
+    switch (action) {
+    case 0: return model.startUp();
+    case 1: return model.chooseQuality(kChosenLevel);
+    case 5:
+    case 6: return model.switchHdcp(action == 5 ? 1 : 0);
+    default: return model.changeVolume(action - 2, kChosenVolume);
+    }
+}
+
+/// Does what the user's hand does before the handler runs, then runs it.
+void actOnWindow(SettingsWindow& settings, int action, int level, int volume) {
+    const auto choose = [&](const char* name) {
+        auto& slider = settings.control<QSlider>(name);
+        const QSignalBlocker blocker(slider);
+        slider.setValue(volume);
+    };
+    ViewController& view = settings.view();
+    switch (action) {
+    case 1:
+        settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(level);
+        return view.ChooseRecordQuality(nullptr);
+    case 2: return choose("SliderMicrophoneVolume"), view.ChangeMicrophoneVolume(nullptr);
+    case 3: return choose("SliderHeadphoneVolume"), view.ChangeHeadphoneVolume(nullptr);
+    case 4: return choose("SliderHmdiAuxVolume"), view.ChangeHdmiAuxVolume(nullptr);
+    case 5: return view.TurnOnHdcp(nullptr);
+    default: return view.TurnOffHdcp(nullptr);
+    }
+}
+
+RequestFault requestFault(Trouble trouble) {
+    switch (trouble) {
+    case Trouble::TimeOut: return RequestFault::TimeOut;
+    case Trouble::ShortData: return RequestFault::ShortData;
+    case Trouble::Garbage: return RequestFault::Garbage;
+    case Trouble::GoneDuring:
+    case Trouble::Another: return RequestFault::Unplug;
+    default: return RequestFault::Stall;
+    }
+}
+
+/// Makes the simulated device's n-th request from now on meet trouble, and the next a stall if `twice`.
+void prepareTrouble(Trouble trouble, int n, bool twice) {
+    const bool another = trouble == Trouble::Another;
+    if (twice)
+        SimulatedBus::instance().devices[another ? 1 : 0]->addFault({}, another ? 1U : static_cast<unsigned>(n) + 1,
+                                                                    RequestFault::Stall);
+    if (trouble == Trouble::GoneBefore && n == 1)
+        device().unplug();
+    if (trouble != Trouble::None && trouble != Trouble::GoneBefore && trouble != Trouble::BackAfter)
+        device().addFault({}, static_cast<unsigned>(n), requestFault(trouble));
+    auto count = std::make_shared<int>(0);
+    const auto note = device().onRequest;
+    device().onRequest = [=](const RecordedRequest& request) {
+        note(request);
+        ++*count;
+        if (trouble == Trouble::GoneBefore && *count == n - 1)
+            device().unplug();
+        if (trouble == Trouble::BackAfter && *count == n) {
+            device().unplug();
+            device().plugIn();
+        }
+        if (trouble == Trouble::NoCamera && *count == n)
+            device().videoControlInterface.reset();
+    };
+}
+
+void setUpDevices(Trouble trouble) {
+    TestHost::reset();
+    const auto note = device().onRequest;
+    if (trouble == Trouble::Another) {
+        SimulatedBus::instance().devices.push_back(std::make_shared<SimulatedDevice>());
+        SimulatedBus::instance().devices[1]->onRequest = note;
+        SimulatedBus::instance().devices[1]->setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20});
+    }
+    for (const auto& each : SimulatedBus::instance().devices) {
+        each->audio = {0x6D, 11, 22, 33, 0x92, 55, 0xE4};
+        each->settings[8] = 0x21;
+        each->settings[9] = 1;
+    }
+}
+
+ModelWindow shown(const SettingsWindow& settings) {
+    ModelWindow window;
+    window.microphone = settings.control<QSlider>("SliderMicrophoneVolume").value();
+    window.headphone = settings.control<QSlider>("SliderHeadphoneVolume").value();
+    window.hdmiAux = settings.control<QSlider>("SliderHmdiAuxVolume").value();
+    const QImage stars = settings.control<QLabel>("QualityImage").pixmap().toImage();
+    for (const char* name : {"img_starBest.png", "img_starGood.png", "img_starGen.png"}) {
+        if (mainBundle::imageNamed(QString::fromLatin1(name)).toImage() == stars)
+            window.stars = name;
+    }
+    window.firmware = settings.control<QLabel>("LabelFwVersion").text().toStdString();
+    window.item = settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex();
+    window.hdcpOn = settings.control<QRadioButton>("HdcpOnButton").isChecked();
+    return window;
+}
+
+/// The settings that a device holds, without its clock.
+Block held(const std::vector<std::uint8_t>& audio, int bitRate, int hdcp) {
+    Block block(audio.begin(), audio.end());
+    block.insert(block.end(), {bitRate, hdcp});
+    return block;
+}
+
+} // namespace
+
+extern "C" void __wrap_exit(int status) { throw Ended{status, TestHost::take()}; }
+
+class FaultCellsTest : public QObject {
+    Q_OBJECT
+
+private:
+    /// One cell. Returns how many requests its model made, absent if the cell does not hold.
+    std::optional<int> cell(int action, Trouble trouble, int n, bool twice, QString& difference) {
+        setUpDevices(trouble);
+        Model model(std::vector<ModelDevice>(trouble == Trouble::Another ? 2 : 1));
+        std::optional<SettingsWindow> settings;
+        if (action != 0) {
+            settings.emplace();
+            model.startUp();
+            if (TestHost::take() != std::exchange(model.journal, {}))
+                difference = "start-up";
+        }
+        if (action != 0)
+            model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
+        model.expectTrouble(trouble, n, twice);
+        prepareTrouble(trouble, n, twice);
+        const bool survives = actOnModel(model, action);
+        if (action != 0)
+            model.journal.erase(model.journal.begin());
+        std::optional<int> status;
+        std::vector<std::string> journal;
+        try {
+            if (action == 0)
+                settings.emplace();
+            else
+                actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
+            journal = TestHost::take();
+        } catch (const Ended& end) {
+            status = end.status;
+            journal = end.journal;
+        }
+        const auto first = std::mismatch(journal.begin(), journal.end(), model.journal.begin(), model.journal.end());
+        if (first.first != journal.end() || first.second != model.journal.end())
+            difference = QString("journal: \"%1\" instead of \"%2\"")
+                             .arg(first.first == journal.end() ? "nothing" : first.first->c_str(),
+                                  first.second == model.journal.end() ? "nothing" : first.second->c_str());
+        if (survives ? status.has_value() : status != 0)
+            difference = "end";
+        if (survives && !status && shown(*settings) != model.window)
+            difference = "window";
+        for (std::size_t i = 0; i < model.devices.size(); ++i) {
+            const SimulatedDevice& real = *SimulatedBus::instance().devices[i];
+            const ModelDevice& meant = model.devices[i];
+            Block audio = meant.audio;
+            audio.insert(audio.end(), {meant.settings[8], meant.settings[9]});
+            if (held({real.audio.begin(), real.audio.end()}, real.settings[8], real.settings[9]) != audio)
+                difference = "device";
+        }
+        return difference.isEmpty() ? std::optional(model.requests) : std::nullopt;
+    }
+
+    /// Returns the number of cells.
+    int faultAtEveryRequest(int action, Trouble trouble, bool twice) {
+        for (int n = 1;; ++n) {
+            QString difference;
+            const std::optional<int> made = cell(action, trouble, n, twice, difference);
+            const QString name = QString("%1, %2 at request %3%4: ")
+                                     .arg(kActionNames[static_cast<std::size_t>(action)],
+                                          kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
+                                          twice ? " and a stall after it" : "");
+            if (!made)
+                qFatal("%s", qPrintable(name + difference));
+            // As long as there is a request for the fault to meet.
+            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0))
+                return n - 1;
+        }
+    }
+
+private slots:
+    void initTestCase() {
+        setUpApplication(*qApp);
+        // Without its window the alert is over at once.
+        m_bundle.emplace();
+        m_bundle->replace("Main/Main.json", R"("window": "alert-window.ui",)", "");
+    }
+
+    void everyFaultAtEveryRequest() {
+        int cells = 0;
+        for (int action = 0; action < kActions; ++action) {
+            for (std::size_t i = 1; i < kTroubleNames.size(); ++i) {
+                for (const bool twice : {false, true})
+                    cells += faultAtEveryRequest(action, static_cast<Trouble>(i), twice);
+            }
+        }
+        qInfo("%d fault cells hold", cells);
+        QVERIFY(cells > 300);
+    }
+
+    void noSettingIsEverLost() {
+        const unsigned seed = qEnvironmentVariableIsSet("TAVRO_SEED") ? qEnvironmentVariable("TAVRO_SEED").toUInt()
+                                                                      : std::random_device()();
+        qInfo("seed %u (TAVRO_SEED=%u repeats it)", seed, seed);
+        std::mt19937 random(seed);
+        const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
+        setUpDevices(Trouble::None);
+        std::optional<SettingsWindow> settings(std::in_place);
+        Block meant = held({device().audio.begin(), device().audio.end()}, 0x21, 1);
+        int ends = 0;
+        for (int turn = 0; turn < 10'000; ++turn) {
+            TestHost::take();
+            // A second writer changes fields behind the program's back.
+            const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
+            meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));
+            meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
+            device().clearFaults();
+            for (int faults = below(3); faults > 0; --faults)
+                device().addFault({}, 1U + static_cast<unsigned>(below(5)),
+                                  std::array{RequestFault::Stall, RequestFault::TimeOut,
+                                             RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
+            const int action = 1 + below(kActions - 1);
+            const int level = below(3);
+            const int volume = below(256);
+            try {
+                actOnWindow(*settings, action, level, volume);
+            } catch (const Ended&) {
+                ++ends;
+                device().clearFaults();
+                device().plugIn();
+                settings.reset();
+                settings.emplace();
+            }
+            if (!device().plugged())
+                device().plugIn();
+            // What was named may have changed to what was chosen, and nothing else has.
+            const auto mayBe = [&](std::size_t field, int chosen) {
+                const Block now =
+                    held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]);
+                if (now[field] == chosen)
+                    meant[field] = chosen;
+            };
+            if (action == 1)
+                mayBe(7, level * 16 + meant[7] % 16);
+            if (action == 2)
+                mayBe(3, volume);
+            if (action == 3)
+                mayBe(5, volume);
+            if (action == 4)
+                mayBe(1, volume), mayBe(2, volume);
+            if (action >= 5)
+                mayBe(8, action == 5 ? 1 : 0);
+            QCOMPARE(held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]),
+                     meant);
+        }
+        qInfo("10000 actions, %d of them ended the program, no setting lost", ends);
+        QVERIFY(ends > 100);
+    }
+
+private:
+    std::optional<ChangedBundle> m_bundle;
+};
+
+QTEST_MAIN(FaultCellsTest)
+#include "FaultCellsTest.moc"
