@@ -1,6 +1,7 @@
 #include "ApplicationMain.h"
 
 #include "AboutViewController.h"
+#include "Accessibility.h"
 #include "AlertViewController.h"
 #include "AppDelegate.h"
 #include "CustomSliderCell.h"
@@ -75,8 +76,10 @@ void registerApplicationClasses() {
 void setUpApplication(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette());
+    QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
     registerApplicationClasses();
+    installAccessibility();
     QApplication::setWindowIcon(QIcon(QStringLiteral("bundle:images/tavro-setup-96.png")));
 }
 

@@ -27,7 +27,7 @@ public:
 
     void didDecode() override;
 
-    void removeAllItems() { clear(); }
+    void removeAllItems();
     /// Adds items and gives all items the light style.
     void addItemsWithTitles(const QStringList& titles);
     /// -1: nothing is selected.
@@ -55,6 +55,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void selectCurrentRow();
+    void actOnSelection();
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
