@@ -162,8 +162,7 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
     const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
     QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
     // Who can't see the stars hears the level's title.
-    QualityImage->setAccessibleName(LabelBitRateState->text() + QStringLiteral(": ")
-                                    + PopupRecordQuality->itemText(shown.level));
+    QualityImage->setAccessibleDescription(PopupRecordQuality->itemText(shown.level));
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {
