@@ -166,10 +166,6 @@
         <translation>Aktuelle Bitrate</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>Drei Sterne: hoch. Zwei Sterne: mittel. Ein Stern: niedrig. Das Auswahlfeld für die Aufnahmequalität nennt dieselbe Stufe in Worten.</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>Stufe der Sterneskala; zeigt, was die Sterne bedeuten.</translation>
     </message>

@@ -166,10 +166,6 @@
         <translation>Current bit rate</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>Step of the star scale; shows what the stars mean.</translation>
     </message>

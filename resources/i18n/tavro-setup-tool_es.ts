@@ -166,10 +166,6 @@
         <translation>Tasa de bits actual</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>Tres estrellas: alta. Dos estrellas: media. Una estrella: baja. La lista de calidad de grabación muestra el mismo nivel con palabras.</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>Grado de la escala de estrellas; indica qué significan.</translation>
     </message>

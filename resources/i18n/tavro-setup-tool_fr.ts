@@ -166,10 +166,6 @@
         <translation>Débit actuel</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>Trois étoiles : élevé. Deux étoiles : moyen. Une étoile : faible. La liste de qualité d’enregistrement donne le même niveau en mots.</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>Degré de l’échelle d’étoiles ; dit ce que signifient les étoiles.</translation>
     </message>

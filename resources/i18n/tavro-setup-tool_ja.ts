@@ -166,10 +166,6 @@
         <translation>現在のビットレート</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>星 3 つ: 高。星 2 つ: 中。星 1 つ: 低。録画品質のポップアップに同じレベルが文字で表示されます。</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>星の目盛りの段階。星の意味を示します。</translation>
     </message>

@@ -166,10 +166,6 @@
         <translation>当前码率</translation>
     </message>
     <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>三颗星：高。两颗星：中。一颗星：低。录制质量下拉列表以文字显示同一等级。</translation>
-    </message>
-    <message>
         <source>Step of the star scale; shows what the stars mean.</source>
         <translation>星级刻度中的一级，说明星星的含义。</translation>
     </message>
