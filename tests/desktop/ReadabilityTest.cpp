@@ -41,8 +41,7 @@ double contrast(QRgb one, QRgb other) {
 double contrastWithin(const QImage& image) {
     QHash<QRgb, int> counts;
     for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            ++counts[image.pixel(x, y)];
+        for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     const QRgb ground = std::max_element(counts.keyValueBegin(), counts.keyValueEnd(), [](auto a, auto b) {
                             return a.second < b.second;
                         })->first;
@@ -79,8 +78,7 @@ QString cut(const QLabel& label) {
     if (label.wordWrap()) {
         for (const QString& word : plain(label.text()).split(u' ')) {
             const bool breaks = std::ranges::any_of(word, [](QChar c) { return c.unicode() > 0x2E80; });
-            if (!breaks && label.fontMetrics().horizontalAdvance(word) > label.contentsRect().width())
-                return word;
+            if (!breaks && label.fontMetrics().horizontalAdvance(word) > label.contentsRect().width()) return word;
         }
         return label.heightForWidth(label.width()) > label.height() ? QStringLiteral("a line") : QString();
     }
@@ -89,8 +87,7 @@ QString cut(const QLabel& label) {
 }
 
 QString cut(const QWidget& control) {
-    if (const auto* label = qobject_cast<const QLabel*>(&control))
-        return cut(*label);
+    if (const auto* label = qobject_cast<const QLabel*>(&control)) return cut(*label);
     if (const auto* button = qobject_cast<const QAbstractButton*>(&control)) {
         const QSize needed = button->sizeHint();
         return needed.width() > button->width() || needed.height() > button->height() ? button->text() : QString();
@@ -123,8 +120,7 @@ QList<QWidget*> textControls(const QWidget& window) {
 }
 
 QString mnemonicText(const QWidget& control) {
-    if (const auto* label = qobject_cast<const QLabel*>(&control))
-        return label->buddy() ? label->text() : QString();
+    if (const auto* label = qobject_cast<const QLabel*>(&control)) return label->buddy() ? label->text() : QString();
     const auto* button = qobject_cast<const QAbstractButton*>(&control);
     return button && button->isEnabled() ? button->text() : QString();
 }
@@ -188,8 +184,7 @@ private slots:
                              || !other->geometry().intersects(control->geometry()),
                          qUtf8Printable(control->objectName() + " covers " + other->objectName()));
             const QString text = mnemonicText(*control);
-            if (text.isEmpty())
-                continue;
+            if (text.isEmpty()) continue;
             const QString key = QKeySequence::mnemonic(text).toString();
             QVERIFY2(!key.isEmpty(), qUtf8Printable(text + " has no mnemonic"));
             QVERIFY2(!mnemonics.contains(key), qUtf8Printable(text + " clashes with " + mnemonics[key]));
@@ -199,8 +194,7 @@ private slots:
 
     void textStandsOutFromItsGround_data() {
         QTest::addColumn<QString>("window");
-        for (const char* window : {"Settings", "Alert", "About"})
-            QTest::newRow(window) << window;
+        for (const char* window : {"Settings", "Alert", "About"}) QTest::newRow(window) << window;
     }
     void textStandsOutFromItsGround() {
         QFETCH(QString, window);

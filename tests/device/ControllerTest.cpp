@@ -24,8 +24,7 @@ const Bytes kAudio{0x6D, 11, 22, 33, 0x92, 55, 0xE4};
 const Bytes kSettings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x21, 0x01, 0xA7, 0x3B, 0xC9};
 
 Bytes with(Bytes block, const std::vector<std::pair<std::size_t, int>>& changes) {
-    for (const auto& [byte, value] : changes)
-        block[byte] = value;
+    for (const auto& [byte, value] : changes) block[byte] = value;
     return block;
 }
 

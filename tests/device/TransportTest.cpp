@@ -67,8 +67,7 @@ TEST_P(TransportStep, FailsWithItsLine) {
     const FailingStep& failing = GetParam();
     SimulatedBus::instance().failStep(failing.step, failing.result);
     std::vector<std::string> expected;
-    if (failing.line != nullptr)
-        expected.emplace_back(failing.line);
+    if (failing.line != nullptr) expected.emplace_back(failing.line);
     EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), failing.opens);
     EXPECT_EQ(TestHost::take(), expected);
     EXPECT_FALSE(readStatus());

@@ -145,8 +145,7 @@ private slots:
     void theAlertEndsTheProgram() {
         QFETCH(bool, atStart);
         const ChildEnd end = runInChild([atStart] {
-            if (atStart)
-                device().unplug();
+            if (atStart) device().unplug();
             dismissAlertWhenShown();
             SettingsWindow settings;
             device().unplug();
@@ -271,8 +270,7 @@ private slots:
         bundle.replace("Main/settings-window.ui", "name=\"" + name + "\"", "name=\"Another\"");
         const ChildEnd end = runInChild([] { const SettingsWindow settings; });
         QCOMPARE(end.aborted, used);
-        if (used)
-            QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");
+        if (used) QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");
     }
 
     void whatDoesNotFitStops_data() {
@@ -289,11 +287,9 @@ private slots:
             const SettingsWindow settings;
             auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
             slider.setRange(-5, 300);
-            if (volume != 0)
-                slider.setValue(volume);
+            if (volume != 0) slider.setValue(volume);
             settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
-            if (line.startsWith("Popup"))
-                settings.view().ChooseRecordQuality(nullptr);
+            if (line.startsWith("Popup")) settings.view().ChooseRecordQuality(nullptr);
             settings.view().DeviceCtrl.reset();
             settings.view().TurnOnHdcp(nullptr);
         });
