@@ -5,7 +5,6 @@
 #include "host/FatalStop.h"
 
 #include <QAbstractItemView>
-#include <QItemSelectionModel>
 #include <QSignalBlocker>
 #include <QStyleOption>
 #include <QStyledItemDelegate>
@@ -74,14 +73,11 @@ void CustomPopUpButton::selectCurrentRow() {
 }
 
 // The list's own selection is of no interest to the toolkit. While the list is closed only assistive
-// technology can change it: that is how a level is chosen there, the current one again included.
-void CustomPopUpButton::actOnSelection() {
-    if (m_open)
+// technology can change it: that is how a level is chosen there. It deselects first, which is no choice.
+void CustomPopUpButton::actOnSelection(const QItemSelection& selected) {
+    if (m_open || selected.isEmpty())
         return;
-    const QModelIndexList selected = view()->selectionModel()->selectedIndexes();
-    if (!selected.isEmpty())
-        setCurrentIndex(selected.first().row());
-    selectCurrentRow();
+    setCurrentIndex(selected.indexes().constFirst().row());
     emit activated(currentIndex());
 }
 

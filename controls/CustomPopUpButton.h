@@ -4,6 +4,7 @@
 #include "windows/MadeFromDescription.h"
 
 #include <QComboBox>
+#include <QItemSelection>
 #include <QStringList>
 
 /// Item styles of the pop-up.
@@ -56,7 +57,7 @@ protected:
 
 private:
     void selectCurrentRow();
-    void actOnSelection();
+    void actOnSelection(const QItemSelection& selected);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
