@@ -1,6 +1,7 @@
 #include "ApplicationMain.h"
 
 #include "AboutViewController.h"
+#include "Accessibility.h"
 #include "AlertViewController.h"
 #include "AppDelegate.h"
 #include "CustomSliderCell.h"
@@ -46,14 +47,21 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// The end by SIGTERM is a deliberate end like any other. Nothing is saved and the device is not told, so
-/// there is nothing to wait for, also while a request to the device is under way.
+/// The end of the session and the end by SIGTERM are deliberate ends like any other. Nothing is saved and the
+/// device is not told, so there is nothing to wait for, also while a request to the device is under way.
 void endOnTerminate() {
-    (void)std::signal(SIGTERM, [](int) { ::_exit(EXIT_SUCCESS); }); // fails for unknown signals only
+    for (const int signal : {SIGTERM, SIGHUP})
+        (void)std::signal(signal, [](int) { ::_exit(EXIT_SUCCESS); }); // fails for unknown signals only
 }
 
-void logQtMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message) {
-    systemLog("%s", qUtf8Printable(message));
+/// The log is for what the program says of the device; of the toolkit it takes only what ends the program or
+/// stops it from working. Its warnings (a runtime folder, a theme, a bus that is not there) help nobody.
+void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    // The display may go first when a session ends; the toolkit would leave as after a fault.
+    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")))
+        ::_exit(EXIT_SUCCESS);
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        systemLog("%s", qUtf8Printable(message));
 }
 
 void registerApplicationClasses() {
@@ -75,8 +83,10 @@ void registerApplicationClasses() {
 void setUpApplication(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette());
+    QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
     registerApplicationClasses();
+    installAccessibility();
     QApplication::setWindowIcon(QIcon(QStringLiteral("bundle:images/tavro-setup-96.png")));
 }
 

@@ -159,8 +159,10 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
                                                  {CBIT_RATE_MIDDLE, "img_starGood.png"},
                                                  {CBIT_RATE_LOW, "img_starGen.png"}}};
     const auto found = std::ranges::find(kImages, level, &LevelImage::level);
-    const char* name = (found == kImages.end() ? kImages.front() : *found).name;
-    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(name)));
+    const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
+    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
+    // Who can't see the stars hears the level's title.
+    QualityImage->setAccessibleDescription(PopupRecordQuality->itemText(shown.level));
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {

@@ -5,6 +5,7 @@
 #include "host/FatalStop.h"
 
 #include <QAbstractItemView>
+#include <QSignalBlocker>
 #include <QStyleOption>
 #include <QStyledItemDelegate>
 
@@ -61,6 +62,28 @@ void CustomPopUpButton::didDecode() {
     // Not earlier: the list takes its place in the window's style sheet by this button's name.
     view()->setItemDelegate(new TitleDelegate(view()));
     setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
+    connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::selectCurrentRow);
+    connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &CustomPopUpButton::actOnSelection);
+}
+
+void CustomPopUpButton::selectCurrentRow() {
+    const QSignalBlocker blocker(view()->selectionModel());
+    view()->setCurrentIndex(model()->index(currentIndex(), modelColumn(), rootModelIndex()));
+}
+
+// The list's own selection is of no interest to the toolkit. While the list is closed only assistive
+// technology can change it: that is how a level is chosen there. It deselects first, which is no choice.
+void CustomPopUpButton::actOnSelection(const QItemSelection& selected) {
+    if (m_open || selected.isEmpty())
+        return;
+    setCurrentIndex(selected.indexes().constFirst().row());
+    emit activated(currentIndex());
+}
+
+void CustomPopUpButton::removeAllItems() {
+    const QSignalBlocker blocker(view()->selectionModel()); // what goes is not chosen
+    clear();
 }
 
 void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {

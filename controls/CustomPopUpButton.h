@@ -4,6 +4,7 @@
 #include "windows/MadeFromDescription.h"
 
 #include <QComboBox>
+#include <QItemSelection>
 #include <QStringList>
 
 /// Item styles of the pop-up.
@@ -27,7 +28,7 @@ public:
 
     void didDecode() override;
 
-    void removeAllItems() { clear(); }
+    void removeAllItems();
     /// Adds items and gives all items the light style.
     void addItemsWithTitles(const QStringList& titles);
     /// -1: nothing is selected.
@@ -55,6 +56,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void selectCurrentRow();
+    void actOnSelection(const QItemSelection& selected);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;

@@ -31,8 +31,8 @@ void open(QCoreApplication& application) {
     install(application, QLocale(QLocale::English), table, folder);
     install(application, QLocale(), QStringLiteral("qtbase"),
             QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    if (QLocale().language() != QLocale::English)
-        install(application, QLocale(), table, folder);
+    // Whatever the language of numbers is: the locale's languages for texts may be others.
+    install(application, QLocale(), table, folder);
 }
 
 std::optional<QVariantMap> infoDictionary() {

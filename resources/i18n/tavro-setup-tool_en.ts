@@ -35,6 +35,10 @@
         <source>Close</source>
         <translation>Close</translation>
     </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Program icon</translation>
+    </message>
 </context>
 <context>
     <name>AlertWindow</name>
@@ -45,10 +49,6 @@
     <message>
         <source>Capture device not reached</source>
         <translation>Capture device not reached</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached. Check the cable, the USB port and the permission rule. The program closes with this message.</source>
-        <translation>The capture device could not be reached. Check the cable, the USB port and the permission rule. The program closes with this message.</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
@@ -63,18 +63,6 @@
         <translation>Please check these points, then start the program again.</translation>
     </message>
     <message>
-        <source>Plug the USB cable in firmly at both ends.</source>
-        <translation>Plug the USB cable in firmly at both ends.</translation>
-    </message>
-    <message>
-        <source>Try another USB port on the computer, without a hub.</source>
-        <translation>Try another USB port on the computer, without a hub.</translation>
-    </message>
-    <message>
-        <source>If the device is plugged in and still not found, install the permission rule that comes with this program, then plug the device in again.</source>
-        <translation>If the device is plugged in and still not found, install the permission rule that comes with this program, then plug the device in again.</translation>
-    </message>
-    <message>
         <source>&amp;Quit</source>
         <translation>&amp;Quit</translation>
     </message>
@@ -85,6 +73,26 @@
     <message>
         <source>Quit</source>
         <translation>Quit</translation>
+    </message>
+    <message>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
+        <translation>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</translation>
+    </message>
+    <message>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</translation>
+    </message>
+    <message>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</translation>
+    </message>
+    <message>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>Does it answer? Unplug it, wait ten seconds and plug it in again.</translation>
+    </message>
+    <message>
+        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
+        <translation>The system log tells which it was: journalctl -t tavro-setup-tool</translation>
     </message>
 </context>
 <context>
@@ -156,10 +164,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>Current bit rate</translation>
-    </message>
-    <message>
-        <source>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</source>
-        <translation>Three stars: high. Two stars: middle. One star: low. The record quality pop-up shows the same level in words.</translation>
     </message>
     <message>
         <source>Step of the star scale; shows what the stars mean.</source>
@@ -264,6 +268,10 @@
     <message>
         <source>Quit</source>
         <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Program icon</translation>
     </message>
 </context>
 </TS>

@@ -91,8 +91,7 @@ private slots:
         const QImage drawn = rendered(slider);
         QCOMPARE(slider.g_width(), 200.0);
         for (const int tick : {10, 56, 103, 149}) { // 10.526 and on, 46.296 apart
-            for (const int y : {20, 23})
-                QVERIFY2(qRed(drawn.pixel(tick, y)) > 40, qPrintable(QString::number(tick)));
+            for (const int y : {20, 23}) QVERIFY2(qRed(drawn.pixel(tick, y)) > 40, qPrintable(QString::number(tick)));
             QCOMPARE(drawn.pixel(tick, 19), drawn.pixel(30, 19));
             QCOMPARE(drawn.pixel(tick, 24), drawn.pixel(30, 24));
         }
@@ -126,8 +125,7 @@ private slots:
         QVERIFY(qRed(face.pixel(145, 8)) > 60); // on the upper chevron
         bool titleSeen = false;
         for (int y = 2; y < 26; ++y) {
-            for (int x = 132; x < 138; ++x)
-                QCOMPARE(face.pixel(x, y), kBlack); // elided before the divider
+            for (int x = 132; x < 138; ++x) QCOMPARE(face.pixel(x, y), kBlack); // elided before the divider
             titleSeen = titleSeen || qGreen(face.pixel(13, y)) > 100 || qGreen(face.pixel(16, y)) > 100;
         }
         QVERIFY(titleSeen);
@@ -143,8 +141,7 @@ private slots:
         QCOMPARE(popUp.attributedTitle(0).font.pixelSize(), 14);
         QVERIFY(popUp.attributedTitle(1).string.isEmpty());
         popUp.addItemsWithTitles({QStringLiteral("Three")});
-        for (const int index : {0, 2})
-            QCOMPARE(popUp.attributedTitle(index).colorAt(0), kLight);
+        for (const int index : {0, 2}) QCOMPARE(popUp.attributedTitle(index).colorAt(0), kLight);
         popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
         QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));
         popUp.addItemsWithTitles({}); // adds nothing, styles all
@@ -191,8 +188,7 @@ private slots:
 
     void unsupportedInitialisersStop_data() {
         QTest::addColumn<int>("row");
-        for (int row = 0; row < 6; ++row)
-            QTest::addRow("%d", row) << row;
+        for (int row = 0; row < 6; ++row) QTest::addRow("%d", row) << row;
     }
     void unsupportedInitialisersStop() {
         const std::vector<std::pair<std::string, std::function<void()>>> initialisers{

@@ -67,8 +67,7 @@ TEST_P(TransportStep, FailsWithItsLine) {
     const FailingStep& failing = GetParam();
     SimulatedBus::instance().failStep(failing.step, failing.result);
     std::vector<std::string> expected;
-    if (failing.line != nullptr)
-        expected.emplace_back(failing.line);
+    if (failing.line != nullptr) expected.emplace_back(failing.line);
     EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), failing.opens);
     EXPECT_EQ(TestHost::take(), expected);
     EXPECT_FALSE(readStatus());
@@ -219,22 +218,17 @@ TEST_P(StandardControl, TakesSuccessFlagsForValues) {
     EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
 }
 
+using U = UVCCameraControl;
 INSTANTIATE_TEST_SUITE_P(
     All, StandardControl,
-    testing::Values(CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00", &UVCCameraControl::setExposure,
-                                  &UVCCameraControl::getExposure, true},
-                    CameraControl{"Brightness", "00 02 00 02 02 00", "01 00", &UVCCameraControl::setBrightness,
-                                  &UVCCameraControl::getBrightness, false},
-                    CameraControl{"Contrast", "00 03 00 02 02 00", "01 00", &UVCCameraControl::setContrast,
-                                  &UVCCameraControl::getContrast, false},
-                    CameraControl{"Gain", "00 04 00 02 02 00", "01 00", &UVCCameraControl::setGain,
-                                  &UVCCameraControl::getGain, false},
-                    CameraControl{"Saturation", "00 07 00 02 02 00", "01 00", &UVCCameraControl::setSaturation,
-                                  &UVCCameraControl::getSaturation, false},
-                    CameraControl{"Sharpness", "00 08 00 02 02 00", "01 00", &UVCCameraControl::setSharpness,
-                                  &UVCCameraControl::getSharpness, false},
-                    CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00", &UVCCameraControl::setWhiteBalance,
-                                  &UVCCameraControl::getWhiteBalance, false}),
+    testing::Values(
+        CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00", &U::setExposure, &U::getExposure, true},
+        CameraControl{"Brightness", "00 02 00 02 02 00", "01 00", &U::setBrightness, &U::getBrightness, false},
+        CameraControl{"Contrast", "00 03 00 02 02 00", "01 00", &U::setContrast, &U::getContrast, false},
+        CameraControl{"Gain", "00 04 00 02 02 00", "01 00", &U::setGain, &U::getGain, false},
+        CameraControl{"Saturation", "00 07 00 02 02 00", "01 00", &U::setSaturation, &U::getSaturation, false},
+        CameraControl{"Sharpness", "00 08 00 02 02 00", "01 00", &U::setSharpness, &U::getSharpness, false},
+        CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00", &U::setWhiteBalance, &U::getWhiteBalance, false}),
     [](const auto& row) { return row.param.name; });
 
 TEST_F(Transport, AutomaticModes) {

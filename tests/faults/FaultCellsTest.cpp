@@ -18,15 +18,18 @@ struct Ended {
     std::vector<std::string> journal; ///< until then
 };
 
-constexpr int kActions = 7; // start-up and six handlers
+constexpr int kActions = 8; // start-up, six handlers, start-up with the clock wrong
+constexpr int kWrongClockStart = 7;
+constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
 constexpr std::array<const char*, kActions> kActionNames{"start-up", "quality", "microphone", "headphone",
-                                                         "HDMI/AUX", "HDCP on", "HDCP off"};
+                                                         "HDMI/AUX", "HDCP on", "HDCP off",   "start-up, clock wrong"};
 constexpr int kChosenLevel = 0;
 constexpr int kChosenVolume = 201;
 
 bool actOnModel(Model& model, int action) {
     switch (action) {
-    case 0: return model.startUp();
+    case 0:
+    case kWrongClockStart: return model.startUp();
     case 1: return model.chooseQuality(kChosenLevel);
     case 5:
     case 6: return model.switchHdcp(action == 5 ? 1 : 0);
@@ -71,8 +74,7 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
     if (twice)
         SimulatedBus::instance().devices[another ? 1 : 0]->addFault({}, another ? 1U : static_cast<unsigned>(n) + 1,
                                                                     RequestFault::Stall);
-    if (trouble == Trouble::GoneBefore && n == 1)
-        device().unplug();
+    if (trouble == Trouble::GoneBefore && n == 1) device().unplug();
     if (trouble != Trouble::None && trouble != Trouble::GoneBefore && trouble != Trouble::BackAfter)
         device().addFault({}, static_cast<unsigned>(n), requestFault(trouble));
     auto count = std::make_shared<int>(0);
@@ -80,14 +82,12 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
     device().onRequest = [=](const RecordedRequest& request) {
         note(request);
         ++*count;
-        if (trouble == Trouble::GoneBefore && *count == n - 1)
-            device().unplug();
+        if (trouble == Trouble::GoneBefore && *count == n - 1) device().unplug();
         if (trouble == Trouble::BackAfter && *count == n) {
             device().unplug();
             device().plugIn();
         }
-        if (trouble == Trouble::NoCamera && *count == n)
-            device().videoControlInterface.reset();
+        if (trouble == Trouble::NoCamera && *count == n) device().videoControlInterface.reset();
     };
 }
 
@@ -113,8 +113,7 @@ ModelWindow shown(const SettingsWindow& settings) {
     window.hdmiAux = settings.control<QSlider>("SliderHmdiAuxVolume").value();
     const QImage stars = settings.control<QLabel>("QualityImage").pixmap().toImage();
     for (const char* name : {"img_starBest.png", "img_starGood.png", "img_starGen.png"}) {
-        if (mainBundle::imageNamed(QString::fromLatin1(name)).toImage() == stars)
-            window.stars = name;
+        if (mainBundle::imageNamed(QString::fromLatin1(name)).toImage() == stars) window.stars = name;
     }
     window.firmware = settings.control<QLabel>("LabelFwVersion").text().toStdString();
     window.item = settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex();
@@ -141,27 +140,27 @@ private:
     std::optional<int> cell(int action, Trouble trouble, int n, bool twice, QString& difference) {
         setUpDevices(trouble);
         Model model(std::vector<ModelDevice>(trouble == Trouble::Another ? 2 : 1));
+        if (action == kWrongClockStart) {
+            for (const auto& each : SimulatedBus::instance().devices) each->setClock(kWrongClock);
+            for (ModelDevice& each : model.devices) std::ranges::copy(kWrongClock, each.settings.begin() + 2);
+        }
+        const bool starts = action == 0 || action == kWrongClockStart;
         std::optional<SettingsWindow> settings;
-        if (action != 0) {
+        if (!starts) {
             settings.emplace();
             model.startUp();
-            if (TestHost::take() != std::exchange(model.journal, {}))
-                difference = "start-up";
+            if (TestHost::take() != std::exchange(model.journal, {})) difference = "start-up";
         }
-        if (action != 0)
-            model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
+        if (!starts) model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
         model.expectTrouble(trouble, n, twice);
         prepareTrouble(trouble, n, twice);
         const bool survives = actOnModel(model, action);
-        if (action != 0)
-            model.journal.erase(model.journal.begin());
+        if (!starts) model.journal.erase(model.journal.begin());
         std::optional<int> status;
         std::vector<std::string> journal;
         try {
-            if (action == 0)
-                settings.emplace();
-            else
-                actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
+            if (starts) settings.emplace();
+            else actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
             journal = TestHost::take();
         } catch (const Ended& end) {
             status = end.status;
@@ -172,10 +171,8 @@ private:
             difference = QString("journal: \"%1\" instead of \"%2\"")
                              .arg(first.first == journal.end() ? "nothing" : first.first->c_str(),
                                   first.second == model.journal.end() ? "nothing" : first.second->c_str());
-        if (survives ? status.has_value() : status != 0)
-            difference = "end";
-        if (survives && !status && shown(*settings) != model.window)
-            difference = "window";
+        if (survives ? status.has_value() : status != 0) difference = "end";
+        if (survives && !status && shown(*settings) != model.window) difference = "window";
         for (std::size_t i = 0; i < model.devices.size(); ++i) {
             const SimulatedDevice& real = *SimulatedBus::instance().devices[i];
             const ModelDevice& meant = model.devices[i];
@@ -196,11 +193,9 @@ private:
                                      .arg(kActionNames[static_cast<std::size_t>(action)],
                                           kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
                                           twice ? " and a stall after it" : "");
-            if (!made)
-                qFatal("%s", qPrintable(name + difference));
+            if (!made) qFatal("%s", qPrintable(name + difference));
             // As long as there is a request for the fault to meet.
-            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0))
-                return n - 1;
+            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0)) return n - 1;
         }
     }
 
@@ -245,7 +240,7 @@ private slots:
                 device().addFault({}, 1U + static_cast<unsigned>(below(5)),
                                   std::array{RequestFault::Stall, RequestFault::TimeOut,
                                              RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
-            const int action = 1 + below(kActions - 1);
+            const int action = 1 + below(6);
             const int level = below(3);
             const int volume = below(256);
             try {
@@ -257,25 +252,18 @@ private slots:
                 settings.reset();
                 settings.emplace();
             }
-            if (!device().plugged())
-                device().plugIn();
+            if (!device().plugged()) device().plugIn();
             // What was named may have changed to what was chosen, and nothing else has.
             const auto mayBe = [&](std::size_t field, int chosen) {
                 const Block now =
                     held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]);
-                if (now[field] == chosen)
-                    meant[field] = chosen;
+                if (now[field] == chosen) meant[field] = chosen;
             };
-            if (action == 1)
-                mayBe(7, level * 16 + meant[7] % 16);
-            if (action == 2)
-                mayBe(3, volume);
-            if (action == 3)
-                mayBe(5, volume);
-            if (action == 4)
-                mayBe(1, volume), mayBe(2, volume);
-            if (action >= 5)
-                mayBe(8, action == 5 ? 1 : 0);
+            if (action == 1) mayBe(7, level * 16 + meant[7] % 16);
+            if (action == 2) mayBe(3, volume);
+            if (action == 3) mayBe(5, volume);
+            if (action == 4) mayBe(1, volume), mayBe(2, volume);
+            if (action >= 5) mayBe(8, action == 5 ? 1 : 0);
             QCOMPARE(held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]),
                      meant);
         }

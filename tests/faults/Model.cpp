@@ -2,7 +2,9 @@
 
 #include "TestHost.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -34,24 +36,20 @@ void Model::expectTrouble(Trouble kind, int n, bool twice) {
     m_trouble = kind;
     m_troubleAt = n;
     requests = 0;
-    if (kind == Trouble::GoneBefore && n == 1)
-        devices[0].plugged = false;
+    if (kind == Trouble::GoneBefore && n == 1) devices[0].plugged = false;
 }
 
 void Model::sleepOneSecond() {
     journal.push_back("sleep 1.0");
-    for (ModelDevice& device : devices)
-        ++device.clockAge;
+    for (ModelDevice& device : devices) ++device.clockAge;
 }
 
 bool Model::create() {
-    if (m_open && m_hasInterface)
-        journal.emplace_back("release");
+    if (m_open && m_hasInterface) journal.emplace_back("release");
     log("call camera CreateInstance");
     m_open = nullptr;
     for (ModelDevice& device : devices) {
-        if (device.plugged && !m_open)
-            m_open = &device;
+        if (device.plugged && !m_open) m_open = &device;
     }
     if (!m_open) {
         log("CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc.");
@@ -63,10 +61,8 @@ bool Model::create() {
 }
 
 Block Model::content(int selector) const {
-    if (selector == 12)
-        return kVersions;
-    if (selector == 13)
-        return m_open->audio;
+    if (selector == 12) return kVersions;
+    if (selector == 13) return m_open->audio;
     Block settings = m_open->settings;
     settings[7] += m_open->clockAge;
     return settings;
@@ -75,15 +71,11 @@ Block Model::content(int selector) const {
 /// The device acts on the field that the command names, or on all four volumes, and on nothing else.
 void Model::accept(int selector, const Block& block) {
     const auto take = [&block](Block& into, std::initializer_list<std::size_t> bytes) {
-        for (const std::size_t byte : bytes)
-            into[byte] = block[byte];
+        for (const std::size_t byte : bytes) into[byte] = block[byte];
     };
-    if (selector == 13)
-        take(m_open->audio, {1, 2, 3, 5});
-    if (selector == 11 && block[0] == 4)
-        take(m_open->settings, {8});
-    if (selector == 11 && block[0] == 16)
-        take(m_open->settings, {9});
+    if (selector == 13) take(m_open->audio, {1, 2, 3, 5});
+    if (selector == 11 && block[0] == 4) take(m_open->settings, {8});
+    if (selector == 11 && block[0] == 16) take(m_open->settings, {9});
     if (selector == 11 && block[0] == 2) {
         take(m_open->settings, {2, 3, 4, 5, 6, 7});
         m_open->clockAge = 0;
@@ -103,16 +95,11 @@ bool Model::carry(bool isGet, int selector, Block& block, Trouble met) {
         m_open->camera = m_open->camera && met != Trouble::NoCamera;
         return refused(-9);
     }
-    if (met == Trouble::TimeOut)
-        return refused(-7);
-    if (!isGet)
-        accept(selector, block);
-    if (met == Trouble::ShortData)
-        return refused(-1);
-    if (isGet)
-        block = content(selector);
-    for (int& byte : block)
-        byte ^= isGet && met == Trouble::Garbage ? 0xA5 : 0;
+    if (met == Trouble::TimeOut) return refused(-7);
+    if (!isGet) accept(selector, block);
+    if (met == Trouble::ShortData) return refused(-1);
+    if (isGet) block = content(selector);
+    for (int& byte : block) byte ^= isGet && met == Trouble::Garbage ? 0xA5 : 0;
     journal.push_back(isGet ? get(selector, block) : set(selector, block));
     return true;
 }
@@ -129,16 +116,14 @@ bool Model::request(bool isGet, int selector, Block& block) {
                      requests == m_troubleAt                  ? m_trouble
                      : requests == m_troubleAt + 1 && m_twice ? Trouble::Stall
                                                               : Trouble::None);
-        if (m_trouble == Trouble::GoneBefore && requests == m_troubleAt - 1)
-            m_open->plugged = false;
+        if (m_trouble == Trouble::GoneBefore && requests == m_troubleAt - 1) m_open->plugged = false;
         if (m_trouble == Trouble::BackAfter && requests == m_troubleAt) {
             ++m_open->plugs;
             std::copy(kPowerOn.begin(), kPowerOn.end(), m_open->settings.begin() + 2);
             m_open->clockAge = 0;
         }
     }
-    if (!done)
-        log("CameraControl Error: Control request failed: 00000000");
+    if (!done) log("CameraControl Error: Control request failed: 00000000");
     return done;
 }
 
@@ -147,21 +132,19 @@ bool Model::syncClock() {
     Block block = zeros(11);
     const bool read = request(true, 11, block);
     log(clockText("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block));
-    if (!read)
-        return log(fails), false;
-    if (std::equal(kNow.begin(), kNow.end(), block.begin() + 2))
-        return log("TimeInterval = 0.000000\n"), true;
-    std::copy(kNow.begin(), kNow.end(), block.begin() + 2);
-    for (const std::string& entry : journal)
-        block[7] += entry == "sleep 1.0" ? 1 : 0;
+    if (!read) return log(fails), false;
+    std::array now = kNow;
+    now[5] += static_cast<int>(std::ranges::count(journal, "sleep 1.0"));
+    const int apart = block[7] - now[5];
+    if (std::equal(now.begin(), now.end() - 1, block.begin() + 2) && std::abs(apart) <= 2)
+        return log(text("TimeInterval = %f\n", double{1} * apart)), true;
+    std::ranges::copy(now, block.begin() + 2);
     block[0] = 2;
-    if (!request(false, 11, block))
-        return log(fails), false;
+    if (!request(false, 11, block)) return log(fails), false;
     sleepOneSecond();
     const bool readBack = request(true, 11, block);
     log(clockText("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block));
-    if (!readBack)
-        log(fails);
+    if (!readBack) log(fails);
     return readBack;
 }
 
@@ -171,22 +154,19 @@ bool Model::getBitRate(int& h264, int& mjpeg) {
     h264 = block[8] / 16;
     mjpeg = block[8] % 16;
     log(text("[Get old]video bit rate index : [H264]=%d, [MJPG]=%d \n", h264, mjpeg));
-    if (!read)
-        log("getExtension_getBitRate..getData Fail! \n");
+    if (!read) log("getExtension_getBitRate..getData Fail! \n");
     return read;
 }
 
 bool Model::setBitRate(int h264, int mjpeg) {
     const std::string fails = "getExtension_setBitRate..setData Fail! \n";
     Block block = zeros(11);
-    if (!request(true, 11, block))
-        return log(fails), false;
+    if (!request(true, 11, block)) return log(fails), false;
     log(text("[Get old]video bit rate index : [H264]=%d, [MJPG]=%d \n", block[8] / 16, block[8] % 16));
     log(text("new video bit rate index : %d \n", h264 * 16 + mjpeg));
     block[0] = 4;
     block[8] = h264 * 16 + mjpeg;
-    if (!request(false, 11, block))
-        return log(fails), false;
+    if (!request(false, 11, block)) return log(fails), false;
     return true;
 }
 
@@ -195,8 +175,7 @@ bool Model::getVolume(const Volume& volume, int& value) {
     const bool read = request(true, 13, block);
     value = block[volume.byte];
     log(text("[Get old]%s = %d,\n", volume.old, value));
-    if (!read)
-        log(text("getExtension_%s..getData Fail! \n", volume.getter));
+    if (!read) log(text("getExtension_%s..getData Fail! \n", volume.getter));
     return read;
 }
 
@@ -204,11 +183,9 @@ bool Model::setVolume(const Volume& volume, int value) {
     Block block = zeros(13);
     const bool read = request(true, 13, block);
     log(text("[Get old]%s = %d,\n", volume.old, block[volume.byte]));
-    if (!read)
-        return log(text("getExtension_%s..getData Fail! \n", volume.setter)), false;
+    if (!read) return log(text("getExtension_%s..getData Fail! \n", volume.setter)), false;
     block[volume.byte] = value;
-    if (!request(false, 13, block))
-        return log(text("getExtension_%s..setData Fail! \n", volume.setter)), false;
+    if (!request(false, 13, block)) return log(text("getExtension_%s..setData Fail! \n", volume.setter)), false;
     return true;
 }
 
@@ -224,14 +201,12 @@ bool Model::getHdcp(int& state) {
 
 bool Model::setHdcp(int state) {
     Block block = zeros(11);
-    if (!request(true, 11, block))
-        return log("getExtension_setHdcpState..getData Fail! \n"), false;
+    if (!request(true, 11, block)) return log("getExtension_setHdcpState..getData Fail! \n"), false;
     log(text("[Get old]HDCP state : %d,\n", block[9]));
     log(text("new HDCP state value : %d \n", state));
     block[0] = 16;
     block[9] = state;
-    if (!request(false, 11, block))
-        return log("getExtension_setHdcpState..setData Fail! \n"), false;
+    if (!request(false, 11, block)) return log("getExtension_setHdcpState..setData Fail! \n"), false;
     return true;
 }
 
@@ -241,8 +216,7 @@ Block Model::firmware() {
     const bool read = request(true, 12, b);
     log(text("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, HDMI splitter fw ver= %d.%d.%d.%d\n",
              b[22], b[23], b[24], b[25], b[14], b[15], b[16], b[17], b[18], b[19], b[20], b[21]));
-    if (!read)
-        log("getExtension_GetFwVersion..getData Fail! \n");
+    if (!read) log("getExtension_GetFwVersion..getData Fail! \n");
     return b;
 }
 
@@ -253,8 +227,7 @@ void Model::showLevel(int h264) {
 }
 
 bool Model::startUp() {
-    if (!create() || !retried([this] { return syncClock(); }))
-        return false;
+    if (!create() || !retried([this] { return syncClock(); })) return false;
     int h264 = 0, mjpeg = 0, hdcp = 0;
     getBitRate(h264, mjpeg);
     showLevel(h264);
@@ -273,8 +246,7 @@ bool Model::startUp() {
 bool Model::chooseQuality(int level) {
     int h264 = 0, mjpeg = 0;
     window.item = level;
-    if (!retried([&] { return getBitRate(h264, mjpeg); }))
-        return false;
+    if (!retried([&] { return getBitRate(h264, mjpeg); })) return false;
     setBitRate(level, mjpeg);
     getBitRate(h264, mjpeg);
     showLevel(h264);
@@ -283,17 +255,14 @@ bool Model::chooseQuality(int level) {
 
 bool Model::changeVolume(int slider, int volume) {
     const Volume& changed = kVolumes[static_cast<std::size_t>(slider)];
-    if (!retried([&] { return setVolume(changed, volume); }))
-        return false;
-    if (slider == 2)
-        setVolume(kVolumes[3], volume);
+    if (!retried([&] { return setVolume(changed, volume); })) return false;
+    if (slider == 2) setVolume(kVolumes[3], volume);
     getVolume(changed, slider == 0 ? window.microphone : slider == 1 ? window.headphone : window.hdmiAux);
     return true;
 }
 
 bool Model::switchHdcp(int state) {
-    if (!retried([&] { return setHdcp(state); }))
-        return false;
+    if (!retried([&] { return setHdcp(state); })) return false;
     int reported = 0;
     getHdcp(reported);
     window.hdcpOn = reported == 1;

@@ -48,11 +48,9 @@ std::string readAll(int file) {
 } // namespace
 
 ChildEnd runInChild(const std::function<void()>& part) {
-    if (const char* journal = std::getenv(kJournalVariable))
-        runPart(part, std::atoi(journal));
+    if (const char* journal = std::getenv(kJournalVariable)) runPart(part, std::atoi(journal));
     std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0)
-        return {};
+    if (::pipe(ends.data()) != 0) return {};
     const QTemporaryDir folder;
     const pid_t child = ::fork();
     if (child == 0) {
@@ -67,7 +65,6 @@ ChildEnd runInChild(const std::function<void()>& part) {
     ChildEnd end;
     end.aborted = WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT;
     end.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    for (std::string entry; std::getline(entries, entry, '\0');)
-        end.journal.push_back(entry);
+    for (std::string entry; std::getline(entries, entry, '\0');) end.journal.push_back(entry);
     return end;
 }

@@ -30,15 +30,13 @@ std::string hex(const Bytes& bytes) {
         (void)std::snprintf(digits.data(), digits.size(), "%02x ", byte & 0xFF);
         text += digits.data();
     }
-    if (!text.empty())
-        text.pop_back();
+    if (!text.empty()) text.pop_back();
     return text;
 }
 
 void noteRequest(const RecordedRequest& request) {
     std::string entry = hex(request.setup) + " | " + hex(request.data);
-    if (request.result != UsbCode::Success)
-        entry += " ! " + std::to_string(request.result);
+    if (request.result != UsbCode::Success) entry += " ! " + std::to_string(request.result);
     note(entry);
 }
 

@@ -38,8 +38,7 @@ struct SettingsWindow {
 /// The visible window of that name, if there is one.
 inline QWidget* visibleWindow(const QString& name) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == name && window->isVisible())
-            return window;
+        if (window->objectName() == name && window->isVisible()) return window;
     }
     return nullptr;
 }
@@ -47,10 +46,8 @@ inline QWidget* visibleWindow(const QString& name) {
 /// Once a window of that name is up, does something with it.
 inline void whenShown(const QString& name, std::function<void(QWidget&)> act) {
     QTimer::singleShot(1, qApp, [name, act = std::move(act)] {
-        if (QWidget* window = visibleWindow(name))
-            act(*window);
-        else
-            whenShown(name, act);
+        if (QWidget* window = visibleWindow(name)) act(*window);
+        else whenShown(name, act);
     });
 }
 

@@ -84,35 +84,6 @@ private slots:
     void initTestCase() { setUpApplication(*qApp); }
     void init() { TestHost::reset(); }
 
-    void startUpInOrder() {
-        const std::vector<int> settings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x11, 0, 0xA7, 0x3B, 0xC9};
-        std::vector<int> later = settings;
-        later[7] = 21; // the firmware read sleeps
-        const std::vector<int> audio{0x6D, 255, 200, 176, 0x92, 128, 0xE4};
-        const SettingsWindow opened;
-        const Journal expected{
-            kCreated,
-            get(11, settings),
-            "log [Get old time]Time : 23-11-14 22:13:20 \n",
-            "log TimeInterval = 0.000000\n",
-            get(11, settings),
-            "log [Get old]video bit rate index : [H264]=1, [MJPG]=1 \n",
-            get(13, audio),
-            "log [Get old]Mic gain = 176,\n",
-            get(13, audio),
-            "log [Get old]Headphone vol = 128,\n",
-            get(13, audio),
-            "log [Get old]HDMI vol = 255,\n",
-            "sleep 1.0",
-            get(12, {0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D,
-                     0x1E, 5,    6,    7,    8,    9,    10,   11,   12,   1,    2,    3,    4}),
-            "log [Get version]FW ver = 1.2.3.4, Icatch fw ver= 5.6.7.8, HDMI splitter fw ver= 9.10.11.12\n",
-            get(11, later),
-            "log [Get old]HDCP state : 0,\n",
-            "log getExtension_HDCP state is Off.\n"};
-        QCOMPARE(TestHost::take(), expected);
-    }
-
     void startUpShowsTheDevice_data() {
         QTest::addColumn<int>("levels");
         QTest::addColumn<int>("hdcp");
@@ -174,8 +145,7 @@ private slots:
     void theAlertEndsTheProgram() {
         QFETCH(bool, atStart);
         const ChildEnd end = runInChild([atStart] {
-            if (atStart)
-                device().unplug();
+            if (atStart) device().unplug();
             dismissAlertWhenShown();
             SettingsWindow settings;
             device().unplug();
@@ -300,8 +270,7 @@ private slots:
         bundle.replace("Main/settings-window.ui", "name=\"" + name + "\"", "name=\"Another\"");
         const ChildEnd end = runInChild([] { const SettingsWindow settings; });
         QCOMPARE(end.aborted, used);
-        if (used)
-            QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");
+        if (used) QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");
     }
 
     void whatDoesNotFitStops_data() {
@@ -318,11 +287,9 @@ private slots:
             const SettingsWindow settings;
             auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
             slider.setRange(-5, 300);
-            if (volume != 0)
-                slider.setValue(volume);
+            if (volume != 0) slider.setValue(volume);
             settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
-            if (line.startsWith("Popup"))
-                settings.view().ChooseRecordQuality(nullptr);
+            if (line.startsWith("Popup")) settings.view().ChooseRecordQuality(nullptr);
             settings.view().DeviceCtrl.reset();
             settings.view().TurnOnHdcp(nullptr);
         });

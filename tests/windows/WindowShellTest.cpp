@@ -61,10 +61,8 @@ private slots:
                 QCOMPARE(QApplication::activeModalWidget(), &small);
                 waysToDismiss()[static_cast<std::size_t>(way)].second(small);
             });
-            if (window == "AboutWindow")
-                QTest::keyClick(&settings.window(), Qt::Key_F1);
-            else
-                settings.view().showAlertWindow(nullptr);
+            if (window == "AboutWindow") QTest::keyClick(&settings.window(), Qt::Key_F1);
+            else settings.view().showAlertWindow(nullptr);
             QVERIFY(shown);
             QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
         }
@@ -115,10 +113,8 @@ private slots:
         const ChildEnd end = runInChild([&button] {
             SettingsWindow settings;
             TestHost::take();
-            if (button.isEmpty())
-                QTest::keyClick(&settings.window(), Qt::Key_Q, Qt::ControlModifier);
-            else
-                QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
+            if (button.isEmpty()) QTest::keyClick(&settings.window(), Qt::Key_Q, Qt::ControlModifier);
+            else QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
         });
         QCOMPARE(end.status, 0);
         QVERIFY(end.journal.back().starts_with("log getExtension_HDCP")); // start-up's last: no request to the device

@@ -1,0 +1,28 @@
+#include "Accessibility.h"
+
+#include "ImageViews.h"
+#include "PopUpAccessible.h"
+
+namespace {
+
+QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
+    if (auto* popUp = qobject_cast<CustomPopUpButton*>(object))
+        return new PopUpAccessible(*popUp);
+    if (auto* background = qobject_cast<BackgroundImageView*>(object))
+        return new QAccessibleWidget(background,
+                                     QAccessible::Pane); // it shows nothing to tell, but holds all
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (!widget)
+        return nullptr;
+    if (widget->metaObject() == &QFrame::staticMetaObject) // a card
+        return new QAccessibleWidget(widget, QAccessible::Grouping);
+    if (widget->metaObject() == &QWidget::staticMetaObject && widget->windowType() == Qt::Window)
+        return new QAccessibleWidget(widget, QAccessible::Window);
+    return nullptr;
+}
+
+} // namespace
+
+void installAccessibility() {
+    QAccessible::installFactory(makeInterface);
+}

@@ -1,0 +1,277 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>AboutWindow</name>
+    <message>
+        <source>About Tavro Setup Tool</source>
+        <translation>Info zu Tavro Setup Tool</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
+        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>Tavro Setup Tool</source>
+        <translation>Tavro Setup Tool</translation>
+    </message>
+    <message>
+        <source>Version 1.0.0</source>
+        <translation>Version 1.0.0</translation>
+    </message>
+    <message>
+        <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
+        <translation>Lautstärke, Aufnahmequalität und HDCP eines USB-Videoaufnahmegeräts einstellen.</translation>
+    </message>
+    <message>
+        <source>MIT licence</source>
+        <translation>MIT-Lizenz</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Programmsymbol</translation>
+    </message>
+</context>
+<context>
+    <name>AlertWindow</name>
+    <message>
+        <source>Tavro Setup Tool</source>
+        <translation>Tavro Setup Tool</translation>
+    </message>
+    <message>
+        <source>Capture device not reached</source>
+        <translation>Aufnahmegerät nicht erreicht</translation>
+    </message>
+    <message>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
+        <translation>Das Aufnahmegerät war nicht erreichbar. Prüfen Sie das Kabel, Ihre Rechte am Gerät und ob es nach erneutem Einstecken antwortet. Mit dieser Meldung endet das Programm.</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
+        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Das Aufnahmegerät war nicht erreichbar&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>The capture device could not be reached</source>
+        <translation>Das Aufnahmegerät war nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>Please check these points, then start the program again.</source>
+        <translation>Bitte prüfen Sie diese Punkte und starten Sie das Programm dann neu.</translation>
+    </message>
+    <message>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
+        <translation>Ist es angeschlossen? USB-Kabel an beiden Enden fest einstecken oder einen anderen USB-Anschluss ohne Hub nehmen.</translation>
+    </message>
+    <message>
+        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>Dürfen Sie es benutzen? Melden Sie sich an diesem Computer selbst an. Kam das Programm nicht als Paket, die udev-Regel 70-tavro-setup-tool.rules installieren und das Gerät neu einstecken.</translation>
+    </message>
+    <message>
+        <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
+        <translation>Antwortet es? Gerät abziehen, zehn Sekunden warten und wieder einstecken.</translation>
+    </message>
+    <message>
+        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
+        <translation>Was es war, steht im Systemprotokoll: journalctl -t tavro-setup-tool</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Closes this message and ends the program.</source>
+        <translation>Schließt diese Meldung und beendet das Programm.</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+</context>
+<context>
+    <name>Localizable</name>
+    <message>
+        <source>VERSION</source>
+        <comment>Version</comment>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>FW_VERSION</source>
+        <comment>FW_VERSION</comment>
+        <translation>Firmware</translation>
+    </message>
+    <message>
+        <source>HIGH</source>
+        <comment>High</comment>
+        <translation>Hoch</translation>
+    </message>
+    <message>
+        <source>MIDDLE</source>
+        <comment>Middle</comment>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>LOW</source>
+        <comment>Low</comment>
+        <translation>Niedrig</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsWindow</name>
+    <message>
+        <source>Tavro Setup Tool</source>
+        <translation>Tavro Setup Tool</translation>
+    </message>
+    <message>
+        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
+        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
+    </message>
+    <message>
+        <source>USB video capture device</source>
+        <translation>USB-Videoaufnahmegerät</translation>
+    </message>
+    <message>
+        <source>&amp;Record quality</source>
+        <translation>&amp;Aufnahmequalität</translation>
+    </message>
+    <message>
+        <source>Record quality</source>
+        <translation>Aufnahmequalität</translation>
+    </message>
+    <message>
+        <source>Bit rate of the H.264 recording made by the device.</source>
+        <translation>Bitrate der H.264-Aufnahme des Geräts.</translation>
+    </message>
+    <message>
+        <source>High</source>
+        <translation>Hoch</translation>
+    </message>
+    <message>
+        <source>Middle</source>
+        <translation>Mittel</translation>
+    </message>
+    <message>
+        <source>Low</source>
+        <translation>Niedrig</translation>
+    </message>
+    <message>
+        <source>Current bit rate</source>
+        <translation>Aktuelle Bitrate</translation>
+    </message>
+    <message>
+        <source>Step of the star scale; shows what the stars mean.</source>
+        <translation>Stufe der Sterneskala; zeigt, was die Sterne bedeuten.</translation>
+    </message>
+    <message>
+        <source>For H.264 recording</source>
+        <translation>Für H.264-Aufnahmen</translation>
+    </message>
+    <message>
+        <source>Volume</source>
+        <translation>Lautstärke</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>Min.</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>Max.</translation>
+    </message>
+    <message>
+        <source>&amp;Microphone</source>
+        <translation>&amp;Mikrofon</translation>
+    </message>
+    <message>
+        <source>Microphone volume</source>
+        <translation>Mikrofonlautstärke</translation>
+    </message>
+    <message>
+        <source>0 is the quietest, 255 the loudest setting of the device.</source>
+        <translation>0 ist die leiseste, 255 die lauteste Einstellung des Geräts.</translation>
+    </message>
+    <message>
+        <source>&amp;Headphones</source>
+        <translation>&amp;Kopfhörer</translation>
+    </message>
+    <message>
+        <source>Headphone volume</source>
+        <translation>Kopfhörerlautstärke</translation>
+    </message>
+    <message>
+        <source>HDMI and AU&amp;X</source>
+        <translation>HDMI und AU&amp;X</translation>
+    </message>
+    <message>
+        <source>HDMI and AUX volume</source>
+        <translation>HDMI- und AUX-Lautstärke</translation>
+    </message>
+    <message>
+        <source>Sets the HDMI and the AUX volume together.</source>
+        <translation>Stellt HDMI- und AUX-Lautstärke zusammen ein.</translation>
+    </message>
+    <message>
+        <source>HDCP</source>
+        <translation>HDCP</translation>
+    </message>
+    <message>
+        <source>O&amp;n</source>
+        <translation>&amp;Ein</translation>
+    </message>
+    <message>
+        <source>HDCP on</source>
+        <translation>HDCP ein</translation>
+    </message>
+    <message>
+        <source>O&amp;ff</source>
+        <translation>A&amp;us</translation>
+    </message>
+    <message>
+        <source>HDCP off</source>
+        <translation>HDCP aus</translation>
+    </message>
+    <message>
+        <source>Content protection of the HDMI signal</source>
+        <translation>Inhaltsschutz des HDMI-Signals</translation>
+    </message>
+    <message>
+        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
+        <translation>Firmware v1.2.3.4 (05060708.09101112)</translation>
+    </message>
+    <message>
+        <source>&amp;About</source>
+        <translation>&amp;Info</translation>
+    </message>
+    <message>
+        <source>About this program (F1)</source>
+        <translation>Info zu diesem Programm (F1)</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>Quit (Ctrl+Q)</source>
+        <translation>Beenden (Strg+Q)</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Program icon</source>
+        <translation>Programmsymbol</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""window_system_test.py FOLDER [RUNS]: the programs built in FOLDER on X11 and on Wayland. The window is dragged by its
+picture, the About window is modal, and every way to end the program is gone RUNS times."""
+
+import signal
+import sys
+import time
+
+from desktop import DESKTOPS, Program, wait_for
+
+DEMO = sys.argv[1] + "/tavro-setup-tool-demo"
+TOOL = sys.argv[1] + "/tavro-setup-tool"  # finds no device here, and shows the alert
+RUNS = int(sys.argv[2]) if len(sys.argv) > 2 else 2
+AT_ONCE = 10
+ABOUT = "About Tavro Setup Tool"
+
+
+def is_dragged_by_its_picture(desktop):
+    program = Program(desktop, DEMO)
+    window = program.window()
+    time.sleep(0.5)  # until the window manager has placed it for good
+    left, top, width, height = desktop.place(window)
+    desktop.point(left + 300, top + 30)
+    desktop.press()
+    time.sleep(0.5)  # until the window manager has taken the move over
+    for step in range(1, 11):
+        desktop.point(left + 300 + 10 * step, top + 30 + 5 * step)
+        time.sleep(0.05)
+    desktop.press(False)
+    wait_for("move", lambda: desktop.place(window) == (left + 100, top + 50, width, height), 5)
+    return program, window
+
+
+def about_is_modal(desktop, program, window):
+    desktop.focus(window)
+    before = program.requests()
+    desktop.key("F1")
+    about = program.window(ABOUT)
+    desktop.focus(window)  # as far as the window manager lets it
+    desktop.key("ctrl", "q")
+    desktop.key("alt", "n")
+    left, top, _, height = desktop.place(window)
+    desktop.point(left + 250, top + height - 107)  # the HDCP button
+    desktop.press()
+    desktop.press(False)
+    time.sleep(0.5)
+    assert program.process.poll() is None and program.windows(ABOUT), "the window behind is not inert"
+    assert program.requests() == before, "the window behind acts"
+    desktop.close(about)
+    wait_for("end of the modal run", lambda: not program.windows(ABOUT), 5)
+    desktop.focus(window)
+    desktop.key("alt", "n")
+    wait_for("action afterwards", lambda: len(program.requests()) > len(before), 5)
+    desktop.key("ctrl", "q")
+    faults = program.faults_after_end()
+    assert not faults, faults
+
+
+def press_in(key):
+    def way(desktop, program):
+        desktop.focus(program.window())
+        desktop.key(*key)
+    return way
+
+
+def send(number):
+    return lambda desktop, program: program.process.send_signal(number)
+
+
+WAYS = {
+    "Ctrl+Q": (DEMO, press_in(["ctrl", "q"])),
+    "window button": (DEMO, lambda desktop, program: desktop.close(program.window())),
+    "alert": (TOOL, press_in(["Return"])),
+    "SIGTERM": (DEMO, send(signal.SIGTERM)),
+    "hang-up of the session": (DEMO, send(signal.SIGHUP)),
+    "end of the display": (DEMO, lambda desktop, program: desktop.end()),
+}
+
+
+def end_by_every_way(kind, count):
+    """Gives the faults found."""
+    faults = []
+    with DESKTOPS[kind]() as desktop:
+        started = [(way, Program(desktop, path)) for way, (path, _) in WAYS.items() for _ in range(count)]
+        for _, program in started:
+            program.window()
+        for way, program in started:
+            WAYS[way][1](desktop, program)
+            if way != "end of the display":  # that ends them all
+                faults += [f"{kind}, {way}: {fault}" for fault in program.faults_after_end()]
+        for way, program in started[-count:]:
+            faults += [f"{kind}, {way}: {fault}" for fault in program.faults_after_end()]
+    return faults
+
+
+def main():
+    failed = 0
+    for kind, make in DESKTOPS.items():
+        with make() as desktop:
+            about_is_modal(desktop, *is_dragged_by_its_picture(desktop))
+            print(f"{kind}: starts, is dragged by its picture, runs modally", flush=True)
+        faults = []
+        for done in range(0, RUNS, AT_ONCE):
+            faults += end_by_every_way(kind, min(AT_ONCE, RUNS - done))
+        print(f"{kind}: {RUNS} ends each by {', '.join(WAYS)}: {len(faults)} faults", *faults, sep="\n  ", flush=True)
+        failed += len(faults)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
