@@ -8,7 +8,7 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-tools-dev qt6-
   qt6-l10n-tools libqt6opengl6-dev libusb-1.0-0-dev libudev-dev)
 # A display without a screen, a user's hands, and a look at the result.
 display_packages=(xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev shellcheck strace tzdata)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata)
 
 install_packages() {
   "$project/scripts/install-packages" "$@"
