@@ -168,8 +168,10 @@ UsbResult SimulatedDevice::get(UsbControlRequest& request, std::optional<Request
 UsbResult SimulatedDevice::set(UsbControlRequest& request, std::optional<RequestFault> fault) {
     if (!accept(request))
         return UsbCode::Stall;
-    if (fault == RequestFault::ShortData)
+    if (fault == RequestFault::ShortData) {
+        request.wLenDone = request.wLength / 2U;
         return UsbCode::InputOutput;
+    }
     request.wLenDone = request.wLength;
     return UsbCode::Success;
 }

@@ -1,20 +1,17 @@
 #include "host/Log.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <string>
 
 void systemLog(const char* format, ...) {
+    // On the stack: logging is part of every request to the device. What is longer is cut.
+    std::array<char, 1024> message{};
     std::va_list arguments;
     va_start(arguments, format);
-    std::va_list measured;
-    va_copy(measured, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, measured);
-    va_end(measured);
-    if (length >= 0) {
-        std::string message(static_cast<std::size_t>(length), '\0');
-        (void)std::vsnprintf(message.data(), message.size() + 1, format, arguments); // measured above
-        deliverLogMessage(message);
-    }
+    const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
     va_end(arguments);
+    if (length >= 0)
+        deliverLogMessage({message.data(), std::min(static_cast<std::size_t>(length), message.size() - 1)});
 }

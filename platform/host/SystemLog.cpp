@@ -1,16 +1,17 @@
 #include "host/Log.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdio>
-#include <string>
 
 #include <syslog.h>
 
 void deliverLogMessage(std::string_view message) {
     while (message.ends_with('\n'))
         message.remove_suffix(1);
-    std::string line(message);
-    std::ranges::replace(line, '\n', ' '); // one message stays one line in the journal
-    ::syslog(LOG_NOTICE, "%s", line.c_str());
-    (void)std::fprintf(stderr, "%s\n", line.c_str()); // nothing is left to tell it to when this fails
+    std::array<char, 1024> line{};
+    message = message.substr(0, line.size() - 1);
+    for (std::size_t i = 0; i < message.size(); ++i)
+        line[i] = message[i] == '\n' ? ' ' : message[i]; // one message stays one line in the journal
+    ::syslog(LOG_NOTICE, "%s", line.data());
+    (void)std::fprintf(stderr, "%s\n", line.data()); // nothing is left to tell it to when this fails
 }

@@ -1,0 +1,335 @@
+// The real code for Linux, the real libusb and the real libudev, on a kernel that is not there.
+
+#include "CaptureDescriptors.h"
+#include "FakeKernel.h"
+#include "UvcBaseClass.h"
+#include "WireText.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+const FakePlug kDirect{};
+const FakePlug kKernel{.driver = "uvcvideo", .captureNode = 4};
+
+} // namespace
+
+/// Stands in for the C library's: a fake kernel's capture node is a terminal, whose number is another. Every
+/// character device is taken for node 4 of the video devices, or for the one set here.
+dev_t fakeCaptureDevice = makedev(81, 4);
+extern "C" int __real_fstat(int descriptor, struct stat* status);
+extern "C" int __wrap_fstat(int descriptor, struct stat* status) {
+    const int result = __real_fstat(descriptor, status);
+    if (result == 0 && S_ISCHR(status->st_mode))
+        status->st_rdev = fakeCaptureDevice;
+    return result;
+}
+
+namespace {
+
+class LinuxUsb : public testing::Test {
+protected:
+    ~LinuxUsb() override {
+        EXPECT_THAT(kernel.forbidden, IsEmpty());
+        fakeCaptureDevice = makedev(81, 4);
+    }
+
+    /// The first VideoControl interface of the first device, absent if there is none.
+    static std::unique_ptr<UsbInterface> open() {
+        auto service = usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
+        if (!service.object)
+            return nullptr;
+        const auto device = service.object->createPlugIn().object->QueryInterface();
+        return UVCCameraControl::getControlInferaceWithDeviceInterface(*device.object);
+    }
+
+    /// One request with the bytes of `block`. GET_CUR or SET_CUR.
+    UsbResult request(UsbInterface& interface, std::uint8_t code, std::uint8_t selector, std::uint8_t unit = 3) {
+        UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)),
+                                  code,
+                                  static_cast<std::uint16_t>(selector << 8),
+                                  static_cast<std::uint16_t>(unit << 8),
+                                  static_cast<std::uint16_t>(block.size()),
+                                  block.data(),
+                                  0};
+        return interface.ControlRequest(0, request);
+    }
+    UsbResult get(UsbInterface& interface) { return request(interface, 0x81, 13); }
+    UsbResult set(UsbInterface& interface) { return request(interface, 0x01, 13); }
+
+    std::vector<std::string> wire() {
+        std::vector<std::string> lines;
+        for (const RecordedRequest& recorded : kernel.device->requests)
+            lines.push_back(wireText(recorded));
+        return lines;
+    }
+
+    FakeKernel kernel;
+    std::vector<std::uint8_t> block = std::vector<std::uint8_t>(7, 0xEE);
+};
+
+const std::vector<std::uint8_t> kUntouched(7, 0xEE);
+
+TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
+    kernel.plug(kKernel);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    EXPECT_EQ(get(*interface), UsbCode::Success);
+    block[5] = 9;
+    EXPECT_EQ(set(*interface), UsbCode::Success);
+    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
+                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 09 e4"));
+    EXPECT_THAT(kernel.calls, ElementsAre("query", "query"));
+}
+
+TEST_F(LinuxUsb, DirectRequestsClaimForTheirLengthOnly) {
+    kernel.plug(kDirect);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    EXPECT_EQ(get(*interface), UsbCode::Success);
+    EXPECT_EQ(set(*interface), UsbCode::Success);
+    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
+                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4"));
+    EXPECT_THAT(kernel.calls, ElementsAre("claim 0", "transfer", "release 0", "claim 0", "transfer", "release 0"));
+    // Standard controls, and more than any of its blocks has
+    block.resize(2);
+    EXPECT_EQ(request(*interface, 0x81, 2, 2), UsbCode::Success);
+    EXPECT_THAT(block, ElementsAre(128, 0));
+    block.resize(200);
+    EXPECT_EQ(get(*interface), UsbCode::NotSupported);
+}
+
+struct NoWay {
+    const char* name;
+    FakePlug plug;
+    std::uint8_t unit = 3;
+    UsbResult close = UsbCode::NotSendable;
+};
+
+const FakePlug kOtherInterface{.videoControlInterface = 1, .driver = "uvcvideo", .captureNode = 4};
+
+TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
+    const std::vector<NoWay> rows{
+        {"VideoControl is interface 1", kOtherInterface},  {"no capture node", {.driver = "uvcvideo"}},
+        {"another driver", {.driver = "vendor"}},          {"camera terminal", kKernel, 1, UsbCode::Success},
+        {"processing unit", kKernel, 2, UsbCode::Success},
+    };
+    for (const NoWay& row : rows) {
+        SCOPED_TRACE(row.name);
+        kernel.plug(row.plug);
+        const auto interface = open();
+        ASSERT_TRUE(interface);
+        EXPECT_EQ(request(*interface, 0x81, 2, row.unit), UsbCode::NotSendable);
+        EXPECT_EQ(interface->USBInterfaceClose(), row.close);
+        EXPECT_THAT(wire(), IsEmpty());
+        EXPECT_EQ(block, kUntouched);
+        kernel.unplug();
+    }
+}
+
+struct Failure {
+    RequestFault fault;
+    UsbResult result;
+};
+
+TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
+    for (const FakePlug& plug : {kKernel, kDirect}) {
+        for (const Failure& row :
+             {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
+            SCOPED_TRACE(plug.driver + ' ' + std::to_string(row.result));
+            kernel.plug(plug);
+            const auto interface = open();
+            ASSERT_TRUE(interface);
+            kernel.device->addFault({}, 1, row.fault);
+            block = kUntouched;
+            EXPECT_EQ(get(*interface), row.result);
+            EXPECT_EQ(block, kUntouched);
+            EXPECT_EQ(get(*interface), UsbCode::Success);
+            kernel.device->addFault({}, 1, row.fault);
+            EXPECT_EQ(set(*interface), row.result);
+            EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::Success);
+            EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::NotFound);
+            EXPECT_EQ(set(*interface), UsbCode::Success);
+            kernel.unplug();
+            EXPECT_EQ(get(*interface), UsbCode::NoDevice);
+        }
+    }
+}
+
+TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
+    kernel.plug(kKernel);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    const std::vector<std::pair<int, UsbResult>> rows{
+        {ENODEV, UsbCode::NoDevice},     {ESHUTDOWN, UsbCode::NoDevice},  {ETIMEDOUT, UsbCode::TimeOut},
+        {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable}, {EIO, UsbCode::InputOutput},
+        {EACCES, UsbCode::Stall},        {EBUSY, UsbCode::Stall},         {ENOMEM, UsbCode::InputOutput}};
+    for (const auto& [error, result] : rows) {
+        kernel.queryError = error;
+        EXPECT_EQ(get(*interface), result) << error;
+    }
+    EXPECT_EQ(block, kUntouched);
+}
+
+TEST_F(LinuxUsb, NobodyWaitsLongerThanFiveSeconds) {
+    kernel.plug(kDirect);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    kernel.device->addFault({}, 1, RequestFault::TimeOut);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(get(*interface), UsbCode::TimeOut);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(5500));
+    EXPECT_EQ(kernel.calls.back(), "release 0");
+    EXPECT_EQ(get(*interface), UsbCode::Success);
+}
+
+/// Takes root's privilege away.
+class AsNobody {
+public:
+    AsNobody() {
+        constexpr uid_t kNobody = 65534;
+        EXPECT_EQ(::seteuid(::getuid() == 0 ? kNobody : ::getuid()), 0);
+    }
+    ~AsNobody() { EXPECT_EQ(::seteuid(::getuid()), 0); }
+    AsNobody(const AsNobody&) = delete;
+    AsNobody& operator=(const AsNobody&) = delete;
+};
+
+TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
+    for (const auto& [plug, node] : {std::pair(kKernel, "/dev/video4"), std::pair(kDirect, "/dev/bus/usb/001/002")}) {
+        SCOPED_TRACE(node);
+        kernel.plug(plug);
+        const auto interface = open();
+        ASSERT_TRUE(interface);
+        {
+            kernel.forbid(node);
+            const AsNobody nobody;
+            EXPECT_EQ(get(*interface), UsbCode::Access);
+            EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::Access);
+        }
+        kernel.unplug();
+    }
+}
+
+TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
+    kernel.plug(kKernel);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    fakeCaptureDevice = makedev(81, 5); // the name has gone to another device
+    EXPECT_EQ(get(*interface), UsbCode::NoDevice);
+    const std::string path = kernel.pathOf("/dev/video4");
+    std::filesystem::remove(path);
+    ASSERT_EQ(::mkfifo(path.c_str(), 0666), 0); // and opening must not wait for a writer
+    EXPECT_EQ(get(*interface), UsbCode::NoDevice);
+    EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::NoDevice);
+    EXPECT_THAT(kernel.calls, IsEmpty());
+}
+
+TEST_F(LinuxUsb, TheWayIsChosenAgainAfterAClose) {
+    kernel.plug(kDirect);
+    const auto interface = open();
+    ASSERT_TRUE(interface);
+    EXPECT_EQ(get(*interface), UsbCode::Success);
+    kernel.bind(kKernel);
+    EXPECT_EQ(get(*interface), UsbCode::Busy); // the driver is left alone
+    EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::Success);
+    kernel.calls.clear();
+    EXPECT_EQ(get(*interface), UsbCode::Success);
+    EXPECT_THAT(kernel.calls, ElementsAre("query"));
+}
+
+std::size_t openFiles() {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        ++count;
+    return count;
+}
+
+TEST_F(LinuxUsb, AThousandRePlugsLeaveNoFileOpen) {
+    std::size_t before = 0;
+    for (unsigned i = 0; i < 1000; ++i) {
+        FakePlug plug = i % 2 == 0 ? kDirect : kKernel;
+        plug.address = 2 + i % 100;
+        if (plug.captureNode >= 0)
+            plug.captureNode = static_cast<int>(i % 60); // the node has another number each time
+        fakeCaptureDevice = makedev(81, i % 60);
+        kernel.plug(plug);
+        const auto interface = open();
+        ASSERT_TRUE(interface);
+        ASSERT_EQ(get(*interface), UsbCode::Success) << i;
+        kernel.unplug();
+        ASSERT_EQ(get(*interface), UsbCode::NoDevice) << i;
+        if (i == 9)
+            before = openFiles();
+    }
+    EXPECT_LE(openFiles(), before);
+}
+
+TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
+    Bytes hub = deviceDescriptor({0x1D6B, 2, 0}); // some other device
+    append(hub, configurationDescriptor({0x1D6B, 2, 0}));
+    kernel.plug({.bus = 1, .address = 6, .name = "1-2", .descriptors = hub});
+    kernel.plug({.bus = 1, .address = 7, .name = "1-2.3"});
+    kernel.plug({.bus = 3, .address = 5, .name = "3-4"});
+    const auto services = usbBus().allServices();
+    std::vector<std::uint32_t> locations;
+    while (const auto service = services.object->next()) {
+        std::uint32_t location = 0;
+        const auto device = service->createPlugIn().object->QueryInterface();
+        EXPECT_EQ(device.object->GetLocationID(location), UsbCode::Success);
+        locations.push_back(location);
+    }
+    EXPECT_THAT(locations, testing::UnorderedElementsAre(0x01200000U, 0x01230000U, 0x03400000U));
+    CUvcBaseControl control;
+    control.initWithLocationID(0x03400000);
+    EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 7, 13, 3, block));
+    auto first = usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
+    std::uint32_t location = 0;
+    EXPECT_EQ(first.object->createPlugIn().object->QueryInterface().object->GetLocationID(location), UsbCode::Success);
+    std::erase(locations, 0x01200000U);
+    EXPECT_EQ(location, locations.front());
+}
+
+TEST_F(LinuxUsb, DescriptorsThatMeanNothingGiveNoInterface) {
+    CaptureIdentity identity{TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID, 0};
+    const Bytes device = deviceDescriptor(identity);
+    const Bytes good = configurationDescriptor(identity);
+    const auto with = [&](Bytes configuration) {
+        Bytes all = device;
+        append(all, configuration);
+        return all;
+    };
+    Bytes noVideo = good;
+    noVideo[9 + 8 + 5] = 0xFF; // the class of the VideoControl interface
+    Bytes tooLong = good;
+    tooLong[9 + 8] = 0xFF; // its descriptor reaches past the end
+    const std::vector<std::pair<const char*, Bytes>> rows{{"no configuration", device},
+                                                          {"cut in the header", with({9, 2, 0xCA})},
+                                                          {"no video", with(noVideo)},
+                                                          {"longer than all", with(tooLong)},
+                                                          {"zeros", with(Bytes(200, 0))}};
+    for (const auto& [name, descriptors] : rows) {
+        SCOPED_TRACE(name);
+        kernel.plug({.descriptors = descriptors});
+        EXPECT_FALSE(open());
+        kernel.unplug();
+    }
+    EXPECT_FALSE(open()); // nothing is plugged in
+}
+
+} // namespace
