@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QEventLoop>
 #include <QPointer>
+#include <QPushButton>
 #include <QWidget>
 #include <QWindow>
 
@@ -38,6 +39,14 @@ void standBefore(QWidget& window, const QWidget* owner) {
     window.windowHandle()->setTransientParent(owner->windowHandle());
 }
 
+/// Texts that can be selected take the focus too, but the window begins at what ends it.
+void focusDefaultButton(const QWidget& window) {
+    for (QPushButton* button : window.findChildren<QPushButton*>()) {
+        if (button->isDefault())
+            button->setFocus();
+    }
+}
+
 } // namespace
 
 void runModalForWindow(QWidget& window) {
@@ -46,6 +55,7 @@ void runModalForWindow(QWidget& window) {
     QEventLoop* outer = std::exchange(innermostRun, &run);
     window.setWindowModality(Qt::ApplicationModal);
     standBefore(window, QApplication::activeWindow());
+    focusDefaultButton(window);
     window.show();
     window.raise();
     window.activateWindow();

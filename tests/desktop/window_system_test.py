@@ -70,7 +70,7 @@ def send(number):
 WAYS = {
     "Ctrl+Q": (DEMO, press_in(["ctrl", "q"])),
     "window button": (DEMO, lambda desktop, program: desktop.close(program.window())),
-    "alert": (TOOL, press_in(["Return"])),
+    "alert": (TOOL, press_in(["space"])),
     "SIGTERM": (DEMO, send(signal.SIGTERM)),
     "hang-up of the session": (DEMO, send(signal.SIGHUP)),
     "end of the display": (DEMO, lambda desktop, program: desktop.end()),
