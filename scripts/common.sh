@@ -12,3 +12,7 @@ display_packages=(xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox sway wtype qt6-wayland dbus at-spi2-core
   gir1.2-atspi-2.0 python3-gi imagemagick optipng fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata)
+
+install_packages() {
+  "$project/scripts/install-packages" "$@"
+}
