@@ -27,8 +27,9 @@ constexpr Color kLine{235, 128, 128};
 
 /// Byte `offset` of a picture, whose pixels go in pairs: luma, blue, luma, red.
 std::uint8_t pictureByte(std::size_t offset, unsigned count) {
-    const std::size_t row = offset / (2 * kPictureWidth);
-    const std::size_t column = offset % (2 * kPictureWidth) / 2;
+    constexpr std::size_t kRowSize = std::size_t{2} * kPictureWidth;
+    const std::size_t row = offset / kRowSize;
+    const std::size_t column = offset % kRowSize / 2;
     const Color color =
         row == count % kPictureHeight ? kLine : kBars.at(column * kBars.size() / kPictureWidth);
     if (offset % 2 == 0)

@@ -69,7 +69,8 @@ TransferEnd done() {
 TransferEnd answered(Bytes bytes, std::uint16_t room) {
     if (bytes.size() > room)
         bytes.resize(room);
-    return {.status = 0, .length = static_cast<std::uint32_t>(bytes.size()), .data = std::move(bytes)};
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    return {.status = 0, .length = length, .data = std::move(bytes)};
 }
 
 } // namespace

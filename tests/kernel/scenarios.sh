@@ -91,12 +91,12 @@ hundred_changes_beside_a_stream() {
   change_often "headphone" 0d 100 20 Left Right alt+h
   change_often "HDMI and AUX" 0d 200 20 Left Right alt+x
   change_often "record quality" 0b 100 20 Down Up alt+r
-  change_often "HDCP" 0b 100 150 alt+n alt+f # a key acts on a button after a tenth of a second
+  change_often "HDCP" 0b 100 100 alt+n alt+f # a key acts on a button after a tenth of a second
   expect_not_logged "CameraControl Error"
   quit_program
   expect_stream "after the program"
   [ "$(command_device show)" = \
-    "plugged: bit rate H.264 1 MJPEG 1, HDCP 0, microphone 176, headphone 128, HDMI 255, AUX 200" ] ||
+    "plugged: bit rate H.264 1 MJPEG 1, HDCP 0, microphone 176, headphone 128, HDMI 255, AUX 255" ] ||
     fail "the device holds $(tail -n 1 "$answers")"
 }
 
@@ -129,8 +129,15 @@ mouse_by_kernel_way() {
 }
 
 # unload_driver, load_driver: of the kernel, for whatever is plugged in.
-unload_driver() { modprobe -r uvcvideo; }
-load_driver() { modprobe uvcvideo; }
+unload_driver() {
+  echo "blacklist uvcvideo" >/run/modprobe.d/test.conf # udev must not load it again
+  modprobe -r uvcvideo
+}
+load_driver() {
+  mkdir -p /run/modprobe.d
+  rm -f /run/modprobe.d/test.conf
+  modprobe uvcvideo
+}
 
 with_our_rule() { install -D -m 644 "$bin/70-tavro-setup-tool.rules" /run/udev/rules.d/70-tavro-setup-tool.rules; }
 without_our_rule() { rm -f /run/udev/rules.d/70-tavro-setup-tool.rules; }
@@ -195,7 +202,7 @@ unplugged_between_two_actions() {
   open_settings
   press alt+n
   wait_until "HDCP write" set_count 0b 2
-  command_device unplug
+  tell_device unplug
   wait_until "end of the device" is_gone
   press alt+f
   expect_alert_and_end
@@ -206,7 +213,7 @@ unplugged_between_two_actions() {
 unplugged_during_a_request() {
   plug_in_device
   open_settings
-  command_device fault unplug set 13
+  tell_device fault unplug set 13
   press alt+m Right
   expect_alert_and_end
   expect_logged "getExtension_SetMicrophoneVolume..setData Fail!"
@@ -219,9 +226,9 @@ plugged_in_again_under_another_node() {
   old=$(capture_node)
   exec 7<>"$old" # some recorder keeps the old node
   open_settings
-  command_device unplug
+  tell_device unplug
   wait_until "end of the device" is_gone
-  command_device plug
+  tell_device plug
   wait_for_device
   [ "$(capture_node)" != "$old" ] || fail "the node has not changed"
   mark_wire
@@ -235,26 +242,26 @@ plugged_in_again_under_another_node() {
 # Each kind of request fails once: the program opens the device again and repeats the action, unnoticed.
 fault_at_each_request() { # fault_at_each_request FAULT CODE
   mark_wire
-  command_device fault "$1" get 13
+  tell_device fault "$1" get 13
   press alt+m Left
   { failed_get 0d 07 "$2" && get_audio ff c8 b0 80 && set_audio ff c8 af 80 && get_audio ff c8 af 80; } |
     expect_wire "$1 at a GET of the volumes"
   mark_wire
-  command_device fault "$1" set 13
+  tell_device fault "$1" set 13
   press alt+m Right
   {
     get_audio ff c8 af 80 && set_audio ff c8 b0 80 " ! $2"
     get_audio ff c8 "${3:-af}" 80 && set_audio ff c8 b0 80 && get_audio ff c8 b0 80
   } | expect_wire "$1 at a SET of the volumes"
   mark_wire
-  command_device fault "$1" get 11
+  tell_device fault "$1" get 11
   press alt+n
   {
     failed_get 0b 0d "$2"
     get_settings now 11 00 && set_settings 10 now 11 01 && get_settings now 11 01
   } | expect_wire "$1 at a GET of the settings"
   mark_wire
-  command_device fault "$1" set 11
+  tell_device fault "$1" set 11
   press alt+f
   {
     get_settings now 11 01 && set_settings 10 now 11 00 " ! $2"
@@ -262,30 +269,31 @@ fault_at_each_request() { # fault_at_each_request FAULT CODE
   } | expect_wire "$1 at a SET of the settings"
   expect_no_alert
 }
-faults_by_either_way() {
+faults_by_way() { # faults_by_way kernel|direct FAULT
   open_settings
+  expect_way "$1"
   fault_at_each_request stall -9
   fault_at_each_request time-out -7
   fault_at_each_request short -1 b0 00 # a SET is acted on, but not acknowledged in full
   expect_logged "CameraControl Error: Control request failed: 00000000"
-  command_device fault stall get 13
-  command_device fault stall get 13 2
+  tell_device fault stall get 13
+  tell_device fault stall get 13 2
   press alt+m Left
   expect_alert_and_end
-  command_device fault "${1:-stall}" get 12
+  tell_device fault "$2" get 12
   open_settings
   expect_logged "getExtension_GetFwVersion..getData Fail!"
   quit_program
 }
 faults_by_kernel_way() {
   plug_in_device
-  faults_by_either_way stall
+  faults_by_way kernel stall
 }
 faults_by_direct_way() {
   unload_driver
   with_our_rule
   plug_in_device
-  faults_by_either_way time-out
+  faults_by_way direct time-out
 }
 
 attached_by_the_usbip_tool() {

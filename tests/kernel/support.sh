@@ -68,6 +68,9 @@ command_device() { # command_device WORD...: the answer is printed
   wait_until "answer to $*" answered $((before + 1))
   tail -n 1 "$answers"
 }
+tell_device() { # tell_device WORD...: a command that has no answer but "ok"
+  [ "$(command_device "$@")" = ok ] || fail "$*: $(tail -n 1 "$answers")"
+}
 answered() { [ "$(wc -l <"$answers")" -ge "$1" ]; }
 
 # --- the user ---

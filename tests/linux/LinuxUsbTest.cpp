@@ -17,10 +17,8 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace {
 
@@ -32,6 +30,7 @@ const FakePlug kKernel{.driver = "uvcvideo", .captureNode = 4};
 /// Stands in for the C library's: a fake kernel's capture node is a terminal, whose number is another. Every
 /// character device is taken for node 4 of the video devices, or for the one set here.
 dev_t fakeCaptureDevice = makedev(81, 4);
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
 extern "C" int __real_fstat(int descriptor, struct stat* status);
 extern "C" int __wrap_fstat(int descriptor, struct stat* status) {
     const int result = __real_fstat(descriptor, status);
@@ -39,6 +38,7 @@ extern "C" int __wrap_fstat(int descriptor, struct stat* status) {
         status->st_rdev = fakeCaptureDevice;
     return result;
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
