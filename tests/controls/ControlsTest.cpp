@@ -6,7 +6,7 @@
 #include "CustomPopUpButton.h"
 #include "CustomSliderCell.h"
 #include "PopUpGeometry.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <QApplication>
 #include <QTest>
@@ -47,7 +47,7 @@ class ControlsTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void ticks() {
         struct Row {

@@ -148,7 +148,7 @@ class ReadabilityTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void everyWordIsWhole_data() {
         QTest::addColumn<QString>("language");

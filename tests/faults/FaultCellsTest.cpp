@@ -92,7 +92,7 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
 }
 
 void setUpDevices(Trouble trouble) {
-    TestHost::reset();
+    SimulatedHost::reset();
     const auto note = device().onRequest;
     if (trouble == Trouble::Another) {
         SimulatedBus::instance().devices.push_back(std::make_shared<SimulatedDevice>());
@@ -130,7 +130,7 @@ Block held(const std::vector<std::uint8_t>& audio, int bitRate, int hdcp) {
 
 } // namespace
 
-extern "C" void __wrap_exit(int status) { throw Ended{status, TestHost::take()}; }
+extern "C" void __wrap_exit(int status) { throw Ended{status, SimulatedHost::take()}; }
 
 class FaultCellsTest : public QObject {
     Q_OBJECT
@@ -149,7 +149,7 @@ private:
         if (!starts) {
             settings.emplace();
             model.startUp();
-            if (TestHost::take() != std::exchange(model.journal, {})) difference = "start-up";
+            if (SimulatedHost::take() != std::exchange(model.journal, {})) difference = "start-up";
         }
         if (!starts) model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
         model.expectTrouble(trouble, n, twice);
@@ -161,7 +161,7 @@ private:
         try {
             if (starts) settings.emplace();
             else actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
-            journal = TestHost::take();
+            journal = SimulatedHost::take();
         } catch (const Ended& end) {
             status = end.status;
             journal = end.journal;
@@ -230,7 +230,7 @@ private slots:
         Block meant = held({device().audio.begin(), device().audio.end()}, 0x21, 1);
         int ends = 0;
         for (int turn = 0; turn < 10'000; ++turn) {
-            TestHost::take();
+            SimulatedHost::take();
             // A second writer changes fields behind the program's back.
             const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
             meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));

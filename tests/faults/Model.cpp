@@ -1,6 +1,6 @@
 #include "Model.h"
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <algorithm>
 #include <cstdio>

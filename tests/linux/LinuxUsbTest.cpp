@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -56,6 +57,14 @@ protected:
         return UVCCameraControl::getControlInferaceWithDeviceInterface(*device.object);
     }
 
+    /// Plugged in and opened.
+    std::unique_ptr<UsbInterface> plugIn(const FakePlug& plug) {
+        kernel.plug(plug);
+        auto interface = open();
+        if (!interface) throw std::runtime_error("no VideoControl interface");
+        return interface;
+    }
+
     /// One request with the bytes of `block`. GET_CUR or SET_CUR.
     UsbResult request(UsbInterface& interface, std::uint8_t code, std::uint8_t selector, std::uint8_t unit = 3) {
         UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)),
@@ -83,9 +92,7 @@ protected:
 const std::vector<std::uint8_t> kUntouched(7, 0xEE);
 
 TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kKernel);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     block[5] = 9;
     EXPECT_EQ(set(*interface), UsbCode::Success);
@@ -95,9 +102,7 @@ TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
 }
 
 TEST_F(LinuxUsb, DirectRequestsClaimForTheirLengthOnly) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     EXPECT_EQ(set(*interface), UsbCode::Success);
     EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
@@ -128,9 +133,7 @@ TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
     };
     for (const NoWay& row : rows) {
         SCOPED_TRACE(row.name);
-        kernel.plug(row.plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(row.plug);
         EXPECT_EQ(request(*interface, 0x81, 2, row.unit), UsbCode::NotSendable);
         EXPECT_EQ(interface->USBInterfaceClose(), row.close);
         EXPECT_THAT(wire(), IsEmpty());
@@ -149,9 +152,7 @@ TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
         for (const Failure& row :
              {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
             SCOPED_TRACE(plug.driver + ' ' + std::to_string(row.result));
-            kernel.plug(plug);
-            const auto interface = open();
-            ASSERT_TRUE(interface);
+            const auto interface = plugIn(plug);
             kernel.device->addFault({}, 1, row.fault);
             block = kUntouched;
             EXPECT_EQ(get(*interface), row.result);
@@ -169,9 +170,7 @@ TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
 }
 
 TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kKernel);
     const std::vector<std::pair<int, UsbResult>> rows{
         {ENODEV, UsbCode::NoDevice},     {ESHUTDOWN, UsbCode::NoDevice},  {ETIMEDOUT, UsbCode::TimeOut},
         {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable}, {EIO, UsbCode::InputOutput},
@@ -184,9 +183,7 @@ TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
 }
 
 TEST_F(LinuxUsb, NobodyWaitsLongerThanFiveSeconds) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     kernel.device->addFault({}, 1, RequestFault::TimeOut);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(get(*interface), UsbCode::TimeOut);
@@ -210,9 +207,7 @@ public:
 TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
     for (const auto& [plug, node] : {std::pair(kKernel, "/dev/video4"), std::pair(kDirect, "/dev/bus/usb/001/002")}) {
         SCOPED_TRACE(node);
-        kernel.plug(plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(plug);
         {
             kernel.forbid(node);
             const AsNobody nobody;
@@ -224,9 +219,7 @@ TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
 }
 
 TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kKernel);
     fakeCaptureDevice = makedev(81, 5); // the name has gone to another device
     EXPECT_EQ(get(*interface), UsbCode::NoDevice);
     const std::string path = kernel.pathOf("/dev/video4");
@@ -238,9 +231,7 @@ TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
 }
 
 TEST_F(LinuxUsb, TheWayIsChosenAgainAfterAClose) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     kernel.bind(kKernel);
     EXPECT_EQ(get(*interface), UsbCode::Busy); // the driver is left alone
@@ -263,9 +254,7 @@ TEST_F(LinuxUsb, AThousandRePlugsLeaveNoFileOpen) {
         plug.address = 2 + i % 100;
         if (plug.captureNode >= 0) plug.captureNode = static_cast<int>(i % 60); // the node has another number each time
         fakeCaptureDevice = makedev(81, i % 60);
-        kernel.plug(plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(plug);
         ASSERT_EQ(get(*interface), UsbCode::Success) << i;
         kernel.unplug();
         ASSERT_EQ(get(*interface), UsbCode::NoDevice) << i;

@@ -1,6 +1,6 @@
 #include "ChildProcess.h"
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -20,7 +20,7 @@ namespace {
 constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the file descriptor for its journal
 
 [[noreturn]] void runPart(const std::function<void()>& part, int journal) {
-    TestHost::instance().journalCopy = journal;
+    SimulatedHost::instance().journalCopy = journal;
     part();
     std::_Exit(99);
 }

@@ -1,7 +1,7 @@
 // The virtual device as a client of USB/IP and whoever commands it see it.
 
 #include "DeviceCommands.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "UsbIpSession.h"
 
 #include <gmock/gmock.h>
@@ -56,7 +56,7 @@ std::int32_t numberAt(const Bytes& bytes, std::size_t at) {
 
 class VirtualDevice : public testing::Test {
 protected:
-    VirtualDevice() { TestHost::reset(); }
+    VirtualDevice() { SimulatedHost::reset(); }
 
     Bytes exchange(const Bytes& bytes, bool attachable = true) {
         session.receive(bytes, attachable, now);

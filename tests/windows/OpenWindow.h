@@ -2,7 +2,7 @@
 
 #include "AppDelegate.h"
 #include "ChildProcess.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "ViewController.h"
 #include "host/Log.h"
 #include "windows/WindowDescription.h"

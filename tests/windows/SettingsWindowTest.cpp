@@ -20,7 +20,7 @@ const std::string kCreated = "log call camera CreateInstance";
 /// The requests as words like "GET 13" and "SET 11", failed ones with a "!".
 QString requestsInShort() {
     QStringList words;
-    for (const std::string& request : TestHost::takeRequests()) {
+    for (const std::string& request : SimulatedHost::takeRequests()) {
         const QString text = QString::fromStdString(request);
         words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
                      + (text.contains('!') ? "!" : "");
@@ -59,7 +59,7 @@ class SettingsWindowTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void startUpShowsTheDevice_data() {
         QTest::addColumn<int>("levels");
@@ -147,7 +147,7 @@ private slots:
         const SettingsWindow settings;
         auto& control = settings.control<QSlider>(qPrintable(slider));
         const auto held = [byte] { return int{device().audio[static_cast<std::size_t>(byte)]}; };
-        TestHost::take();
+        SimulatedHost::take();
         QTest::keyClick(&control, Qt::Key_Right);
         QCOMPARE(held(), 101);
         QCOMPARE(requestsInShort(),
@@ -175,7 +175,7 @@ private slots:
         SettingsWindow settings;
         auto& on = settings.control<QRadioButton>("HdcpOnButton");
         auto& off = settings.control<QRadioButton>("HdcpOffButton");
-        TestHost::take();
+        SimulatedHost::take();
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2});
         QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2}); // the selected one again
@@ -192,7 +192,7 @@ private slots:
 
     void popUpActsAlsoOnTheSameItem() {
         SettingsWindow settings;
-        TestHost::take();
+        SimulatedHost::take();
         chooseItem(settings, 1);
         QCOMPARE(requestsInShort(), "GET 11, GET 11, SET 11, GET 11");
         auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");

@@ -37,7 +37,7 @@ class WindowShellTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void everyWayEndsTheModalRun_data() {
         QTest::addColumn<QString>("window");
@@ -112,7 +112,7 @@ private slots:
         QFETCH(QString, button);
         const ChildEnd end = runInChild([&button] {
             SettingsWindow settings;
-            TestHost::take();
+            SimulatedHost::take();
             if (button.isEmpty()) QTest::keyClick(&settings.window(), Qt::Key_Q, Qt::ControlModifier);
             else QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
         });
