@@ -100,10 +100,12 @@ int main(int argc, char** argv) {
         (void)std::fprintf(stderr, "usage: request-bench NODE [OPTION...], with the device attached\n");
         return EXIT_FAILURE;
     }
-    benchmark::RegisterBenchmark("read, bare", readBare);
-    benchmark::RegisterBenchmark("read, through the layers", readThroughLayers);
-    benchmark::RegisterBenchmark("change, bare", changeBare);
-    benchmark::RegisterBenchmark("change, through the layers", changeThroughLayers);
+    // A fixed number, so that instructions counted from outside can be divided by it.
+    constexpr benchmark::IterationCount kIterations = 2000;
+    benchmark::RegisterBenchmark("read_bare", readBare)->Iterations(kIterations);
+    benchmark::RegisterBenchmark("read_through_layers", readThroughLayers)->Iterations(kIterations);
+    benchmark::RegisterBenchmark("change_bare", changeBare)->Iterations(kIterations);
+    benchmark::RegisterBenchmark("change_through_layers", changeThroughLayers)->Iterations(kIterations);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     controller.reset();

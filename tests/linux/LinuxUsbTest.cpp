@@ -34,8 +34,7 @@ dev_t fakeCaptureDevice = makedev(81, 4);
 extern "C" int __real_fstat(int descriptor, struct stat* status);
 extern "C" int __wrap_fstat(int descriptor, struct stat* status) {
     const int result = __real_fstat(descriptor, status);
-    if (result == 0 && S_ISCHR(status->st_mode))
-        status->st_rdev = fakeCaptureDevice;
+    if (result == 0 && S_ISCHR(status->st_mode)) status->st_rdev = fakeCaptureDevice;
     return result;
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -52,8 +51,7 @@ protected:
     /// The first VideoControl interface of the first device, absent if there is none.
     static std::unique_ptr<UsbInterface> open() {
         auto service = usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
-        if (!service.object)
-            return nullptr;
+        if (!service.object) return nullptr;
         const auto device = service.object->createPlugIn().object->QueryInterface();
         return UVCCameraControl::getControlInferaceWithDeviceInterface(*device.object);
     }
@@ -74,8 +72,7 @@ protected:
 
     std::vector<std::string> wire() {
         std::vector<std::string> lines;
-        for (const RecordedRequest& recorded : kernel.device->requests)
-            lines.push_back(wireText(recorded));
+        for (const RecordedRequest& recorded : kernel.device->requests) lines.push_back(wireText(recorded));
         return lines;
     }
 
@@ -255,8 +252,7 @@ TEST_F(LinuxUsb, TheWayIsChosenAgainAfterAClose) {
 
 std::size_t openFiles() {
     std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
-        ++count;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
     return count;
 }
 
@@ -265,8 +261,7 @@ TEST_F(LinuxUsb, AThousandRePlugsLeaveNoFileOpen) {
     for (unsigned i = 0; i < 1000; ++i) {
         FakePlug plug = i % 2 == 0 ? kDirect : kKernel;
         plug.address = 2 + i % 100;
-        if (plug.captureNode >= 0)
-            plug.captureNode = static_cast<int>(i % 60); // the node has another number each time
+        if (plug.captureNode >= 0) plug.captureNode = static_cast<int>(i % 60); // the node has another number each time
         fakeCaptureDevice = makedev(81, i % 60);
         kernel.plug(plug);
         const auto interface = open();
@@ -274,8 +269,7 @@ TEST_F(LinuxUsb, AThousandRePlugsLeaveNoFileOpen) {
         ASSERT_EQ(get(*interface), UsbCode::Success) << i;
         kernel.unplug();
         ASSERT_EQ(get(*interface), UsbCode::NoDevice) << i;
-        if (i == 9)
-            before = openFiles();
+        if (i == 9) before = openFiles();
     }
     EXPECT_LE(openFiles(), before);
 }

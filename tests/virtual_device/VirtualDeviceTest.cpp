@@ -43,16 +43,14 @@ Bytes submit(std::uint32_t sequence, std::uint32_t endpoint, bool toHost, std::u
 
 Bytes unlink(std::uint32_t sequence, std::uint32_t victim) {
     Bytes bytes;
-    for (const std::uint32_t number : {2U, sequence, 0x10002U, 0U, 0U, victim})
-        appendBigEndian(bytes, number, 4);
+    for (const std::uint32_t number : {2U, sequence, 0x10002U, 0U, 0U, victim}) appendBigEndian(bytes, number, 4);
     bytes.resize(kHeader);
     return bytes;
 }
 
 std::int32_t numberAt(const Bytes& bytes, std::size_t at) {
     std::uint32_t value = 0;
-    for (std::size_t i = at; i < at + 4; ++i)
-        value = value << 8 | bytes.at(i);
+    for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | bytes.at(i);
     return static_cast<std::int32_t>(value);
 }
 
@@ -67,8 +65,7 @@ protected:
     /// How a transfer ended: its status and what came back.
     std::pair<int, Bytes> transfer(const Bytes& request) {
         const Bytes reply = exchange(request);
-        if (reply.size() < kHeader)
-            return {1, {}};
+        if (reply.size() < kHeader) return {1, {}};
         EXPECT_EQ(numberAt(reply, 0), 3);
         return {numberAt(reply, 20), Bytes(reply.begin() + kHeader, reply.end())};
     }
@@ -128,8 +125,7 @@ TEST_F(VirtualDevice, StreamsPicturesAtTheirPace) {
     commit[4] = 0x15; // 333333: 30 pictures a second
     EXPECT_EQ(transfer(submit(1, 0, false, 34, {0x21, 1, 0, 2, 1, 0, 34, 0}, commit)).first, 0);
     std::size_t size = 0;
-    for (std::uint32_t i = 2; i < 5; ++i)
-        size += transfer(submit(i, 1, true, 16384)).second.size() - 2;
+    for (std::uint32_t i = 2; i < 5; ++i) size += transfer(submit(i, 1, true, 16384)).second.size() - 2;
     EXPECT_EQ(size, kPictureSize);
     EXPECT_THAT(exchange(submit(5, 1, true, 16384)), IsEmpty());
     now = session.due().value();
@@ -151,8 +147,7 @@ TEST_F(VirtualDevice, EndsWhatIsNoUsbIp) {
         EXPECT_THAT(other.output, IsEmpty());
     }
     Bytes flood;
-    for (std::uint32_t i = 0; i < 1000; ++i)
-        append(flood, submit(i, 1, true, 2));
+    for (std::uint32_t i = 0; i < 1000; ++i) append(flood, submit(i, 1, true, 2));
     now += std::chrono::seconds(-1); // no picture is due
     session.importNow(now + std::chrono::hours(1));
     session.receive(flood, true, now);
@@ -163,12 +158,10 @@ TEST_F(VirtualDevice, SurvivesBytesThatMeanNothing) {
     std::minstd_rand random(1);
     for (int round = 0; round < 3000; ++round) {
         UsbIpSession other(capture);
-        if (round % 4 != 0)
-            other.importNow(now);
+        if (round % 4 != 0) other.importNow(now);
         Bytes bytes = round % 4 == 0 ? importRequest("1-1") : submit(1, round % 8 == 1 ? 1 : 0, round % 2 == 0, 8);
         append(bytes, submit(2, 0, true, 64, kGetAudio));
-        for (int i = 0; i < 3; ++i)
-            bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
+        for (int i = 0; i < 3; ++i) bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
         other.receive(bytes, true, now);
         EXPECT_LT(other.output.size(), 100000U);
     }
