@@ -5,6 +5,7 @@ it there. What is done has to reach the device, whose requests the demo prints."
 import os
 import subprocess
 import sys
+import traceback
 
 import gi
 
@@ -129,8 +130,8 @@ def main():
             faults = program.faults_after_end()
             assert not faults, faults
             print(program.requests()[-1])
-        except AssertionError as fault:
-            print(f"failed: {fault}")
+        except Exception:
+            traceback.print_exc(file=sys.stdout)  # standard error is the bus's
             return 1
         finally:
             program.process.kill()

@@ -27,8 +27,8 @@ with X11() as desktop:
         run = subprocess.run([sys.argv[1]], env=desktop.env | environment, capture_output=True, text=True, check=False)
         lines = run.stdout.splitlines()
         failed += run.returncode != 0
-        print(*(line for line in lines if line.startswith("FAIL")), sep="\n", end="")
+        print(*(line + "\n" for line in lines if line.startswith("FAIL")), sep="", end="")
         print(f"{look}: {sum(' cuts ' in line for line in lines)} cut words; least contrast",
               *(f"of {what} {least(lines, test)[0]:.2f} ({least(lines, test)[1]})"
-                for what, test in (("text", "textStandsOut"), ("parts", "whatIsOperated"), ("focus", "focusGoes"))))
+                for what, test in (("text", "(?:text|palette)StandsOut"), ("parts", "whatIsOperated"), ("focus", "focusGoes"))))
 sys.exit(1 if failed else 0)

@@ -39,6 +39,8 @@ def about_is_modal(desktop, program, window):
     desktop.focus(window)  # as far as the window manager lets it
     desktop.key("ctrl", "q")
     desktop.key("alt", "n")
+    time.sleep(0.5)
+    assert program.process.poll() is None, "the window behind takes Ctrl+Q"
     left, top, _, height = desktop.place(window)
     desktop.point(left + 250, top + height - 107)  # the HDCP button
     desktop.press()
