@@ -51,7 +51,7 @@ TEST_F(Controller, IsAbsentWithoutADevice) {
 TEST_F(Controller, AuxVolume) {                 // which no window reads
     EXPECT_TRUE(controller->SetAuxVolume(300)); // the low 8 bits count
     EXPECT_THAT(SimulatedHost::take(),
-                ElementsAre(get(13, kAudio), "log [Get old]AUX vol = 22,\n", set(13, with(kAudio, {{2, 44}}))));
+        ElementsAre(get(13, kAudio), "log [Get old]AUX vol = 22,\n", set(13, with(kAudio, {{2, 44}}))));
     std::uint8_t volume = 9;
     EXPECT_TRUE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 44);
@@ -59,8 +59,8 @@ TEST_F(Controller, AuxVolume) {                 // which no window reads
     SimulatedHost::take();
     EXPECT_FALSE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 0);
-    EXPECT_THAT(SimulatedHost::takeLog(), ElementsAre(kRequestFailed, "log [Get old]AUX vol = 0,\n",
-                                                      "log getExtension_GetHdmiVolume..getData Fail! \n"));
+    EXPECT_THAT(SimulatedHost::takeLog(),
+        ElementsAre(kRequestFailed, "log [Get old]AUX vol = 0,\n", "log getExtension_GetHdmiVolume..getData Fail! \n"));
 }
 
 TEST_F(Controller, BitRateLevelsAreFourBits) {
@@ -76,11 +76,13 @@ TEST_F(Controller, BitRateLevelsAreFourBits) {
 TEST_F(Controller, HdcpState) {
     const std::string old = "log [Get old]HDCP state : 1,\n";
     EXPECT_TRUE(controller->SetHdcpState(256)); // the low 8 bits count
-    EXPECT_THAT(SimulatedHost::take(), ElementsAre(get(11, kSettings), old, "log new HDCP state value : 0 \n",
-                                                   set(11, with(kSettings, {{0, 16}, {9, 0}}))));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre(
+            get(11, kSettings), old, "log new HDCP state value : 0 \n", set(11, with(kSettings, {{0, 16}, {9, 0}}))));
     EXPECT_FALSE(controller->SetHdcpState(2)); // refused without a word
-    EXPECT_THAT(SimulatedHost::take(), ElementsAre(get(11, with(kSettings, {{9, 0}})), "log [Get old]HDCP state : 0,\n",
-                                                   "log new HDCP state value : 2 \n"));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre(
+            get(11, with(kSettings, {{9, 0}})), "log [Get old]HDCP state : 0,\n", "log new HDCP state value : 2 \n"));
 }
 
 TEST_F(Controller, FirmwareVersions) {
@@ -109,8 +111,7 @@ constexpr std::time_t kBerlinSummer = 1'720'000'000; // 2024-07-03 11:46:40 in B
 constexpr std::time_t kBerlinWinter = 1'704'500'000; // 2024-01-06 01:13:20 in Berlin
 
 TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
-    const std::vector<ClockCase> rows{
-        {"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
+    const std::vector<ClockCase> rows{{"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
         {"ThreeAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, nullptr, {24, 12, 31, 23, 59, 59}},
         {"TwoBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "-2.000000", {}},
         {"ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
@@ -133,7 +134,7 @@ TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
         Bytes block = with(kSettings, {{0, 2}});
         std::ranges::copy(row.written, block.begin() + 2);
         EXPECT_EQ(journal[2],
-                  row.interval != nullptr ? "log TimeInterval = " + std::string(row.interval) + "\n" : set(11, block));
+            row.interval != nullptr ? "log TimeInterval = " + std::string(row.interval) + "\n" : set(11, block));
     }
 }
 

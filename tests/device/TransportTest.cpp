@@ -50,7 +50,7 @@ TEST_F(Transport, WithoutADeviceOneLineIsLogged) {
     device().unplug();
     EXPECT_FALSE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_THAT(SimulatedHost::take(),
-                ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
+        ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
 }
 
 struct FailingStep {
@@ -64,22 +64,22 @@ struct FailingStep {
 TEST_F(Transport, EachStepFailsWithItsLine) {
     const std::vector<FailingStep> rows{
         {"DevicePlugIn", UsbStep::DevicePlugIn, UsbCode::Access, false,
-         "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffd."},
+            "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffd."},
         {"DevicePlugInEmpty", UsbStep::DevicePlugIn, UsbCode::Success, false,
-         "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0x00000000."},
+            "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0x00000000."},
         {"DeviceObject", UsbStep::DeviceObject, UsbCode::Busy, false,
-         "log CameraControl Error: QueryInterface returned -6.\n"},
+            "log CameraControl Error: QueryInterface returned -6.\n"},
         {"DeviceObjectEmpty", UsbStep::DeviceObject, UsbCode::Success, false,
-         "log CameraControl Error: QueryInterface returned 0.\n"},
+            "log CameraControl Error: QueryInterface returned 0.\n"},
         {"InterfaceIterator", UsbStep::InterfaceIterator, UsbCode::InputOutput, true, nullptr},
         {"InterfacePlugIn", UsbStep::InterfacePlugIn, UsbCode::Access, true,
-         "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
+            "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
         {"InterfaceServiceRelease", UsbStep::InterfaceServiceRelease, UsbCode::Stall, true,
-         "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
+            "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
         {"InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
-         "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
+            "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
         {"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
-         "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}};
+            "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}};
     for (const FailingStep& row : rows) {
         SCOPED_TRACE(row.name);
         SimulatedBus::instance().clearFailures();
@@ -174,9 +174,9 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
     std::array<std::uint8_t, 7> block{1, 2, 3, 4, 5, 6, 7};
     EXPECT_TRUE(control.SetData2(block, 7, 13, 3));
     EXPECT_THAT(SimulatedHost::takeRequests(),
-                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
-                            "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
-                            "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
+        ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
+            "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
+            "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
 }
 
 struct CameraControl {
@@ -232,10 +232,9 @@ TEST_F(Transport, AutomaticModes) {
     EXPECT_TRUE(control.getAutoWhiteBalance()); // the device's setting is 0 now
     EXPECT_EQ(control.getExtension(), 0x51);
     EXPECT_THAT(SimulatedHost::takeRequests(),
-                ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01",
-                            "21 01 00 0b 00 02 01 00 | 01", "21 01 00 0b 00 02 01 00 | 00",
-                            "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
-                            "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
+        ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01", "21 01 00 0b 00 02 01 00 | 01",
+            "21 01 00 0b 00 02 01 00 | 00", "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
+            "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
     device().unplug();
     EXPECT_FALSE(control.getAutoWhiteBalance());
     EXPECT_FALSE(control.getAutoExposure());

@@ -67,13 +67,9 @@ protected:
 
     /// One request with the bytes of `block`. GET_CUR or SET_CUR.
     UsbResult request(UsbInterface& interface, std::uint8_t code, std::uint8_t selector, std::uint8_t unit = 3) {
-        UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)),
-                                  code,
-                                  static_cast<std::uint16_t>(selector << 8),
-                                  static_cast<std::uint16_t>(unit << 8),
-                                  static_cast<std::uint16_t>(block.size()),
-                                  block.data(),
-                                  0};
+        UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)), code,
+            static_cast<std::uint16_t>(selector << 8), static_cast<std::uint16_t>(unit << 8),
+            static_cast<std::uint16_t>(block.size()), block.data(), 0};
         return interface.ControlRequest(0, request);
     }
     UsbResult get(UsbInterface& interface) { return request(interface, 0x81, 13); }
@@ -96,8 +92,9 @@ TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
     EXPECT_EQ(get(*interface), UsbCode::Success);
     block[5] = 9;
     EXPECT_EQ(set(*interface), UsbCode::Success);
-    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
-                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 09 e4"));
+    EXPECT_THAT(wire(),
+        ElementsAre(
+            "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4", "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 09 e4"));
     EXPECT_THAT(kernel.calls, ElementsAre("query", "query"));
 }
 
@@ -105,8 +102,9 @@ TEST_F(LinuxUsb, DirectRequestsClaimForTheirLengthOnly) {
     const auto interface = plugIn(kDirect);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     EXPECT_EQ(set(*interface), UsbCode::Success);
-    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
-                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4"));
+    EXPECT_THAT(wire(),
+        ElementsAre(
+            "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4", "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4"));
     EXPECT_THAT(kernel.calls, ElementsAre("claim 0", "transfer", "release 0", "claim 0", "transfer", "release 0"));
     // Standard controls, and more than any of its blocks has
     block.resize(2);
@@ -127,8 +125,10 @@ const FakePlug kOtherInterface{.videoControlInterface = 1, .driver = "uvcvideo",
 
 TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
     const std::vector<NoWay> rows{
-        {"VideoControl is interface 1", kOtherInterface},  {"no capture node", {.driver = "uvcvideo"}},
-        {"another driver", {.driver = "vendor"}},          {"camera terminal", kKernel, 1, UsbCode::Success},
+        {"VideoControl is interface 1", kOtherInterface},
+        {"no capture node", {.driver = "uvcvideo"}},
+        {"another driver", {.driver = "vendor"}},
+        {"camera terminal", kKernel, 1, UsbCode::Success},
         {"processing unit", kKernel, 2, UsbCode::Success},
     };
     for (const NoWay& row : rows) {
@@ -150,7 +150,7 @@ struct Failure {
 TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
     for (const FakePlug& plug : {kKernel, kDirect}) {
         for (const Failure& row :
-             {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
+            {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
             SCOPED_TRACE(plug.driver + ' ' + std::to_string(row.result));
             const auto interface = plugIn(plug);
             kernel.device->addFault({}, 1, row.fault);
@@ -171,10 +171,9 @@ TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
 
 TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
     const auto interface = plugIn(kKernel);
-    const std::vector<std::pair<int, UsbResult>> rows{
-        {ENODEV, UsbCode::NoDevice},     {ESHUTDOWN, UsbCode::NoDevice},  {ETIMEDOUT, UsbCode::TimeOut},
-        {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable}, {EIO, UsbCode::InputOutput},
-        {EACCES, UsbCode::Stall},        {EBUSY, UsbCode::Stall},         {ENOMEM, UsbCode::InputOutput}};
+    const std::vector<std::pair<int, UsbResult>> rows{{ENODEV, UsbCode::NoDevice}, {ESHUTDOWN, UsbCode::NoDevice},
+        {ETIMEDOUT, UsbCode::TimeOut}, {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable},
+        {EIO, UsbCode::InputOutput}, {EACCES, UsbCode::Stall}, {EBUSY, UsbCode::Stall}, {ENOMEM, UsbCode::InputOutput}};
     for (const auto& [error, result] : rows) {
         kernel.queryError = error;
         EXPECT_EQ(get(*interface), result) << error;
@@ -302,10 +301,8 @@ TEST_F(LinuxUsb, DescriptorsThatMeanNothingGiveNoInterface) {
     Bytes tooLong = good;
     tooLong[9 + 8] = 0xFF; // its descriptor reaches past the end
     const std::vector<std::pair<const char*, Bytes>> rows{{"no configuration", device},
-                                                          {"cut in the header", with({9, 2, 0xCA})},
-                                                          {"no video", with(noVideo)},
-                                                          {"longer than all", with(tooLong)},
-                                                          {"zeros", with(Bytes(200, 0))}};
+        {"cut in the header", with({9, 2, 0xCA})}, {"no video", with(noVideo)}, {"longer than all", with(tooLong)},
+        {"zeros", with(Bytes(200, 0))}};
     for (const auto& [name, descriptors] : rows) {
         SCOPED_TRACE(name);
         kernel.plug({.descriptors = descriptors});

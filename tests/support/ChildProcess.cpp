@@ -31,7 +31,7 @@ constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the fil
     const int nowhere = ::open("/dev/null", O_WRONLY);
     ::dup2(nowhere, STDOUT_FILENO);
     const QByteArray row = QByteArray(QTest::currentTestFunction())
-                           + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
+        + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
     const QByteArray program = QCoreApplication::applicationFilePath().toLocal8Bit();
     ::execl(program.constData(), program.constData(), "-nocrashhandler", row.constData(), nullptr);
     std::_Exit(98);
