@@ -158,7 +158,7 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
     constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
                                                  {CBIT_RATE_MIDDLE, "img_starGood.png"},
                                                  {CBIT_RATE_LOW, "img_starGen.png"}}};
-    const auto found = std::ranges::find(kImages, level, &LevelImage::level);
+    const auto* const found = std::ranges::find(kImages, level, &LevelImage::level);
     const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
     QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
     // Who can't see the stars hears the level's title.
