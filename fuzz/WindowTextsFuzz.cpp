@@ -2,7 +2,7 @@
 
 #include "AppDelegate.h"
 #include "ApplicationMain.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "ViewController.h"
 #include "windows/WindowDescription.h"
 
@@ -28,10 +28,11 @@ WindowController& openWindow() {
     static char* arguments[] = {name, nullptr};
     static auto* application = new QApplication(count, arguments); // lives as long as the fuzzer
     setUpApplication(*application);
-    TestHost::reset();
+    SimulatedHost::reset();
     static AppDelegate delegate;
-    static auto controller = WindowDescription(QStringLiteral("Main"))
-                                 .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate);
+    static auto controller =
+        WindowDescription(QStringLiteral("Main"))
+            .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate);
     controller->window()->show();
     return *controller;
 }
@@ -52,9 +53,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     device().settings[9] = levels[1];
     controller.contentController()->viewDidLoad();
     controller.window()->grab();
-    const bool on = controller.window()->findChild<QRadioButton*>(QStringLiteral("HdcpOnButton"))->isChecked();
-    if (on != (levels[1] == 1)) __builtin_trap();
+    const bool on =
+        controller.window()->findChild<QRadioButton*>(QStringLiteral("HdcpOnButton"))->isChecked();
+    if (on != (levels[1] == 1))
+        __builtin_trap();
     device().requests.clear();
-    TestHost::take();
+    SimulatedHost::take();
     return 0;
 }

@@ -6,7 +6,7 @@
 #include "CustomPopUpButton.h"
 #include "CustomSliderCell.h"
 #include "PopUpGeometry.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <QApplication>
 #include <QTest>
@@ -47,7 +47,7 @@ class ControlsTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void ticks() {
         struct Row {
@@ -57,13 +57,12 @@ private slots:
             double last;
         };
         using enum TickSpacing;
-        for (const auto& [width, spacing, count, last] : {Row{200, Twentieth, 21, 195.7115},
-                                                          {200, Quarter, 5, 195.7115},
-                                                          {0, Twentieth, 0, 0},            // not drawn yet
-                                                          {10.5, Quarter, 0, 0},           // too narrow for the first
-                                                          {10.6, Twentieth, 1, 10.526316}, // the step is negative
-                                                          {20.0 / 1.35, Quarter, 1, 10.526316}, // the step is zero
-                                                          {16, Quarter, 19, 15.859649}}) {
+        for (const auto& [width, spacing, count, last] :
+            {Row{200, Twentieth, 21, 195.7115}, {200, Quarter, 5, 195.7115}, {0, Twentieth, 0, 0}, // not drawn yet
+                {10.5, Quarter, 0, 0},                // too narrow for the first
+                {10.6, Twentieth, 1, 10.526316},      // the step is negative
+                {20.0 / 1.35, Quarter, 1, 10.526316}, // the step is zero
+                {16, Quarter, 19, 15.859649}}) {
             const auto positions = tickPositions(width, kKnobAllowance, spacing);
             QCOMPARE(positions.size(), count);
             QVERIFY(positions.empty() || std::abs(positions.front() - 10.526316) < 1e-6);
@@ -158,12 +157,10 @@ private slots:
             const char* colors; ///< per code unit: w white, r red, - none
         };
         for (const auto& [full, sub, colors] : {Row{"8m 8M 8M", "8M", "wwwrrwww"}, // the first occurrence
-                                                {"High", "Low", "wwww"},
-                                                {"", "", ""},
-                                                {"ab", "", "ww"},
-                                                {u"\U0001F3A5ab"_qs, "Q", "www-"}, // a surrogate pair
-                                                {u"e\u0301a"_qs, "a", "wwr"},      // a combining accent
-                                                {u"\U0001F468\u200D\U0001F469x"_qs, "Q", "ww----"}}) { // one family
+                 {"High", "Low", "wwww"}, {"", "", ""}, {"ab", "", "ww"},
+                 {u"\U0001F3A5ab"_qs, "Q", "www-"},                     // a surrogate pair
+                 {u"e\u0301a"_qs, "a", "wwr"},                          // a combining accent
+                 {u"\U0001F468\u200D\U0001F469x"_qs, "Q", "ww----"}}) { // one family
             const AttributedString text = createAttributedString(full, Qt::white, sub, Qt::red);
             QCOMPARE(text.string, full);
             QCOMPARE(text.font, titleFont());
@@ -195,12 +192,12 @@ private slots:
             {"CustomSliderCell: unsupported initialiser init(textCell:)", [] { const CustomSliderCell c{QString()}; }},
             {"CustomSliderCell: unsupported initialiser init(imageCell:)", [] { const CustomSliderCell c{QImage()}; }},
             {"CustomSliderCell2: unsupported initialiser init(textCell:)",
-             [] { const CustomSliderCell2 c{QString()}; }},
+                [] { const CustomSliderCell2 c{QString()}; }},
             {"CustomSliderCell2: unsupported initialiser init(imageCell:)",
-             [] { const CustomSliderCell2 c{QImage()}; }},
+                [] { const CustomSliderCell2 c{QImage()}; }},
             {"CustomPopUpButton: unsupported initialiser init(frame:)", [] { const CustomPopUpButton c{QRect()}; }},
             {"CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)",
-             [] { const CustomPopUpButton c(QRect(), true); }}};
+                [] { const CustomPopUpButton c(QRect(), true); }}};
         QFETCH(int, row);
         const auto& [line, initialise] = initialisers[static_cast<std::size_t>(row)];
         const ChildEnd end = runInChild(initialise);

@@ -43,8 +43,8 @@ double contrastWithin(const QImage& image) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     const QRgb ground = std::max_element(counts.keyValueBegin(), counts.keyValueEnd(), [](auto a, auto b) {
-                            return a.second < b.second;
-                        })->first;
+        return a.second < b.second;
+    })->first;
     double best = 1;
     for (const auto [color, count] : counts.asKeyValueRange()) {
         if (count > 2) // a stroke, not a stray pixel
@@ -148,7 +148,7 @@ class ReadabilityTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void everyWordIsWhole_data() {
         QTest::addColumn<QString>("language");
@@ -170,8 +170,7 @@ private slots:
         useLanguage(language);
         const auto controller = open(window);
         const QWidget& shown = *controller->window();
-        QVERIFY2(
-            shown.width() <= 1280 && shown.height() <= 800,
+        QVERIFY2(shown.width() <= 1280 && shown.height() <= 800,
             qPrintable(QStringLiteral("%1 x %2 is larger than a small screen").arg(shown.width()).arg(shown.height())));
         QMap<QString, QString> mnemonics;
         for (const QWidget* control : textControls(shown)) {
@@ -181,8 +180,8 @@ private slots:
             QVERIFY2(shown.rect().contains(place), qUtf8Printable(control->objectName() + " leaves the window"));
             for (const QWidget* other : textControls(shown))
                 QVERIFY2(other == control || other->parent() != control->parent()
-                             || !other->geometry().intersects(control->geometry()),
-                         qUtf8Printable(control->objectName() + " covers " + other->objectName()));
+                        || !other->geometry().intersects(control->geometry()),
+                    qUtf8Printable(control->objectName() + " covers " + other->objectName()));
             const QString text = mnemonicText(*control);
             if (text.isEmpty()) continue;
             const QString key = QKeySequence::mnemonic(text).toString();
@@ -212,10 +211,10 @@ private slots:
         const QPalette palette = QApplication::palette();
         using Roles = std::pair<QPalette::ColorRole, QPalette::ColorRole>;
         for (const auto& [text, ground] :
-             {Roles{QPalette::WindowText, QPalette::Window}, Roles{QPalette::Text, QPalette::Base},
-              Roles{QPalette::Text, QPalette::AlternateBase}, Roles{QPalette::ButtonText, QPalette::Button},
-              Roles{QPalette::HighlightedText, QPalette::Highlight}, Roles{QPalette::PlaceholderText, QPalette::Base},
-              Roles{QPalette::ToolTipText, QPalette::ToolTipBase}}) {
+            {Roles{QPalette::WindowText, QPalette::Window}, Roles{QPalette::Text, QPalette::Base},
+                Roles{QPalette::Text, QPalette::AlternateBase}, Roles{QPalette::ButtonText, QPalette::Button},
+                Roles{QPalette::HighlightedText, QPalette::Highlight}, Roles{QPalette::PlaceholderText, QPalette::Base},
+                Roles{QPalette::ToolTipText, QPalette::ToolTipBase}}) {
             const double ratio = contrast(palette.color(text).rgb(), palette.color(ground).rgb());
             const auto name = QVariant::fromValue(text).toString();
             qInfo("contrast %5.2f palette's %s", ratio, qUtf8Printable(name));
@@ -237,12 +236,12 @@ private slots:
         };
         const QRect knob(slider.width() / 2 - 1, 25, 3, 8);
         for (const Part& part : {Part{"knob on its card", "SliderMicrophoneVolume", knob},
-                                 Part{"bar on its card", "SliderMicrophoneVolume", {20, 30, 20, 10}},
-                                 Part{"pop-up's border on its face", "PopupRecordQuality", {20, 0, 60, 4}},
-                                 Part{"pop-up's border on its card", "PopupRecordQuality", {20, -4, 60, 5}},
-                                 Part{"pop-up's chevrons", "PopupRecordQuality", {142, 4, 16, 18}},
-                                 Part{"radio button's ring", "HdcpOnButton", {0, 0, 26, 26}},
-                                 Part{"radio button's dot", "HdcpOffButton", {12, 10, 8, 8}}}) {
+                 Part{"bar on its card", "SliderMicrophoneVolume", {20, 30, 20, 10}},
+                 Part{"pop-up's border on its face", "PopupRecordQuality", {20, 0, 60, 4}},
+                 Part{"pop-up's border on its card", "PopupRecordQuality", {20, -4, 60, 5}},
+                 Part{"pop-up's chevrons", "PopupRecordQuality", {142, 4, 16, 18}},
+                 Part{"radio button's ring", "HdcpOnButton", {0, 0, 26, 26}},
+                 Part{"radio button's dot", "HdcpOffButton", {12, 10, 8, 8}}}) {
             const double ratio = contrastWithin(imageOf(settings.control(part.control), part.place));
             qInfo("contrast %5.2f %s", ratio, part.name);
             QVERIFY2(ratio >= kNoticeable, part.name);

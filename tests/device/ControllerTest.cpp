@@ -1,7 +1,7 @@
 // The settings that the device keeps: every byte that goes over the wire and every log line, in order. What
 // happens when requests fail is in faults/.
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "VN318UvcController.h"
 
 #include <gmock/gmock.h>
@@ -31,12 +31,12 @@ Bytes with(Bytes block, const std::vector<std::pair<std::size_t, int>>& changes)
 class Controller : public testing::Test {
 protected:
     Controller() {
-        TestHost::reset();
+        SimulatedHost::reset();
         device().audio = {0x6D, 11, 22, 33, 0x92, 55, 0xE4};
         device().settings[8] = 0x21;
         device().settings[9] = 1;
         controller = CVn318UvcController::CreateInstance();
-        EXPECT_THAT(TestHost::take(), ElementsAre("log call camera CreateInstance"));
+        EXPECT_THAT(SimulatedHost::take(), ElementsAre("log call camera CreateInstance"));
     }
 
     std::unique_ptr<CVn318UvcController> controller;
@@ -45,27 +45,27 @@ protected:
 TEST_F(Controller, IsAbsentWithoutADevice) {
     device().unplug();
     EXPECT_FALSE(CVn318UvcController::CreateInstance());
-    EXPECT_EQ(TestHost::take().front(), "log call camera CreateInstance");
+    EXPECT_EQ(SimulatedHost::take().front(), "log call camera CreateInstance");
 }
 
 TEST_F(Controller, AuxVolume) {                 // which no window reads
     EXPECT_TRUE(controller->SetAuxVolume(300)); // the low 8 bits count
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre(get(13, kAudio), "log [Get old]AUX vol = 22,\n", set(13, with(kAudio, {{2, 44}}))));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre(get(13, kAudio), "log [Get old]AUX vol = 22,\n", set(13, with(kAudio, {{2, 44}}))));
     std::uint8_t volume = 9;
     EXPECT_TRUE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 44);
     device().addFault(kAnyGet, 1, RequestFault::Stall);
-    TestHost::take();
+    SimulatedHost::take();
     EXPECT_FALSE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 0);
-    EXPECT_THAT(TestHost::takeLog(), ElementsAre(kRequestFailed, "log [Get old]AUX vol = 0,\n",
-                                                 "log getExtension_GetHdmiVolume..getData Fail! \n"));
+    EXPECT_THAT(SimulatedHost::takeLog(),
+        ElementsAre(kRequestFailed, "log [Get old]AUX vol = 0,\n", "log getExtension_GetHdmiVolume..getData Fail! \n"));
 }
 
 TEST_F(Controller, BitRateLevelsAreFourBits) {
     EXPECT_TRUE(controller->SetBitRate(17, 34));
-    EXPECT_EQ(TestHost::take().back(), set(11, with(kSettings, {{0, 4}, {8, 0x12}})));
+    EXPECT_EQ(SimulatedHost::take().back(), set(11, with(kSettings, {{0, 4}, {8, 0x12}})));
     std::uint8_t h264 = 9;
     std::uint8_t mjpeg = 9;
     EXPECT_TRUE(controller->GetBitRate(h264, mjpeg));
@@ -76,11 +76,13 @@ TEST_F(Controller, BitRateLevelsAreFourBits) {
 TEST_F(Controller, HdcpState) {
     const std::string old = "log [Get old]HDCP state : 1,\n";
     EXPECT_TRUE(controller->SetHdcpState(256)); // the low 8 bits count
-    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, kSettings), old, "log new HDCP state value : 0 \n",
-                                              set(11, with(kSettings, {{0, 16}, {9, 0}}))));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre(
+            get(11, kSettings), old, "log new HDCP state value : 0 \n", set(11, with(kSettings, {{0, 16}, {9, 0}}))));
     EXPECT_FALSE(controller->SetHdcpState(2)); // refused without a word
-    EXPECT_THAT(TestHost::take(), ElementsAre(get(11, with(kSettings, {{9, 0}})), "log [Get old]HDCP state : 0,\n",
-                                              "log new HDCP state value : 2 \n"));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre(
+            get(11, with(kSettings, {{9, 0}})), "log [Get old]HDCP state : 0,\n", "log new HDCP state value : 2 \n"));
 }
 
 TEST_F(Controller, FirmwareVersions) {
@@ -103,49 +105,37 @@ struct ClockCase {
     const char* interval; ///< absent: out of time
     Bytes written;        ///< settings bytes 2 to 7, if out of time
 };
-[[maybe_unused]] void PrintTo(const ClockCase& row, std::ostream* out) { *out << row.name; }
-
-class Clock : public Controller, public testing::WithParamInterface<ClockCase> {};
-
-TEST_P(Clock, IsSetWhenMoreThanTwoSecondsApart) {
-    const ClockCase& row = GetParam();
-    TestHost::setTimeZone(row.zone);
-    TestHost::instance().now = row.host;
-    device().setClock(row.deviceClock);
-    EXPECT_TRUE(controller->SyncRtc());
-    const Journal journal = TestHost::take();
-    if (row.interval != nullptr) {
-        ASSERT_EQ(journal.size(), 3U);
-        EXPECT_EQ(journal[2], "log TimeInterval = " + std::string(row.interval) + "\n");
-        return;
-    }
-    ASSERT_EQ(journal.size(), 6U);
-    Bytes block = with(kSettings, {{0, 2}});
-    std::ranges::copy(row.written, block.begin() + 2);
-    EXPECT_EQ(journal[2], set(11, block));
-    EXPECT_EQ(journal[3], "sleep 1.0");
-}
 
 constexpr std::time_t kYearsEnd = 1'735'689'599;     // 2024-12-31 23:59:59 UTC
 constexpr std::time_t kBerlinSummer = 1'720'000'000; // 2024-07-03 11:46:40 in Berlin, daylight saving
 constexpr std::time_t kBerlinWinter = 1'704'500'000; // 2024-01-06 01:13:20 in Berlin
 
-INSTANTIATE_TEST_SUITE_P(
-    Each, Clock,
-    testing::Values(
-        ClockCase{"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
-        ClockCase{"ThreeAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, nullptr, {24, 12, 31, 23, 59, 59}},
-        ClockCase{"TwoBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "-2.000000", {}},
-        ClockCase{"ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
-        ClockCase{"Never", "UTC", kYearsEnd, {0, 1, 1, 0, 0, 0}, nullptr, {24, 12, 31, 23, 59, 59}},
-        ClockCase{"EastOfUtc", "Asia/Kolkata", kYearsEnd, {25, 1, 1, 5, 29, 59}, "0.000000", {}},
-        ClockCase{"WinterTwoBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 18}, "-2.000000", {}},
-        ClockCase{
-            "WinterThreeBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 17}, nullptr, {24, 1, 6, 1, 13, 20}},
+TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
+    const std::vector<ClockCase> rows{{"TwoAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "2.000000", {}},
+        {"ThreeAhead", "UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, nullptr, {24, 12, 31, 23, 59, 59}},
+        {"TwoBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "-2.000000", {}},
+        {"ThreeBehind", "UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 57}, nullptr, {25, 1, 1, 0, 0, 0}},
+        {"Never", "UTC", kYearsEnd, {0, 1, 1, 0, 0, 0}, nullptr, {24, 12, 31, 23, 59, 59}},
+        {"EastOfUtc", "Asia/Kolkata", kYearsEnd, {25, 1, 1, 5, 29, 59}, "0.000000", {}},
+        {"WinterTwoBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 18}, "-2.000000", {}},
+        {"WinterThreeBehind", "Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 17}, nullptr, {24, 1, 6, 1, 13, 20}},
         // In daylight saving the device's calendar is taken for standard time: the right time is an hour off.
-        ClockCase{
-            "SummerRight", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, nullptr, {24, 7, 3, 11, 46, 40}},
-        ClockCase{"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}),
-    [](const auto& row) { return row.param.name; });
+        {"SummerRight", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, nullptr, {24, 7, 3, 11, 46, 40}},
+        {"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}};
+    for (const ClockCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        SimulatedHost::take();
+        SimulatedHost::setTimeZone(row.zone);
+        SimulatedHost::instance().now = row.host;
+        device().setClock(row.deviceClock);
+        EXPECT_TRUE(controller->SyncRtc());
+        const Journal journal = SimulatedHost::take();
+        ASSERT_EQ(journal.size(), row.interval != nullptr ? 3U : 6U);
+        Bytes block = with(kSettings, {{0, 2}});
+        std::ranges::copy(row.written, block.begin() + 2);
+        EXPECT_EQ(journal[2],
+            row.interval != nullptr ? "log TimeInterval = " + std::string(row.interval) + "\n" : set(11, block));
+    }
+}
 
 } // namespace

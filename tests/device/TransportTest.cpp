@@ -1,6 +1,6 @@
 // Finding the device and its interface, and what goes over the wire.
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "UvcBaseClass.h"
 #include "VN318UvcController.h"
 
@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 
+using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -21,7 +22,7 @@ const std::string kNoInterface = "log CameraControl Error: No interface to send 
 
 class Transport : public testing::Test {
 protected:
-    Transport() { TestHost::reset(); }
+    Transport() { SimulatedHost::reset(); }
 
     bool readStatus() {
         std::array<std::uint8_t, 4> block{};
@@ -42,14 +43,14 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
     EXPECT_TRUE(readStatus());
     EXPECT_EQ(bus.devices[1]->requests.size(), 1U);
     EXPECT_TRUE(bus.devices[2]->requests.empty());
-    EXPECT_THAT(TestHost::takeLog(), IsEmpty());
+    EXPECT_THAT(SimulatedHost::takeLog(), IsEmpty());
 }
 
 TEST_F(Transport, WithoutADeviceOneLineIsLogged) {
     device().unplug();
     EXPECT_FALSE(control.initWithVendorID(kVendor, kProduct));
-    EXPECT_THAT(TestHost::take(),
-                ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
+    EXPECT_THAT(SimulatedHost::take(),
+        ElementsAre("log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc."));
 }
 
 struct FailingStep {
@@ -59,45 +60,42 @@ struct FailingStep {
     bool opens; ///< a controller comes of it, which then has no interface
     const char* line;
 };
-[[maybe_unused]] void PrintTo(const FailingStep& row, std::ostream* out) { *out << row.name; }
 
-class TransportStep : public Transport, public testing::WithParamInterface<FailingStep> {};
-
-TEST_P(TransportStep, FailsWithItsLine) {
-    const FailingStep& failing = GetParam();
-    SimulatedBus::instance().failStep(failing.step, failing.result);
-    std::vector<std::string> expected;
-    if (failing.line != nullptr) expected.emplace_back(failing.line);
-    EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), failing.opens);
-    EXPECT_EQ(TestHost::take(), expected);
-    EXPECT_FALSE(readStatus());
-    EXPECT_THAT(TestHost::take(), ElementsAre(kNoInterface));
-    control.initWithLocationID(device().locationID);
-    EXPECT_EQ(TestHost::take(), expected);
-    EXPECT_FALSE(readStatus());
+TEST_F(Transport, EachStepFailsWithItsLine) {
+    const std::vector<FailingStep> rows{
+        {"DevicePlugIn", UsbStep::DevicePlugIn, UsbCode::Access, false,
+            "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffd."},
+        {"DevicePlugInEmpty", UsbStep::DevicePlugIn, UsbCode::Success, false,
+            "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0x00000000."},
+        {"DeviceObject", UsbStep::DeviceObject, UsbCode::Busy, false,
+            "log CameraControl Error: QueryInterface returned -6.\n"},
+        {"DeviceObjectEmpty", UsbStep::DeviceObject, UsbCode::Success, false,
+            "log CameraControl Error: QueryInterface returned 0.\n"},
+        {"InterfaceIterator", UsbStep::InterfaceIterator, UsbCode::InputOutput, true, nullptr},
+        {"InterfacePlugIn", UsbStep::InterfacePlugIn, UsbCode::Access, true,
+            "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
+        {"InterfaceServiceRelease", UsbStep::InterfaceServiceRelease, UsbCode::Stall, true,
+            "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
+        {"InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
+            "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
+        {"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
+            "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}};
+    for (const FailingStep& row : rows) {
+        SCOPED_TRACE(row.name);
+        SimulatedBus::instance().clearFailures();
+        SimulatedBus::instance().failStep(row.step, row.result);
+        std::vector<std::string> expected;
+        if (row.line != nullptr) expected.emplace_back(row.line);
+        EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), row.opens);
+        EXPECT_EQ(SimulatedHost::take(), expected);
+        EXPECT_FALSE(readStatus());
+        EXPECT_THAT(SimulatedHost::take(), ElementsAre(kNoInterface));
+        control.initWithLocationID(device().locationID);
+        EXPECT_EQ(SimulatedHost::take(), expected);
+        EXPECT_FALSE(readStatus());
+        SimulatedHost::take();
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    EachStep, TransportStep,
-    testing::Values(
-        FailingStep{"DevicePlugIn", UsbStep::DevicePlugIn, UsbCode::Access, false,
-                    "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffd."},
-        FailingStep{"DevicePlugInEmpty", UsbStep::DevicePlugIn, UsbCode::Success, false,
-                    "log CameraControl Error: IOCreatePlugInInterfaceForService returned 0x00000000."},
-        FailingStep{"DeviceObject", UsbStep::DeviceObject, UsbCode::Busy, false,
-                    "log CameraControl Error: QueryInterface returned -6.\n"},
-        FailingStep{"DeviceObjectEmpty", UsbStep::DeviceObject, UsbCode::Success, false,
-                    "log CameraControl Error: QueryInterface returned 0.\n"},
-        FailingStep{"InterfaceIterator", UsbStep::InterfaceIterator, UsbCode::InputOutput, true, nullptr},
-        FailingStep{"InterfacePlugIn", UsbStep::InterfacePlugIn, UsbCode::Access, true,
-                    "log CameraControl Error: Unable to create a plug-in (00000000)\n"},
-        FailingStep{"InterfaceServiceRelease", UsbStep::InterfaceServiceRelease, UsbCode::Stall, true,
-                    "log CameraControl Error: Unable to create a plug-in (fffffff7)\n"},
-        FailingStep{"InterfaceObject", UsbStep::InterfaceObject, UsbCode::NoDevice, true,
-                    "log CameraControl Error: Couldn’t create a device interface for the interface (fffffffc)"},
-        FailingStep{"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
-                    "log CameraControl Error: Couldn’t create a device interface for the interface (00000000)"}),
-    [](const auto& row) { return row.param.name; });
 
 TEST_F(Transport, OpensByLocation) {
     auto& bus = SimulatedBus::instance();
@@ -122,12 +120,12 @@ TEST_F(Transport, InterfaceNumberNeverReachesTheWire) {
     device().videoControlInterface = 2;
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_FALSE(readStatus()); // the device listens on 2, the request says 0
-    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 |  ! -9"));
+    EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 |  ! -9"));
 
     device().videoControlInterface.reset();
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_FALSE(readStatus());
-    EXPECT_THAT(TestHost::take(), ElementsAre("release", kNoInterface));
+    EXPECT_THAT(SimulatedHost::take(), ElementsAre("release", kNoInterface));
 }
 
 TEST_F(Transport, InterfaceNumberIsAskedForAndDropped) {
@@ -138,10 +136,10 @@ TEST_F(Transport, InterfaceNumberIsAskedForAndDropped) {
     const auto interface = UVCCameraControl::getControlInferaceWithDeviceInterface(*object);
     ASSERT_TRUE(interface);
     EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
-    EXPECT_THAT(TestHost::take(), IsEmpty());
+    EXPECT_THAT(SimulatedHost::take(), IsEmpty());
     bus.failStep(UsbStep::InterfaceNumber, UsbCode::NoDevice);
     EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
-    EXPECT_THAT(TestHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
+    EXPECT_THAT(SimulatedHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
 }
 
 TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
@@ -152,7 +150,7 @@ TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
     std::array<std::uint8_t, 4> block{9, 9, 9, 9};
     EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(9, 9, 9, 9));
-    EXPECT_THAT(TestHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
+    EXPECT_THAT(SimulatedHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
     EXPECT_EQ(bus.closeCount, 1U);
     EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(0x51, 0x02, 0x83, 0x1C));
@@ -162,10 +160,10 @@ TEST_F(Transport, ClosesAndReleasesItsInterface) {
     {
         CUvcBaseControl other;
         ASSERT_TRUE(other.initWithVendorID(kVendor, kProduct));
-        EXPECT_THAT(TestHost::take(), IsEmpty());
+        EXPECT_THAT(SimulatedHost::take(), IsEmpty());
     }
     EXPECT_EQ(SimulatedBus::instance().closeCount, 1U);
-    EXPECT_THAT(TestHost::take(), ElementsAre("release"));
+    EXPECT_THAT(SimulatedHost::take(), ElementsAre("release"));
 }
 
 TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
@@ -175,9 +173,10 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
     EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device does not know
     std::array<std::uint8_t, 7> block{1, 2, 3, 4, 5, 6, 7};
     EXPECT_TRUE(control.SetData2(block, 7, 13, 3));
-    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
-                                                      "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
-                                                      "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
+    EXPECT_THAT(SimulatedHost::takeRequests(),
+        ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
+            "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
+            "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
 }
 
 struct CameraControl {
@@ -188,48 +187,40 @@ struct CameraControl {
     float (UVCCameraControl::*get)();
     bool inverted;
 };
-[[maybe_unused]] void PrintTo(const CameraControl& row, std::ostream* out) { *out << row.name; }
-
-class StandardControl : public Transport, public testing::WithParamInterface<CameraControl> {
-protected:
-    static std::string request(const char* start) { return std::string(start) + " " + GetParam().address + " |"; }
-};
-
-// A responding device has the range 1 to 1, so that whatever is set is a 1 and what is read is no number.
-TEST_P(StandardControl, TakesSuccessFlagsForValues) {
-    const CameraControl& row = GetParam();
-    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
-    EXPECT_TRUE((control.*row.set)(0.25F));
-    auto requests = TestHost::takeRequests();
-    ASSERT_EQ(requests.size(), 3U);
-    EXPECT_TRUE(requests[0].starts_with(request("a1 82"))) << requests[0];
-    EXPECT_TRUE(requests[1].starts_with(request("a1 83"))) << requests[1];
-    EXPECT_EQ(requests[2], request("21 01") + " " + row.one);
-    EXPECT_TRUE(std::isnan((control.*row.get)()));
-    requests = TestHost::takeRequests();
-    ASSERT_EQ(requests.size(), 3U);
-    EXPECT_TRUE(requests[2].starts_with(request("a1 81"))) << requests[2];
-
-    // With the minimum refused the range is 0 to 1 and shows the scale's direction.
-    device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
-    EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
-    EXPECT_EQ(TestHost::takeRequests().back(), request("21 01") + " " + row.one);
-    device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
-    EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
-}
 
 using U = UVCCameraControl;
-INSTANTIATE_TEST_SUITE_P(
-    All, StandardControl,
-    testing::Values(
-        CameraControl{"Exposure", "00 04 00 01 04 00", "01 00 00 00", &U::setExposure, &U::getExposure, true},
-        CameraControl{"Brightness", "00 02 00 02 02 00", "01 00", &U::setBrightness, &U::getBrightness, false},
-        CameraControl{"Contrast", "00 03 00 02 02 00", "01 00", &U::setContrast, &U::getContrast, false},
-        CameraControl{"Gain", "00 04 00 02 02 00", "01 00", &U::setGain, &U::getGain, false},
-        CameraControl{"Saturation", "00 07 00 02 02 00", "01 00", &U::setSaturation, &U::getSaturation, false},
-        CameraControl{"Sharpness", "00 08 00 02 02 00", "01 00", &U::setSharpness, &U::getSharpness, false},
-        CameraControl{"WhiteBalance", "00 0a 00 02 02 00", "01 00", &U::setWhiteBalance, &U::getWhiteBalance, false}),
-    [](const auto& row) { return row.param.name; });
+
+// A responding device has the range 1 to 1, so that whatever is set is a 1 and what is read is no number.
+TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
+    const std::vector<CameraControl> rows{
+        {"Exposure", "00 04 00 01 04 00", "01 00 00 00", &U::setExposure, &U::getExposure, true},
+        {"Brightness", "00 02 00 02 02 00", "01 00", &U::setBrightness, &U::getBrightness, false},
+        {"Contrast", "00 03 00 02 02 00", "01 00", &U::setContrast, &U::getContrast, false},
+        {"Gain", "00 04 00 02 02 00", "01 00", &U::setGain, &U::getGain, false},
+        {"Saturation", "00 07 00 02 02 00", "01 00", &U::setSaturation, &U::getSaturation, false},
+        {"Sharpness", "00 08 00 02 02 00", "01 00", &U::setSharpness, &U::getSharpness, false},
+        {"WhiteBalance", "00 0a 00 02 02 00", "01 00", &U::setWhiteBalance, &U::getWhiteBalance, false}};
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    for (const CameraControl& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto request = [&row](const char* start) { return std::string(start) + " " + row.address + " |"; };
+        EXPECT_TRUE((control.*row.set)(0.25F));
+        auto requests = SimulatedHost::takeRequests();
+        ASSERT_EQ(requests.size(), 3U);
+        EXPECT_THAT(requests[0], testing::StartsWith(request("a1 82")));
+        EXPECT_THAT(requests[1], testing::StartsWith(request("a1 83")));
+        EXPECT_EQ(requests[2], request("21 01") + " " + row.one);
+        EXPECT_TRUE(std::isnan((control.*row.get)()));
+        EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre(_, _, testing::StartsWith(request("a1 81"))));
+        // With the minimum refused the range is 0 to 1 and shows the scale's direction.
+        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
+        EXPECT_EQ(SimulatedHost::takeRequests().back(), request("21 01") + " " + row.one);
+        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
+        SimulatedHost::take();
+    }
+}
 
 TEST_F(Transport, AutomaticModes) {
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
@@ -240,10 +231,10 @@ TEST_F(Transport, AutomaticModes) {
     EXPECT_FALSE(control.getAutoExposure());
     EXPECT_TRUE(control.getAutoWhiteBalance()); // the device's setting is 0 now
     EXPECT_EQ(control.getExtension(), 0x51);
-    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01",
-                                                      "21 01 00 0b 00 02 01 00 | 01", "21 01 00 0b 00 02 01 00 | 00",
-                                                      "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
-                                                      "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
+    EXPECT_THAT(SimulatedHost::takeRequests(),
+        ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01", "21 01 00 0b 00 02 01 00 | 01",
+            "21 01 00 0b 00 02 01 00 | 00", "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
+            "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
     device().unplug();
     EXPECT_FALSE(control.getAutoWhiteBalance());
     EXPECT_FALSE(control.getAutoExposure());
@@ -263,7 +254,7 @@ TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
     const auto sent = [this](float value) {
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
-        return TestHost::takeRequests().back();
+        return SimulatedHost::takeRequests().back();
     };
     EXPECT_THAT(sent(1e20F), testing::EndsWith("| ff ff ff 7f"));
     EXPECT_THAT(sent(-1e20F), testing::EndsWith("| 00 00 00 80"));

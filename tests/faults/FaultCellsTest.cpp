@@ -21,8 +21,8 @@ struct Ended {
 constexpr int kActions = 8; // start-up, six handlers, start-up with the clock wrong
 constexpr int kWrongClockStart = 7;
 constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
-constexpr std::array<const char*, kActions> kActionNames{"start-up", "quality", "microphone", "headphone",
-                                                         "HDMI/AUX", "HDCP on", "HDCP off",   "start-up, clock wrong"};
+constexpr std::array<const char*, kActions> kActionNames{
+    "start-up", "quality", "microphone", "headphone", "HDMI/AUX", "HDCP on", "HDCP off", "start-up, clock wrong"};
 constexpr int kChosenLevel = 0;
 constexpr int kChosenVolume = 201;
 
@@ -72,8 +72,8 @@ RequestFault requestFault(Trouble trouble) {
 void prepareTrouble(Trouble trouble, int n, bool twice) {
     const bool another = trouble == Trouble::Another;
     if (twice)
-        SimulatedBus::instance().devices[another ? 1 : 0]->addFault({}, another ? 1U : static_cast<unsigned>(n) + 1,
-                                                                    RequestFault::Stall);
+        SimulatedBus::instance().devices[another ? 1 : 0]->addFault(
+            {}, another ? 1U : static_cast<unsigned>(n) + 1, RequestFault::Stall);
     if (trouble == Trouble::GoneBefore && n == 1) device().unplug();
     if (trouble != Trouble::None && trouble != Trouble::GoneBefore && trouble != Trouble::BackAfter)
         device().addFault({}, static_cast<unsigned>(n), requestFault(trouble));
@@ -92,7 +92,7 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
 }
 
 void setUpDevices(Trouble trouble) {
-    TestHost::reset();
+    SimulatedHost::reset();
     const auto note = device().onRequest;
     if (trouble == Trouble::Another) {
         SimulatedBus::instance().devices.push_back(std::make_shared<SimulatedDevice>());
@@ -130,7 +130,7 @@ Block held(const std::vector<std::uint8_t>& audio, int bitRate, int hdcp) {
 
 } // namespace
 
-extern "C" void __wrap_exit(int status) { throw Ended{status, TestHost::take()}; }
+extern "C" void __wrap_exit(int status) { throw Ended{status, SimulatedHost::take()}; }
 
 class FaultCellsTest : public QObject {
     Q_OBJECT
@@ -149,7 +149,7 @@ private:
         if (!starts) {
             settings.emplace();
             model.startUp();
-            if (TestHost::take() != std::exchange(model.journal, {})) difference = "start-up";
+            if (SimulatedHost::take() != std::exchange(model.journal, {})) difference = "start-up";
         }
         if (!starts) model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
         model.expectTrouble(trouble, n, twice);
@@ -161,7 +161,7 @@ private:
         try {
             if (starts) settings.emplace();
             else actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
-            journal = TestHost::take();
+            journal = SimulatedHost::take();
         } catch (const Ended& end) {
             status = end.status;
             journal = end.journal;
@@ -170,7 +170,7 @@ private:
         if (first.first != journal.end() || first.second != model.journal.end())
             difference = QString("journal: \"%1\" instead of \"%2\"")
                              .arg(first.first == journal.end() ? "nothing" : first.first->c_str(),
-                                  first.second == model.journal.end() ? "nothing" : first.second->c_str());
+                                 first.second == model.journal.end() ? "nothing" : first.second->c_str());
         if (survives ? status.has_value() : status != 0) difference = "end";
         if (survives && !status && shown(*settings) != model.window) difference = "window";
         for (std::size_t i = 0; i < model.devices.size(); ++i) {
@@ -191,8 +191,8 @@ private:
             const std::optional<int> made = cell(action, trouble, n, twice, difference);
             const QString name = QString("%1, %2 at request %3%4: ")
                                      .arg(kActionNames[static_cast<std::size_t>(action)],
-                                          kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
-                                          twice ? " and a stall after it" : "");
+                                         kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
+                                         twice ? " and a stall after it" : "");
             if (!made) qFatal("%s", qPrintable(name + difference));
             // As long as there is a request for the fault to meet.
             if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0)) return n - 1;
@@ -230,7 +230,7 @@ private slots:
         Block meant = held({device().audio.begin(), device().audio.end()}, 0x21, 1);
         int ends = 0;
         for (int turn = 0; turn < 10'000; ++turn) {
-            TestHost::take();
+            SimulatedHost::take();
             // A second writer changes fields behind the program's back.
             const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
             meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));
@@ -238,8 +238,8 @@ private slots:
             device().clearFaults();
             for (int faults = below(3); faults > 0; --faults)
                 device().addFault({}, 1U + static_cast<unsigned>(below(5)),
-                                  std::array{RequestFault::Stall, RequestFault::TimeOut,
-                                             RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
+                    std::array{RequestFault::Stall, RequestFault::TimeOut,
+                        RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
             const int action = 1 + below(6);
             const int level = below(3);
             const int volume = below(256);
@@ -265,7 +265,7 @@ private slots:
             if (action == 4) mayBe(1, volume), mayBe(2, volume);
             if (action >= 5) mayBe(8, action == 5 ? 1 : 0);
             QCOMPARE(held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]),
-                     meant);
+                meant);
         }
         qInfo("10000 actions, %d of them ended the program, no setting lost", ends);
         QVERIFY(ends > 100);

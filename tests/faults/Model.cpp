@@ -1,6 +1,6 @@
 #include "Model.h"
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -8,8 +8,8 @@
 
 namespace {
 
-const Block kVersions{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D,
-                      0x1E, 5,    6,    7,    8,    9,    10,   11,   12,   1,    2,    3,    4};
+const Block kVersions{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D, 0x1E, 5, 6, 7, 8, 9,
+    10, 11, 12, 1, 2, 3, 4};
 constexpr std::array kNow{23, 11, 14, 22, 13, 20}; // the test host's time, before its sleeps
 constexpr std::array kPowerOn{0, 1, 1, 0, 0, 0};
 
@@ -27,9 +27,8 @@ Block zeros(int selector) { return Block(selector == 11 ? 13 : selector == 12 ? 
 } // namespace
 
 const std::array<Model::Volume, 4> Model::kVolumes{{{3, "Mic gain", "SetMicrophoneVolume", "GetMicrophoneVolume"},
-                                                    {5, "Headphone vol", "setHaedphone", "GetHeadphoneVolume"},
-                                                    {1, "HDMI vol", "setHaedphone", "GetHdmiVolume"},
-                                                    {2, "AUX vol", "setAuxVolume", ""}}};
+    {5, "Headphone vol", "setHaedphone", "GetHeadphoneVolume"}, {1, "HDMI vol", "setHaedphone", "GetHdmiVolume"},
+    {2, "AUX vol", "setAuxVolume", ""}}};
 
 void Model::expectTrouble(Trouble kind, int n, bool twice) {
     m_twice = twice;
@@ -113,9 +112,9 @@ bool Model::request(bool isGet, int selector, Block& block) {
     if (m_open->plugged && m_open->plugs == m_openPlugs) {
         ++requests;
         done = carry(isGet, selector, block,
-                     requests == m_troubleAt                  ? m_trouble
-                     : requests == m_troubleAt + 1 && m_twice ? Trouble::Stall
-                                                              : Trouble::None);
+            requests == m_troubleAt                      ? m_trouble
+                : requests == m_troubleAt + 1 && m_twice ? Trouble::Stall
+                                                         : Trouble::None);
         if (m_trouble == Trouble::GoneBefore && requests == m_troubleAt - 1) m_open->plugged = false;
         if (m_trouble == Trouble::BackAfter && requests == m_troubleAt) {
             ++m_open->plugs;
@@ -215,7 +214,7 @@ Block Model::firmware() {
     Block b = zeros(12);
     const bool read = request(true, 12, b);
     log(text("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, HDMI splitter fw ver= %d.%d.%d.%d\n",
-             b[22], b[23], b[24], b[25], b[14], b[15], b[16], b[17], b[18], b[19], b[20], b[21]));
+        b[22], b[23], b[24], b[25], b[14], b[15], b[16], b[17], b[18], b[19], b[20], b[21]));
     if (!read) log("getExtension_GetFwVersion..getData Fail! \n");
     return b;
 }
@@ -238,7 +237,7 @@ bool Model::startUp() {
     getHdcp(hdcp);
     window.hdcpOn = hdcp == 1;
     window.firmware = text("Firmware v%d.%d.%d.%d (%02d%02d%02d%02d.%02d%02d%02d%02d)", b[22], b[23], b[24], b[25],
-                           b[14], b[15], b[16], b[17], b[18], b[19], b[20], b[21]);
+        b[14], b[15], b[16], b[17], b[18], b[19], b[20], b[21]);
     window.item = h264 < 3 ? h264 : -1;
     return true;
 }

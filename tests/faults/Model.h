@@ -11,9 +11,8 @@
 /// What one request meets. The device goes away before or during it, comes back right after it, or turns out
 /// to be no camera any more; or it goes away while a second one is plugged in.
 enum class Trouble { None, Stall, TimeOut, ShortData, Garbage, GoneBefore, GoneDuring, BackAfter, NoCamera, Another };
-inline constexpr std::array<const char*, 10> kTroubleNames{"none",      "stall",         "time-out",    "short data",
-                                                           "garbage",   "gone before",   "gone during", "back after",
-                                                           "no camera", "another device"};
+inline constexpr std::array<const char*, 10> kTroubleNames{"none", "stall", "time-out", "short data", "garbage",
+    "gone before", "gone during", "back after", "no camera", "another device"};
 
 using Block = std::vector<int>;
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <stdexcept>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -56,15 +57,19 @@ protected:
         return UVCCameraControl::getControlInferaceWithDeviceInterface(*device.object);
     }
 
+    /// Plugged in and opened.
+    std::unique_ptr<UsbInterface> plugIn(const FakePlug& plug) {
+        kernel.plug(plug);
+        auto interface = open();
+        if (!interface) throw std::runtime_error("no VideoControl interface");
+        return interface;
+    }
+
     /// One request with the bytes of `block`. GET_CUR or SET_CUR.
     UsbResult request(UsbInterface& interface, std::uint8_t code, std::uint8_t selector, std::uint8_t unit = 3) {
-        UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)),
-                                  code,
-                                  static_cast<std::uint16_t>(selector << 8),
-                                  static_cast<std::uint16_t>(unit << 8),
-                                  static_cast<std::uint16_t>(block.size()),
-                                  block.data(),
-                                  0};
+        UsbControlRequest request{static_cast<std::uint8_t>(0x21 | (code & 0x80)), code,
+            static_cast<std::uint16_t>(selector << 8), static_cast<std::uint16_t>(unit << 8),
+            static_cast<std::uint16_t>(block.size()), block.data(), 0};
         return interface.ControlRequest(0, request);
     }
     UsbResult get(UsbInterface& interface) { return request(interface, 0x81, 13); }
@@ -83,25 +88,23 @@ protected:
 const std::vector<std::uint8_t> kUntouched(7, 0xEE);
 
 TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kKernel);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     block[5] = 9;
     EXPECT_EQ(set(*interface), UsbCode::Success);
-    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
-                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 09 e4"));
+    EXPECT_THAT(wire(),
+        ElementsAre(
+            "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4", "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 09 e4"));
     EXPECT_THAT(kernel.calls, ElementsAre("query", "query"));
 }
 
 TEST_F(LinuxUsb, DirectRequestsClaimForTheirLengthOnly) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     EXPECT_EQ(set(*interface), UsbCode::Success);
-    EXPECT_THAT(wire(), ElementsAre("a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4",
-                                    "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4"));
+    EXPECT_THAT(wire(),
+        ElementsAre(
+            "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4", "21 01 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4"));
     EXPECT_THAT(kernel.calls, ElementsAre("claim 0", "transfer", "release 0", "claim 0", "transfer", "release 0"));
     // Standard controls, and more than any of its blocks has
     block.resize(2);
@@ -122,15 +125,15 @@ const FakePlug kOtherInterface{.videoControlInterface = 1, .driver = "uvcvideo",
 
 TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
     const std::vector<NoWay> rows{
-        {"VideoControl is interface 1", kOtherInterface},  {"no capture node", {.driver = "uvcvideo"}},
-        {"another driver", {.driver = "vendor"}},          {"camera terminal", kKernel, 1, UsbCode::Success},
+        {"VideoControl is interface 1", kOtherInterface},
+        {"no capture node", {.driver = "uvcvideo"}},
+        {"another driver", {.driver = "vendor"}},
+        {"camera terminal", kKernel, 1, UsbCode::Success},
         {"processing unit", kKernel, 2, UsbCode::Success},
     };
     for (const NoWay& row : rows) {
         SCOPED_TRACE(row.name);
-        kernel.plug(row.plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(row.plug);
         EXPECT_EQ(request(*interface, 0x81, 2, row.unit), UsbCode::NotSendable);
         EXPECT_EQ(interface->USBInterfaceClose(), row.close);
         EXPECT_THAT(wire(), IsEmpty());
@@ -147,11 +150,9 @@ struct Failure {
 TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
     for (const FakePlug& plug : {kKernel, kDirect}) {
         for (const Failure& row :
-             {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
+            {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
             SCOPED_TRACE(plug.driver + ' ' + std::to_string(row.result));
-            kernel.plug(plug);
-            const auto interface = open();
-            ASSERT_TRUE(interface);
+            const auto interface = plugIn(plug);
             kernel.device->addFault({}, 1, row.fault);
             block = kUntouched;
             EXPECT_EQ(get(*interface), row.result);
@@ -169,13 +170,10 @@ TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
 }
 
 TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
-    const std::vector<std::pair<int, UsbResult>> rows{
-        {ENODEV, UsbCode::NoDevice},     {ESHUTDOWN, UsbCode::NoDevice},  {ETIMEDOUT, UsbCode::TimeOut},
-        {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable}, {EIO, UsbCode::InputOutput},
-        {EACCES, UsbCode::Stall},        {EBUSY, UsbCode::Stall},         {ENOMEM, UsbCode::InputOutput}};
+    const auto interface = plugIn(kKernel);
+    const std::vector<std::pair<int, UsbResult>> rows{{ENODEV, UsbCode::NoDevice}, {ESHUTDOWN, UsbCode::NoDevice},
+        {ETIMEDOUT, UsbCode::TimeOut}, {ENOBUFS, UsbCode::NotSendable}, {EBADRQC, UsbCode::NotSendable},
+        {EIO, UsbCode::InputOutput}, {EACCES, UsbCode::Stall}, {EBUSY, UsbCode::Stall}, {ENOMEM, UsbCode::InputOutput}};
     for (const auto& [error, result] : rows) {
         kernel.queryError = error;
         EXPECT_EQ(get(*interface), result) << error;
@@ -184,9 +182,7 @@ TEST_F(LinuxUsb, TheDriversReasonsBecomeResults) {
 }
 
 TEST_F(LinuxUsb, NobodyWaitsLongerThanFiveSeconds) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     kernel.device->addFault({}, 1, RequestFault::TimeOut);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(get(*interface), UsbCode::TimeOut);
@@ -210,9 +206,7 @@ public:
 TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
     for (const auto& [plug, node] : {std::pair(kKernel, "/dev/video4"), std::pair(kDirect, "/dev/bus/usb/001/002")}) {
         SCOPED_TRACE(node);
-        kernel.plug(plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(plug);
         {
             kernel.forbid(node);
             const AsNobody nobody;
@@ -224,9 +218,7 @@ TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
 }
 
 TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
-    kernel.plug(kKernel);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kKernel);
     fakeCaptureDevice = makedev(81, 5); // the name has gone to another device
     EXPECT_EQ(get(*interface), UsbCode::NoDevice);
     const std::string path = kernel.pathOf("/dev/video4");
@@ -238,9 +230,7 @@ TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
 }
 
 TEST_F(LinuxUsb, TheWayIsChosenAgainAfterAClose) {
-    kernel.plug(kDirect);
-    const auto interface = open();
-    ASSERT_TRUE(interface);
+    const auto interface = plugIn(kDirect);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     kernel.bind(kKernel);
     EXPECT_EQ(get(*interface), UsbCode::Busy); // the driver is left alone
@@ -263,9 +253,7 @@ TEST_F(LinuxUsb, AThousandRePlugsLeaveNoFileOpen) {
         plug.address = 2 + i % 100;
         if (plug.captureNode >= 0) plug.captureNode = static_cast<int>(i % 60); // the node has another number each time
         fakeCaptureDevice = makedev(81, i % 60);
-        kernel.plug(plug);
-        const auto interface = open();
-        ASSERT_TRUE(interface);
+        const auto interface = plugIn(plug);
         ASSERT_EQ(get(*interface), UsbCode::Success) << i;
         kernel.unplug();
         ASSERT_EQ(get(*interface), UsbCode::NoDevice) << i;
@@ -313,10 +301,8 @@ TEST_F(LinuxUsb, DescriptorsThatMeanNothingGiveNoInterface) {
     Bytes tooLong = good;
     tooLong[9 + 8] = 0xFF; // its descriptor reaches past the end
     const std::vector<std::pair<const char*, Bytes>> rows{{"no configuration", device},
-                                                          {"cut in the header", with({9, 2, 0xCA})},
-                                                          {"no video", with(noVideo)},
-                                                          {"longer than all", with(tooLong)},
-                                                          {"zeros", with(Bytes(200, 0))}};
+        {"cut in the header", with({9, 2, 0xCA})}, {"no video", with(noVideo)}, {"longer than all", with(tooLong)},
+        {"zeros", with(Bytes(200, 0))}};
     for (const auto& [name, descriptors] : rows) {
         SCOPED_TRACE(name);
         kernel.plug({.descriptors = descriptors});

@@ -1,6 +1,6 @@
 #include "ChildProcess.h"
 
-#include "TestHost.h"
+#include "SimulatedHost.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -20,7 +20,7 @@ namespace {
 constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the file descriptor for its journal
 
 [[noreturn]] void runPart(const std::function<void()>& part, int journal) {
-    TestHost::instance().journalCopy = journal;
+    SimulatedHost::instance().journalCopy = journal;
     part();
     std::_Exit(99);
 }
@@ -31,7 +31,7 @@ constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the fil
     const int nowhere = ::open("/dev/null", O_WRONLY);
     ::dup2(nowhere, STDOUT_FILENO);
     const QByteArray row = QByteArray(QTest::currentTestFunction())
-                           + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
+        + (QTest::currentDataTag() ? QByteArray(":") + QTest::currentDataTag() : QByteArray());
     const QByteArray program = QCoreApplication::applicationFilePath().toLocal8Bit();
     ::execl(program.constData(), program.constData(), "-nocrashhandler", row.constData(), nullptr);
     std::_Exit(98);

@@ -2,9 +2,8 @@
 
 #include "AppDelegate.h"
 #include "ChildProcess.h"
-#include "TestHost.h"
+#include "SimulatedHost.h"
 #include "ViewController.h"
-#include "host/Log.h"
 #include "windows/WindowDescription.h"
 
 #include <QApplication>
@@ -48,14 +47,6 @@ inline void whenShown(const QString& name, std::function<void(QWidget&)> act) {
     QTimer::singleShot(1, qApp, [name, act = std::move(act)] {
         if (QWidget* window = visibleWindow(name)) act(*window);
         else whenShown(name, act);
-    });
-}
-
-/// Presses the alert's button once it is up, and notes in the journal that it was.
-inline void dismissAlertWhenShown() {
-    whenShown(QStringLiteral("AlertWindow"), [](QWidget& alert) {
-        systemLog("alert");
-        QTest::mouseClick(alert.findChild<QWidget*>(QStringLiteral("DismissButton")), Qt::LeftButton);
     });
 }
 

@@ -13,22 +13,16 @@
 
 namespace {
 
-using Journal = std::vector<std::string>;
-
-const std::string kCreated = "log call camera CreateInstance";
-
 /// The requests as words like "GET 13" and "SET 11", failed ones with a "!".
 QString requestsInShort() {
     QStringList words;
-    for (const std::string& request : TestHost::takeRequests()) {
+    for (const std::string& request : SimulatedHost::takeRequests()) {
         const QString text = QString::fromStdString(request);
         words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
-                     + (text.contains('!') ? "!" : "");
+                + (text.contains('!') ? "!" : "");
     }
     return words.join(", ");
 }
-
-qsizetype created(const Journal& journal) { return std::ranges::count(journal, kCreated); }
 
 bool showsStars(const SettingsWindow& settings, const char* image) {
     const QImage expected = mainBundle::imageNamed(QString::fromLatin1(image)).toImage();
@@ -59,7 +53,7 @@ class SettingsWindowTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void startUpShowsTheDevice_data() {
         QTest::addColumn<int>("levels");
@@ -92,7 +86,7 @@ private slots:
         QCOMPARE(label.text(), "Firmware v10.0.255.7 (01020304.100000999)");
         QCOMPARE(QAccessible::queryAccessibleInterface(&label)->text(QAccessible::Name), label.text());
         QCOMPARE(requestsInShort(),
-                 "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
+            "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
     }
 
     void startUpStylesTheTitles() {
@@ -114,25 +108,6 @@ private slots:
         QCOMPARE(settings.control("HdcpOffButton").property("text").toString(), "O&ff"); // with its mnemonic
     }
 
-    void theAlertEndsTheProgram_data() {
-        QTest::addColumn<bool>("atStart");
-        QTest::newRow("start-up") << true;
-        QTest::newRow("action") << false;
-    }
-    void theAlertEndsTheProgram() {
-        QFETCH(bool, atStart);
-        const ChildEnd end = runInChild([atStart] {
-            if (atStart) device().unplug();
-            dismissAlertWhenShown();
-            SettingsWindow settings;
-            device().unplug();
-            press(settings, "SliderHeadphoneVolume", Qt::Key_Left);
-        });
-        QCOMPARE(end.status, 0);
-        QCOMPARE(end.journal.back(), "log alert");
-        QCOMPARE(created(end.journal), atStart ? 1 : 2);
-    }
-
     void everyWayOfTheUserActs_data() {
         QTest::addColumn<QString>("slider");
         QTest::addColumn<int>("byte");
@@ -147,11 +122,11 @@ private slots:
         const SettingsWindow settings;
         auto& control = settings.control<QSlider>(qPrintable(slider));
         const auto held = [byte] { return int{device().audio[static_cast<std::size_t>(byte)]}; };
-        TestHost::take();
+        SimulatedHost::take();
         QTest::keyClick(&control, Qt::Key_Right);
         QCOMPARE(held(), 101);
         QCOMPARE(requestsInShort(),
-                 slider.contains("Hmdi") ? "GET 13, SET 13, GET 13, SET 13, GET 13" : "GET 13, SET 13, GET 13");
+            slider.contains("Hmdi") ? "GET 13, SET 13, GET 13, SET 13, GET 13" : "GET 13, SET 13, GET 13");
         QTest::keyClick(&control, Qt::Key_PageUp);
         QCOMPARE(held(), 117);
         QTest::mouseClick(&control, Qt::LeftButton, {}, knob(control, 250));
@@ -161,8 +136,8 @@ private slots:
         QTest::mouseRelease(&control, Qt::LeftButton, {}, knob(control, 50));
         QVERIFY2(std::abs(held() - 50) <= 1, qPrintable(QString::number(held())));
         const int before = held();
-        QWheelEvent wheel(knob(control, 50), control.mapToGlobal(knob(control, 50)), {}, {0, 120}, {}, {},
-                          Qt::NoScrollPhase, false);
+        QWheelEvent wheel(
+            knob(control, 50), control.mapToGlobal(knob(control, 50)), {}, {0, 120}, {}, {}, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(&control, &wheel);
         QVERIFY(held() > before);
         QAccessible::queryAccessibleInterface(&control)->valueInterface()->setCurrentValue(7);
@@ -175,7 +150,7 @@ private slots:
         SettingsWindow settings;
         auto& on = settings.control<QRadioButton>("HdcpOnButton");
         auto& off = settings.control<QRadioButton>("HdcpOffButton");
-        TestHost::take();
+        SimulatedHost::take();
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2});
         QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2}); // the selected one again
@@ -192,7 +167,7 @@ private slots:
 
     void popUpActsAlsoOnTheSameItem() {
         SettingsWindow settings;
-        TestHost::take();
+        SimulatedHost::take();
         chooseItem(settings, 1);
         QCOMPARE(requestsInShort(), "GET 11, GET 11, SET 11, GET 11");
         auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
@@ -220,16 +195,15 @@ private slots:
             connected << outlet->name();
         }
         QCOMPARE(connected.join(' '),
-                 "MyMainImageView LabelBitRateState ButtonHigh ButtonMiddle ButtonLow PopupRecordQuality QualityImage "
-                 "LabelMicrophoneVolume SliderMicrophoneVolume LabelHeadphoneVolume SliderHeadphoneVolume "
-                 "LabelHdmiAuxVolume SliderHmdiAuxVolume LabelFwVersion HdcpOnButton HdcpOffButton");
+            "MyMainImageView LabelBitRateState ButtonHigh ButtonMiddle ButtonLow PopupRecordQuality QualityImage "
+            "LabelMicrophoneVolume SliderMicrophoneVolume LabelHeadphoneVolume SliderHeadphoneVolume "
+            "LabelHdmiAuxVolume SliderHmdiAuxVolume LabelFwVersion HdcpOnButton HdcpOffButton");
     }
 
     void missingOutletStopsAtItsFirstUse_data() {
         QTest::addColumn<bool>("used");
-        for (const char* name :
-             {"PopupRecordQuality", "QualityImage", "SliderMicrophoneVolume", "SliderHeadphoneVolume",
-              "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton", "HdcpOffButton"})
+        for (const char* name : {"PopupRecordQuality", "QualityImage", "SliderMicrophoneVolume",
+                 "SliderHeadphoneVolume", "SliderHmdiAuxVolume", "LabelFwVersion", "HdcpOnButton", "HdcpOffButton"})
             QTest::newRow(name) << true;
         for (const char* name : {"MyMainImageView", "LabelBitRateState", "ButtonHigh", "LabelHdmiAuxVolume"})
             QTest::newRow(name) << false;

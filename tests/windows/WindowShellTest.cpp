@@ -37,7 +37,7 @@ class WindowShellTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { TestHost::reset(); }
+    void init() { SimulatedHost::reset(); }
 
     void everyWayEndsTheModalRun_data() {
         QTest::addColumn<QString>("window");
@@ -103,23 +103,6 @@ private slots:
             QCoreApplication::installTranslator(translator);
     }
 
-    void theProgramEndsWithStatusZero_data() {
-        QTest::addColumn<QString>("button");
-        QTest::newRow("Ctrl+Q") << "";
-        QTest::newRow("quit button") << "QuitButton";
-    }
-    void theProgramEndsWithStatusZero() {
-        QFETCH(QString, button);
-        const ChildEnd end = runInChild([&button] {
-            SettingsWindow settings;
-            TestHost::take();
-            if (button.isEmpty()) QTest::keyClick(&settings.window(), Qt::Key_Q, Qt::ControlModifier);
-            else QTest::mouseClick(&settings.control(qPrintable(button)), Qt::LeftButton);
-        });
-        QCOMPARE(end.status, 0);
-        QVERIFY(end.journal.back().starts_with("log getExtension_HDCP")); // start-up's last: no request to the device
-    }
-
     void closingTheWindowEndsTheProgram() {
         SettingsWindow settings;
         QTimer::singleShot(0, &settings.window(), &QWidget::close);
@@ -134,13 +117,6 @@ private slots:
         QVERIFY(alert->window()->findChild<AlertImageView*>()->mouseDownCanMoveWindow());
         const auto about = main.instantiateWindowController(QStringLiteral("About Window Controller"));
         QVERIFY(about->window()->findChild<AboutImageView*>()->mouseDownCanMoveWindow());
-    }
-
-    void representedObjectIsKept() {
-        ViewController view;
-        view.setRepresentedObject(5);
-        QCOMPARE(view.representedObject(), 5);
-        QVERIFY(!view.DeviceCtrl);
     }
 
     void windowsAreNotRequired() {

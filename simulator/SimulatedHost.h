@@ -6,18 +6,18 @@
 #include <string>
 #include <vector>
 
-/// The host that tests run on: its time stands still but for sleeps, which take none, and everything that
-/// happens is written down in one journal, in order:
+/// A host that is not there, for tests and fuzzers: its time stands still but for sleeps, which take none,
+/// and everything that happens is written down in one journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
 ///   "release"     the release of an interface
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request: its setup packet and data; " ! -9" follows a failed one
-struct TestHost {
+struct SimulatedHost {
     std::time_t now = 1'700'000'000;
     std::vector<std::string> journal;
     int journalCopy = -1; ///< file descriptor that gets every entry too, each with a NUL after it
 
-    [[nodiscard]] static TestHost& instance();
+    [[nodiscard]] static SimulatedHost& instance();
 
     /// Starts anew: UTC, an empty journal, and one device on the simulated bus whose clock is in time.
     static void reset();
