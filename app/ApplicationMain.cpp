@@ -52,6 +52,7 @@ QPalette darkPalette() {
 void endOnTerminate() {
     for (const int signal : {SIGTERM, SIGHUP})
         (void)std::signal(signal, [](int) { ::_exit(EXIT_SUCCESS); }); // fails for unknown signals only
+    (void)std::signal(SIGPIPE, SIG_IGN); // writing to a display that has gone is told by the write itself
 }
 
 /// The log is for what the program says of the device; of the toolkit it takes only what ends the program or
@@ -105,5 +106,7 @@ int applicationMain(int argc, char** argv) {
     delegate.applicationDidFinishLaunching();
     QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
-    return QApplication::exec();
+    // By exit as everywhere, without taking the application down: Qt 6.4 then joins its Wayland event thread,
+    // which now and then waits for another reader that has gone, and the program would never end.
+    std::exit(QApplication::exec());
 }

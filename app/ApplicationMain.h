@@ -7,5 +7,5 @@ class QApplication;
 void setUpApplication(QApplication& application);
 
 /// Runs the program: sets the application up, opens the window that "Main" describes and handles events until
-/// the end. Takes nothing from the command line but what Qt itself understands. Returns the exit status.
-int applicationMain(int argc, char** argv);
+/// the end. Takes nothing from the command line but what Qt itself understands. Ends by exit.
+[[noreturn]] int applicationMain(int argc, char** argv);

@@ -118,7 +118,7 @@ class X11(Desktop):
 
     def start(self):
         read, write = os.pipe()
-        self.serve("Xvfb", "-displayfd", str(write), "-screen", "0", "1600x1200x24", "-nolisten", "tcp",
+        self.serve("Xvfb", "-displayfd", str(write), "-screen", "0", "1600x1200x24", "-nolisten", "tcp", "-noreset",
                    pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as display:
