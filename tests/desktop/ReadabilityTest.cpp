@@ -274,7 +274,7 @@ private slots:
         for (QWidget* control : visibleControls(shown)) {
             // Of radio buttons the selected one is in the round; arrows reach the other.
             const bool operated = control->isEnabled() && control->focusPolicy() != Qt::NoFocus
-                                  && qobject_cast<QRadioButton*>(control) == nullptr;
+                && qobject_cast<QRadioButton*>(control) == nullptr;
             QVERIFY2(!operated || reached.contains(control), qUtf8Printable(control->objectName()));
         }
     }

@@ -10,7 +10,6 @@
 #include <array>
 #include <cmath>
 
-using testing::_;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -211,7 +210,8 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
         EXPECT_THAT(requests[1], testing::StartsWith(request("a1 83")));
         EXPECT_EQ(requests[2], request("21 01") + " " + row.one);
         EXPECT_TRUE(std::isnan((control.*row.get)()));
-        EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre(_, _, testing::StartsWith(request("a1 81"))));
+        EXPECT_THAT(
+            SimulatedHost::takeRequests(), ElementsAre(testing::_, testing::_, testing::StartsWith(request("a1 81"))));
         // With the minimum refused the range is 0 to 1 and shows the scale's direction.
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));

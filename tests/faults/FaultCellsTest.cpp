@@ -130,13 +130,17 @@ Block held(const std::vector<std::uint8_t>& audio, int bitRate, int hdcp) {
 
 } // namespace
 
-extern "C" void __wrap_exit(int status) { throw Ended{status, SimulatedHost::take()}; }
+extern "C" void __wrap_exit( // NOLINT(bugprone-reserved-identifier): the linker's name for it
+    int status) {
+    throw Ended{status, SimulatedHost::take()};
+}
 
 class FaultCellsTest : public QObject {
     Q_OBJECT
 
 private:
     /// One cell. Returns how many requests its model made, absent if the cell does not hold.
+    // NOLINTNEXTLINE(readability-function-cognitive-complexity): one cell, from its start to its comparison
     std::optional<int> cell(int action, Trouble trouble, int n, bool twice, QString& difference) {
         setUpDevices(trouble);
         Model model(std::vector<ModelDevice>(trouble == Trouble::Another ? 2 : 1));

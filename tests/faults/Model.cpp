@@ -22,7 +22,11 @@ std::string text(const char* format, Numbers... numbers) {
 
 std::string clockText(const char* format, const Block& b) { return text(format, b[2], b[3], b[4], b[5], b[6], b[7]); }
 
-Block zeros(int selector) { return Block(selector == 11 ? 13 : selector == 12 ? 26 : 7, 0); }
+Block zeros(int selector) {
+    Block block;
+    block.resize(selector == 11 ? 13 : selector == 12 ? 26 : 7);
+    return block;
+}
 
 } // namespace
 
@@ -39,7 +43,7 @@ void Model::expectTrouble(Trouble kind, int n, bool twice) {
 }
 
 void Model::sleepOneSecond() {
-    journal.push_back("sleep 1.0");
+    journal.emplace_back("sleep 1.0");
     for (ModelDevice& device : devices) ++device.clockAge;
 }
 
@@ -227,7 +231,9 @@ void Model::showLevel(int h264) {
 
 bool Model::startUp() {
     if (!create() || !retried([this] { return syncClock(); })) return false;
-    int h264 = 0, mjpeg = 0, hdcp = 0;
+    int h264 = 0;
+    int mjpeg = 0;
+    int hdcp = 0;
     getBitRate(h264, mjpeg);
     showLevel(h264);
     getVolume(kVolumes[0], window.microphone);
@@ -243,7 +249,8 @@ bool Model::startUp() {
 }
 
 bool Model::chooseQuality(int level) {
-    int h264 = 0, mjpeg = 0;
+    int h264 = 0;
+    int mjpeg = 0;
     window.item = level;
     if (!retried([&] { return getBitRate(h264, mjpeg); })) return false;
     setBitRate(level, mjpeg);

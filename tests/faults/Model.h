@@ -64,7 +64,7 @@ private:
     bool request(bool isGet, int selector, Block& block);
     bool carry(bool isGet, int selector, Block& block, Trouble met);
     void accept(int selector, const Block& block);
-    Block content(int selector) const;
+    [[nodiscard]] Block content(int selector) const;
     bool create();
     bool retried(const std::function<bool()>& call);
     void sleepOneSecond();
