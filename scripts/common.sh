@@ -13,7 +13,8 @@ desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox sway wtype qt6-way
   gir1.2-atspi-2.0 python3-gi imagemagick optipng fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # What looks at a finished package.
 package_packages=(lintian desktop-file-utils appstream umockdev udev binutils man-db qt6-gtk-platformtheme)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata
+  fonts-vlgothic fonts-wqy-microhei)
 
 install_packages() {
   "$project/scripts/install-packages" "$@"
