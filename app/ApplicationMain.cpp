@@ -55,16 +55,6 @@ void endOnTerminate() {
     (void)std::signal(SIGPIPE, SIG_IGN); // writing to a display that has gone is told by the write itself
 }
 
-/// The log is for what the program says of the device; of the toolkit it takes only what ends the program or
-/// stops it from working. Its warnings (a runtime folder, a theme, a bus that is not there) help nobody.
-void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    // The display may go first when a session ends; the toolkit would leave as after a fault.
-    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")))
-        ::_exit(EXIT_SUCCESS);
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        systemLog("%s", qUtf8Printable(message));
-}
-
 void registerApplicationClasses() {
     registerDescribedClass<WindowController>();
     registerDescribedClass<ViewController>();
@@ -80,6 +70,14 @@ void registerApplicationClasses() {
 }
 
 } // namespace
+
+void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    // The display may go first when a session ends; the toolkit would leave as after a fault.
+    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")))
+        ::_exit(EXIT_SUCCESS);
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        systemLog("%s", qUtf8Printable(message));
+}
 
 void setUpApplication(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));

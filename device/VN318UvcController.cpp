@@ -25,30 +25,13 @@ struct SettingsField {
 
 namespace {
 
-constexpr int kExtensionUnit = 3;
+constexpr const ControlBlock& kSettings = UvcControls2[1];
+constexpr const ControlBlock& kVersions = UvcControls2[2];
+constexpr const ControlBlock& kAudio = UvcControls2[3];
 
-struct ControlBlock {
-    std::uint32_t unit;
-    std::uint32_t selector;
-    std::uint32_t size; ///< bytes; the device refuses any other length
-};
-
-constexpr std::array<ControlBlock, 4> UvcControls2{{
-    {kExtensionUnit, 10, 4},  // status
-    {kExtensionUnit, 11, 13}, // settings: command byte, clock, bit rate, HDCP
-    {kExtensionUnit, 12, 26}, // firmware versions
-    {kExtensionUnit, 13, 7},  // audio: four volumes
-}};
-
-template <std::size_t kRow>
-using BlockBytes = std::array<std::uint8_t, UvcControls2[kRow].size>;
-using SettingsBlock = BlockBytes<1>;
-using VersionBlock = BlockBytes<2>;
-using AudioBlock = BlockBytes<3>;
-
-constexpr int kSettingsSelector = UvcControls2[1].selector;
-constexpr int kVersionSelector = UvcControls2[2].selector;
-constexpr int kAudioSelector = UvcControls2[3].selector;
+using SettingsBlock = std::array<std::uint8_t, kSettings.size>;
+using VersionBlock = std::array<std::uint8_t, kVersions.size>;
+using AudioBlock = std::array<std::uint8_t, kAudio.size>;
 
 // The HDMI setter speaks with the headphone setter's lines, both spelt "Haedphone", and the AUX getter with
 // the HDMI getter's: people's saved logs are read by them.
@@ -110,24 +93,26 @@ std::unique_ptr<CVn318UvcController> CVn318UvcController::CreateInstance() {
     return controller;
 }
 
-bool CVn318UvcController::readBlock(int selector, std::span<std::uint8_t> block) {
-    return getDataFor(UVCRequest::GET_CUR, static_cast<int>(block.size()), selector, kExtensionUnit, block);
+bool CVn318UvcController::readBlock(const ControlBlock& control, std::span<std::uint8_t> block) {
+    return getDataFor(UVCRequest::GET_CUR, static_cast<int>(block.size()), static_cast<int>(control.selector),
+                      static_cast<int>(control.unit), block);
 }
 
-bool CVn318UvcController::writeBlock(int selector, std::span<std::uint8_t> block) {
-    return SetData2(block, static_cast<int>(block.size()), selector, kExtensionUnit);
+bool CVn318UvcController::writeBlock(const ControlBlock& control, std::span<std::uint8_t> block) {
+    return SetData2(block, static_cast<int>(block.size()), static_cast<int>(control.selector),
+                    static_cast<int>(control.unit));
 }
 
 bool CVn318UvcController::setVolume(const VolumeField& field, int volume) {
     AudioBlock block{};
-    const bool read = readBlock(kAudioSelector, block);
+    const bool read = readBlock(kAudio, block);
     systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
     if (!read) {
         systemLog("getExtension_%s..getData Fail! \n", field.setter);
         return false;
     }
     block[field.byte] = lowByte(volume);
-    if (!writeBlock(kAudioSelector, block)) {
+    if (!writeBlock(kAudio, block)) {
         systemLog("getExtension_%s..setData Fail! \n", field.setter);
         return false;
     }
@@ -136,7 +121,7 @@ bool CVn318UvcController::setVolume(const VolumeField& field, int volume) {
 
 bool CVn318UvcController::getVolume(const VolumeField& field, std::uint8_t& volume) {
     AudioBlock block{};
-    const bool read = readBlock(kAudioSelector, block);
+    const bool read = readBlock(kAudio, block);
     systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
     if (!read)
         systemLog("getExtension_%s..getData Fail! \n", field.getter);
@@ -171,7 +156,7 @@ bool CVn318UvcController::GetAuxVolume(std::uint8_t& volume) {
 
 bool CVn318UvcController::writeSettings(const SettingsField& field, std::span<std::uint8_t> block) {
     block[0] = field.command;
-    const bool written = writeBlock(kSettingsSelector, block);
+    const bool written = writeBlock(kSettings, block);
     if (!written)
         systemLog("%s", field.writeFailure);
     return written;
@@ -179,7 +164,7 @@ bool CVn318UvcController::writeSettings(const SettingsField& field, std::span<st
 
 bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
     SettingsBlock block{};
-    if (!readBlock(kSettingsSelector, block)) {
+    if (!readBlock(kSettings, block)) {
         systemLog("%s", kBitRate.readFailure);
         return false;
     }
@@ -192,7 +177,7 @@ bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
 
 bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG) {
     SettingsBlock block{};
-    const bool read = readBlock(kSettingsSelector, block);
+    const bool read = readBlock(kSettings, block);
     const std::uint8_t levels = block[kBitRate.byte];
     logBitRate(levels);
     if (!read)
@@ -204,7 +189,7 @@ bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG)
 
 bool CVn318UvcController::SetHdcpState(int state) {
     SettingsBlock block{};
-    if (!readBlock(kSettingsSelector, block)) {
+    if (!readBlock(kSettings, block)) {
         systemLog("%s", kHdcp.readFailure);
         return false;
     }
@@ -219,7 +204,7 @@ bool CVn318UvcController::SetHdcpState(int state) {
 
 bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
     SettingsBlock block{};
-    const bool read = readBlock(kSettingsSelector, block);
+    const bool read = readBlock(kSettings, block);
     systemLog("[Get old]HDCP state : %d,\n", block[kHdcp.byte]);
     state = read ? block[kHdcp.byte] : 0;
     if (!read)
@@ -234,7 +219,7 @@ bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
 bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
     sleepForTimeInterval(kSettlingTime);
     VersionBlock block{};
-    const bool read = readBlock(kVersionSelector, block);
+    const bool read = readBlock(kVersions, block);
     systemLog("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, "
               "HDMI splitter fw ver= %d.%d.%d.%d\n",
               block[22], block[23], block[24], block[25], block[14], block[15], block[16], block[17],
@@ -250,7 +235,7 @@ bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
 
 bool CVn318UvcController::SyncRtc() {
     SettingsBlock block{};
-    const bool read = readBlock(kSettingsSelector, block);
+    const bool read = readBlock(kSettings, block);
     systemLog("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5],
               block[6], block[7]);
     if (!read) {
@@ -267,7 +252,7 @@ bool CVn318UvcController::SyncRtc() {
     if (!writeSettings(kClock, block))
         return false;
     sleepForTimeInterval(kSettlingTime);
-    const bool readBack = readBlock(kSettingsSelector, block);
+    const bool readBack = readBlock(kSettings, block);
     systemLog("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5],
               block[6], block[7]);
     if (!readBack)

@@ -103,6 +103,16 @@ private slots:
             QCoreApplication::installTranslator(translator);
     }
 
+    void qtsOwnMessages() {
+        SimulatedHost::take();
+        for (const auto type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
+            logQtMessage(type, {}, QString::number(type));
+        const std::vector<std::string> worthALine{"log 2", "log 3"}; // critical and fatal
+        QCOMPARE(SimulatedHost::take(), worthALine);
+        const QString gone = "The X11 connection broke (error 1). Did the X11 server die?";
+        QCOMPARE(runInChild([&] { logQtMessage(QtWarningMsg, {}, gone); }).status, 0);
+    }
+
     void closingTheWindowEndsTheProgram() {
         SettingsWindow settings;
         QTimer::singleShot(0, &settings.window(), &QWidget::close);
