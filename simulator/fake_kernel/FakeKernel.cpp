@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr std::size_t kDeviceDescriptorLength = 18; // bytes (USB 2.0, 9.6.1)
+
 std::string text(const char* format, unsigned a, unsigned b = 0) {
     std::array<char, 64> bytes{};
     (void)std::snprintf(bytes.data(), bytes.size(), format, a, b);
@@ -67,15 +69,12 @@ void FakeKernel::plug(const FakePlug& plug) {
     const CaptureIdentity identity{device->vendorID, device->productID, plug.videoControlInterface};
     std::vector<std::uint8_t> descriptors = deviceDescriptor(identity);
     append(descriptors, configurationDescriptor(identity));
-    descriptors = plug.descriptors.value_or(descriptors);
     const std::string node = text("/dev/bus/usb/%03u/%03u", plug.bus, plug.address);
     const std::string path = taken(umockdev_testbed_add_device(
         m_testbed, "usb", plug.name.c_str(), nullptr, "busnum", text("%u", plug.bus).c_str(), "devnum",
         text("%u", plug.address).c_str(), "speed", "480", "bConfigurationValue", "1", nullptr, "DEVTYPE", "usb_device",
         "DEVNAME", node.c_str(), "BUSNUM", text("%03u", plug.bus).c_str(), "DEVNUM", text("%03u", plug.address).c_str(),
         "MAJOR", "189", "MINOR", text("%u", (plug.bus - 1) * 128 + plug.address - 1).c_str(), nullptr));
-    umockdev_testbed_set_attribute_binary(m_testbed, path.c_str(), "descriptors", descriptors.data(),
-                                          static_cast<gint>(descriptors.size()));
     m_devices.push_back(path);
     addNode(node);
     const std::string number = text("%02x", plug.videoControlInterface);
@@ -83,10 +82,23 @@ void FakeKernel::plug(const FakePlug& plug) {
         m_testbed, "usb", (plug.name + ":1." + std::to_string(plug.videoControlInterface)).c_str(), path.c_str(),
         "bInterfaceNumber", number.c_str(), nullptr, "DEVTYPE", "usb_interface", nullptr)));
     m_interfaces[plug.name] = m_devices.back();
+    setDescriptors(plug.name, plug.descriptors.value_or(descriptors));
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged())
         device->plugIn();
     bind(plug);
+}
+
+/// A kernel shows the descriptors of a configuration up to the first that can't be one: libusb 1.0.26, which
+/// reads them again, would never come past a length of 0.
+void FakeKernel::setDescriptors(const std::string& name, std::vector<std::uint8_t> descriptors) {
+    std::size_t shown = std::min(kDeviceDescriptorLength, descriptors.size());
+    while (shown + 1 < descriptors.size() && descriptors[shown] >= 2 && descriptors[shown] <= descriptors.size() - shown)
+        shown += descriptors[shown];
+    descriptors.resize(shown);
+    const std::string path = std::filesystem::path(m_interfaces[name]).parent_path();
+    umockdev_testbed_set_attribute_binary(m_testbed, path.c_str(), "descriptors", descriptors.data(),
+                                          static_cast<gint>(descriptors.size()));
 }
 
 void FakeKernel::bind(const FakePlug& plug) {

@@ -39,6 +39,8 @@ public:
     void unplug();
     /// A driver takes the interface of a device that is plugged in.
     void bind(const FakePlug& plug);
+    /// What the device with this name tells of itself from now on.
+    void setDescriptors(const std::string& name, std::vector<std::uint8_t> descriptors);
     /// From now on the user has no rights on a device node.
     void forbid(const std::string& node);
     /// Where a device node really is.
