@@ -72,15 +72,16 @@ void FakeKernel::plug(const FakePlug& plug) {
     const std::string node = text("/dev/bus/usb/%03u/%03u", plug.bus, plug.address);
     const std::string path = taken(umockdev_testbed_add_device(
         m_testbed, "usb", plug.name.c_str(), nullptr, "busnum", text("%u", plug.bus).c_str(), "devnum",
-        text("%u", plug.address).c_str(), "speed", "480", "bConfigurationValue", "1", nullptr, "DEVTYPE", "usb_device",
-        "DEVNAME", node.c_str(), "BUSNUM", text("%03u", plug.bus).c_str(), "DEVNUM", text("%03u", plug.address).c_str(),
-        "MAJOR", "189", "MINOR", text("%u", (plug.bus - 1) * 128 + plug.address - 1).c_str(), nullptr));
+        text("%u", plug.address).c_str(), "speed", "480", "bConfigurationValue", "1", nullptr, "DEVTYPE",
+        "usb_device", "DEVNAME", node.c_str(), "BUSNUM", text("%03u", plug.bus).c_str(), "DEVNUM",
+        text("%03u", plug.address).c_str(), "MAJOR", "189", "MINOR",
+        text("%u", (plug.bus - 1) * 128 + plug.address - 1).c_str(), nullptr));
     m_devices.push_back(path);
     addNode(node);
     const std::string number = text("%02x", plug.videoControlInterface);
     m_devices.push_back(taken(umockdev_testbed_add_device(
-        m_testbed, "usb", (plug.name + ":1." + std::to_string(plug.videoControlInterface)).c_str(), path.c_str(),
-        "bInterfaceNumber", number.c_str(), nullptr, "DEVTYPE", "usb_interface", nullptr)));
+        m_testbed, "usb", (plug.name + ":1." + std::to_string(plug.videoControlInterface)).c_str(),
+        path.c_str(), "bInterfaceNumber", number.c_str(), nullptr, "DEVTYPE", "usb_interface", nullptr)));
     m_interfaces[plug.name] = m_devices.back();
     setDescriptors(plug.name, plug.descriptors.value_or(descriptors));
     device->videoControlInterface = plug.videoControlInterface;
@@ -93,7 +94,8 @@ void FakeKernel::plug(const FakePlug& plug) {
 /// reads them again, would never come past a length of 0.
 void FakeKernel::setDescriptors(const std::string& name, std::vector<std::uint8_t> descriptors) {
     std::size_t shown = std::min(kDeviceDescriptorLength, descriptors.size());
-    while (shown + 1 < descriptors.size() && descriptors[shown] >= 2 && descriptors[shown] <= descriptors.size() - shown)
+    while (shown + 1 < descriptors.size() && descriptors[shown] >= 2
+           && descriptors[shown] <= descriptors.size() - shown)
         shown += descriptors[shown];
     descriptors.resize(shown);
     const std::string path = std::filesystem::path(m_interfaces[name]).parent_path();
@@ -114,8 +116,9 @@ void FakeKernel::bind(const FakePlug& plug) {
         const auto number = static_cast<unsigned>(plug.captureNode + index);
         m_devices.push_back(taken(umockdev_testbed_add_device(
             m_testbed, "video4linux", text("video%u", number).c_str(), interface.c_str(), "index",
-            text("%u", static_cast<unsigned>(index)).c_str(), nullptr, "DEVNAME", text("/dev/video%u", number).c_str(),
-            "MAJOR", "81", "MINOR", text("%u", number).c_str(), nullptr)));
+            text("%u", static_cast<unsigned>(index)).c_str(), nullptr, "DEVNAME",
+            text("/dev/video%u", number).c_str(), "MAJOR", "81", "MINOR", text("%u", number).c_str(),
+            nullptr)));
     }
     addNode(text("/dev/video%u", static_cast<unsigned>(plug.captureNode)));
 }
@@ -143,7 +146,8 @@ gboolean FakeKernel::handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* cl
     UMockdevIoctlData* data = umockdev_ioctl_client_get_arg(client);
     void* argument = nullptr;
     std::memcpy(&argument, data->data, sizeof argument);
-    const Answer answer = static_cast<FakeKernel*>(self)->call(umockdev_ioctl_client_get_request(client), argument);
+    const Answer answer =
+        static_cast<FakeKernel*>(self)->call(umockdev_ioctl_client_get_request(client), argument);
     umockdev_ioctl_client_complete(client, answer.error == 0 ? answer.result : -1, answer.error);
     return TRUE;
 }
@@ -155,12 +159,18 @@ FakeKernel::Answer FakeKernel::call(unsigned long request, void* argument) {
     case USBDEVFS_GET_CAPABILITIES:
         *static_cast<std::uint32_t*>(argument) = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_BULK_CONTINUATION;
         return {0, 0};
-    case USBDEVFS_CLAIMINTERFACE: return claim(*static_cast<unsigned*>(argument));
-    case USBDEVFS_RELEASEINTERFACE: return release(*static_cast<unsigned*>(argument));
-    case USBDEVFS_SUBMITURB: return submit(*static_cast<usbdevfs_urb*>(argument));
-    case USBDEVFS_REAPURBNDELAY: return reap(static_cast<void**>(argument));
-    case USBDEVFS_DISCARDURB: return discard(static_cast<usbdevfs_urb*>(argument));
-    case UVCIOC_CTRL_QUERY: return query(*static_cast<uvc_xu_control_query*>(argument));
+    case USBDEVFS_CLAIMINTERFACE:
+        return claim(*static_cast<unsigned*>(argument));
+    case USBDEVFS_RELEASEINTERFACE:
+        return release(*static_cast<unsigned*>(argument));
+    case USBDEVFS_SUBMITURB:
+        return submit(*static_cast<usbdevfs_urb*>(argument));
+    case USBDEVFS_REAPURBNDELAY:
+        return reap(static_cast<void**>(argument));
+    case USBDEVFS_DISCARDURB:
+        return discard(static_cast<usbdevfs_urb*>(argument));
+    case UVCIOC_CTRL_QUERY:
+        return query(*static_cast<uvc_xu_control_query*>(argument));
     default: // detaching a driver, resetting the device, and whatever else
         forbidden.push_back(text("ioctl %08x", static_cast<unsigned>(request)));
         return {-1, ENOTTY};
@@ -185,10 +195,13 @@ FakeKernel::Answer FakeKernel::release(unsigned interface) {
 
 FakeKernel::Answer FakeKernel::submit(usbdevfs_urb& urb) {
     calls.emplace_back("transfer");
-    const std::span bytes(static_cast<std::uint8_t*>(urb.buffer), static_cast<std::size_t>(urb.buffer_length));
+    const std::span bytes(static_cast<std::uint8_t*>(urb.buffer),
+                          static_cast<std::size_t>(urb.buffer_length));
     if (urb.type != USBDEVFS_URB_TYPE_CONTROL || bytes.size() < 8 || m_claimed != bytes[4])
         forbidden.emplace_back("a transfer without a claim");
-    const auto word = [&](std::size_t at) { return static_cast<std::uint16_t>(bytes[at] | bytes[at + 1] << 8); };
+    const auto word = [&](std::size_t at) {
+        return static_cast<std::uint16_t>(bytes[at] | bytes[at + 1] << 8);
+    };
     UsbControlRequest request{bytes[0], bytes[1], word(2), word(4), word(6), bytes.data() + 8, 0};
     const UsbResult result = device->control(request);
     if (result == UsbCode::NoDevice)
@@ -232,10 +245,14 @@ FakeKernel::Answer FakeKernel::query(uvc_xu_control_query& query) {
                               query.data,
                               0};
     switch (device->control(request)) {
-    case UsbCode::Success: return {0, 0};
-    case UsbCode::Stall: return {-1, EPIPE};
-    case UsbCode::TimeOut: return {-1, ETIMEDOUT};
-    case UsbCode::NoDevice: return {-1, ESHUTDOWN};
+    case UsbCode::Success:
+        return {0, 0};
+    case UsbCode::Stall:
+        return {-1, EPIPE};
+    case UsbCode::TimeOut:
+        return {-1, ETIMEDOUT};
+    case UsbCode::NoDevice:
+        return {-1, ESHUTDOWN};
     default: // a short answer: so many bytes came, and zeros stand for the rest
         if (isGet)
             std::fill_n(query.data, query.size, std::uint8_t{0});
