@@ -9,8 +9,9 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-tools-dev qt6-
 # A display without a screen, a user's hands, and a look at the result.
 display_packages=(xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # What the tests of the desktop use: two window systems, the accessibility bus, fonts for all languages.
-desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox sway wtype qt6-wayland dbus at-spi2-core
-  gir1.2-atspi-2.0 python3-gi imagemagick optipng fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
+desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway wtype
+  qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
+  fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # What looks at a finished package.
 package_packages=(lintian desktop-file-utils appstream umockdev udev binutils man-db qt6-gtk-platformtheme)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata

@@ -152,6 +152,28 @@ class X11(Desktop):
         self.run("wmctrl", "-i", "-c", window)
 
 
+class X11Session(X11):
+    """With a session manager, whose end is the end of the programs in it."""
+
+    def start(self):
+        super().start()
+        self.env["HOME"] = self.folder
+        with open(self.folder + "/.xsmstartup", "w") as startup:
+            startup.write(f"sh -c 'echo $SESSION_MANAGER >{self.folder}/address'\n")
+        self.serve("xsm")
+        self.env["SESSION_MANAGER"] = wait_for("session", self.address)
+
+    def address(self):
+        try:
+            with open(self.folder + "/address") as file:
+                return file.read().strip()
+        except FileNotFoundError:
+            return None
+
+    def end_session(self):
+        self.servers[-1].terminate()
+
+
 class VirtualPointer:
     """A mouse for a compositor, by wlr-virtual-pointer-unstable-v1: there is no ready command for it."""
 

@@ -6,7 +6,7 @@ import signal
 import sys
 import time
 
-from desktop import DESKTOPS, Program, wait_for
+from desktop import DESKTOPS, Program, X11Session, wait_for
 
 DEMO = sys.argv[1] + "/tavro-setup-tool-demo"
 TOOL = sys.argv[1] + "/tavro-setup-tool"  # finds no device here, and shows the alert
@@ -75,8 +75,11 @@ WAYS = {
     "alert": (TOOL, press_in(["space"])),
     "SIGTERM": (DEMO, send(signal.SIGTERM)),
     "hang-up of the session": (DEMO, send(signal.SIGHUP)),
-    "end of the display": (DEMO, lambda desktop, program: desktop.end()),
 }
+
+
+def faults_of(how, programs):
+    return [f"{how}: {fault}" for program in programs for fault in program.faults_after_end()]
 
 
 def end_by_every_way(kind, count):
@@ -88,11 +91,18 @@ def end_by_every_way(kind, count):
             program.window()
         for way, program in started:
             WAYS[way][1](desktop, program)
-            if way != "end of the display":  # that ends them all
-                faults += [f"{kind}, {way}: {fault}" for fault in program.faults_after_end()]
-        for way, program in started[-count:]:
-            faults += [f"{kind}, {way}: {fault}" for fault in program.faults_after_end()]
+            faults += faults_of(f"{kind}, {way}", [program])
     return faults
+
+
+def end_with(make, end, count):
+    """Ends programs all at once, by what they run in, with the settings window or the alert up."""
+    with make() as desktop:
+        programs = [Program(desktop, path) for path in (DEMO, TOOL) for _ in range(count // 2 + 1)]
+        for program in programs:
+            program.window()
+        end(desktop)
+        return faults_of(f"{make.__name__}, {end.__name__}", programs)
 
 
 def main():
@@ -101,10 +111,16 @@ def main():
         with make() as desktop:
             about_is_modal(desktop, *is_dragged_by_its_picture(desktop))
             print(f"{kind}: starts, is dragged by its picture, runs modally", flush=True)
+        ways = [*WAYS, "end of the display"]
+        if kind == "X11":
+            ways.append("end of the session")
         faults = []
         for done in range(0, RUNS, AT_ONCE):
-            faults += end_by_every_way(kind, min(AT_ONCE, RUNS - done))
-        print(f"{kind}: {RUNS} ends each by {', '.join(WAYS)}: {len(faults)} faults", *faults, sep="\n  ", flush=True)
+            count = min(AT_ONCE, RUNS - done)
+            faults += end_by_every_way(kind, count) + end_with(make, make.end, count)
+            if kind == "X11":
+                faults += end_with(X11Session, X11Session.end_session, count)
+        print(f"{kind}: {RUNS} ends each by {', '.join(ways)}: {len(faults)} faults", *faults, sep="\n  ", flush=True)
         failed += len(faults)
     return 1 if failed else 0
 

@@ -5,6 +5,7 @@
 #include "OpenWindow.h"
 #include "windows/ModalRun.h"
 
+#include <QClipboard>
 #include <QTranslator>
 
 namespace {
@@ -66,6 +67,22 @@ private slots:
             QVERIFY(shown);
             QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
         }
+    }
+
+    void theAlertsTextCanBeCopied() {
+        const SettingsWindow settings;
+        whenShown(QStringLiteral("AlertWindow"), [](QWidget& alert) {
+            QList<QLabel*> texts = alert.findChildren<QLabel*>(QRegularExpression("^Label(?!Step)"));
+            QCOMPARE(texts.size(), 6);
+            for (QLabel* text : texts) {
+                QApplication::clipboard()->setText("nothing copied");
+                QTest::keyClick(text, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClick(text, Qt::Key_C, Qt::ControlModifier);
+                QVERIFY2(text->text().contains(QApplication::clipboard()->text()), qUtf8Printable(text->text()));
+            }
+            stopModal();
+        });
+        settings.view().showAlertWindow(nullptr);
     }
 
     void stopModalEndsTheInnermostRun() {
