@@ -89,6 +89,15 @@ private slots:
             "GET 11, GET 11, GET 13, GET 13, GET 13, GET 12, GET 11"); // showing is no action
     }
 
+    void startingUpAgainLetsGoOfTheDeviceFirst() {
+        const SettingsWindow settings;
+        settings.view().setRepresentedObject(5);
+        SimulatedHost::take();
+        settings.view().viewDidLoad();
+        QCOMPARE(SimulatedHost::take().front(), "release");
+        QCOMPARE(settings.view().representedObject(), 5);
+    }
+
     void startUpStylesTheTitles() {
         const SettingsWindow settings;
         const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
