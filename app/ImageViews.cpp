@@ -24,8 +24,8 @@ void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
     QWindow* const handle = window()->windowHandle();
-    if (event->button() == Qt::LeftButton && mouseDownCanMoveWindow() && handle && handle->startSystemMove())
-        event->accept();
-    else
+    const bool moves =
+        event->button() == Qt::LeftButton && mouseDownCanMoveWindow() && handle && handle->startSystemMove();
+    if (!moves)
         QLabel::mousePressEvent(event); // no window manager, nothing to drag with
 }

@@ -145,7 +145,6 @@ void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
     callOrQuit([&](CVn318UvcController& device) { return device.GetBitRate(h264, mjpeg); });
     // A failed write shows in what is read back.
     (void)device().SetBitRate(level, mjpeg);
-    h264 = 0;
     (void)device().GetBitRate(h264, mjpeg);
     DisplayBitRateImage(h264);
 }

@@ -136,14 +136,23 @@ private slots:
         QCOMPARE(QApplication::exec(), 0);
     }
 
-    void backgroundsDragTheirWindow() {
-        const SettingsWindow settings;
-        QVERIFY(settings.view().MyMainImageView->mouseDownCanMoveWindow());
+    void backgroundsAreSeenAndDragTheirWindow() {
+        SettingsWindow settings;
+        QVERIFY(settings.view().MyMainImageView->isVisible());
         const WindowDescription main(QStringLiteral("Main"));
-        const auto alert = main.instantiateWindowController(QStringLiteral("Alert Window Controller"));
-        QVERIFY(alert->window()->findChild<AlertImageView*>()->mouseDownCanMoveWindow());
-        const auto about = main.instantiateWindowController(QStringLiteral("About Window Controller"));
-        QVERIFY(about->window()->findChild<AboutImageView*>()->mouseDownCanMoveWindow());
+        for (const QString name : {"Settings", "Alert", "About"}) {
+            const auto controller = main.instantiateWindowController(name + " Window Controller", &settings.delegate);
+            const auto& view = *controller->window()->findChild<BackgroundImageView*>();
+            QVERIFY(view.mouseDownCanMoveWindow());
+            QCOMPARE(controller->window()->findChildren<BackgroundImageView*>().size(), 1);
+            const QImage image = controller->window()->grab().toImage();
+            int red = 0; // the pictures' glow, beside what stands on them
+            for (int i = 0; i < image.width() * 100; i += 7) {
+                const QPoint point(i % image.width(), i / image.width());
+                if (!view.childAt(point)) red = std::max(red, qRed(image.pixel(point)) - qBlue(image.pixel(point)));
+            }
+            QVERIFY2(red > 50, qPrintable(name));
+        }
     }
 
     void windowsAreNotRequired() {
