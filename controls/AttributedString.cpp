@@ -74,11 +74,7 @@ AttributedString withMnemonic(const AttributedString& title, bool underline) {
 }
 
 void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString text) {
-    const QString elided = QFontMetricsF(text.font).elidedText(text.string, Qt::ElideRight, box.width());
-    if (elided != text.string && !elided.isEmpty()) {
-        text.addColor(elided.size() - 1, 1, text.colorAt(elided.size() - 1));
-        text.string = elided;
-    }
+    text.string = QFontMetricsF(text.font).elidedText(text.string, Qt::ElideRight, box.width());
     QTextLayout layout(text.string, text.font, painter.device());
     QTextOption option;
     option.setTextDirection(painter.layoutDirection());

@@ -8,6 +8,8 @@
 #include "PopUpGeometry.h"
 #include "SimulatedHost.h"
 
+#include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QTest>
 
@@ -149,6 +151,35 @@ private slots:
         popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
         popUp.setItemStyles(7);
         QCOMPARE(popUp.attributedTitle(0).colorAt(0), kLight);
+    }
+
+    void popUpToAssistiveTechnology() {
+        CustomPopUpButton popUp(nullptr);
+        popUp.didDecode();
+        popUp.addItemsWithTitles({"One", "Three"});
+        popUp.setCurrentIndex(1);
+        popUp.show();
+        QAccessibleInterface& heard = *QAccessible::queryAccessibleInterface(&popUp);
+        QAccessibleTextInterface& text = *heard.textInterface();
+        QCOMPARE(heard.text(QAccessible::Value), "Three");
+        QCOMPARE(text.text(1, 4), "hre");
+        int start = -1;
+        int end = -1;
+        text.attributes(0, &start, &end);
+        QCOMPARE(std::pair(start, end), std::pair(0, 5));
+        QCOMPARE(heard.childCount(), 1);
+        QCOMPARE(heard.child(0)->object(), popUp.view());
+        QVERIFY(!heard.child(1));
+        QCOMPARE(heard.indexOfChild(heard.child(0)), 0);
+        QCOMPARE(heard.indexOfChild(&heard), -1);
+        QVERIFY(heard.state().expandable && heard.state().hasPopup);
+        for (const bool opens : {true, false}) {
+            heard.actionInterface()->doAction(heard.actionInterface()->actionNames().at(opens ? 0 : 1));
+            QCOMPARE(heard.state().expanded, opens);
+        }
+        popUp.setEnabled(false);
+        heard.actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+        QVERIFY(!heard.state().expanded);
     }
 
     void attributedStrings() {

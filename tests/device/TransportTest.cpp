@@ -105,8 +105,9 @@ TEST_F(Transport, OpensByLocation) {
     EXPECT_TRUE(readStatus());
     EXPECT_EQ(bus.devices[1]->requests.size(), 1U);
 
-    for (const auto step : {UsbStep::DeviceLocation, UsbStep::AllServices}) {
-        bus.failStep(step, UsbCode::InputOutput);
+    for (const auto& [step, result] : {std::pair<UsbStep, UsbResult>(UsbStep::DeviceLocation, UsbCode::InputOutput),
+             {UsbStep::AllServices, UsbCode::InputOutput}, {UsbStep::AllServices, UsbCode::Success}}) {
+        bus.failStep(step, result); // success that gives nothing
         control.initWithLocationID(0x02130000);
         EXPECT_FALSE(readStatus());
         bus.clearFailures();

@@ -57,16 +57,10 @@ void actOnWindow(SettingsWindow& settings, int action, int level, int volume) {
     }
 }
 
-RequestFault requestFault(Trouble trouble) {
-    switch (trouble) {
-    case Trouble::TimeOut: return RequestFault::TimeOut;
-    case Trouble::ShortData: return RequestFault::ShortData;
-    case Trouble::Garbage: return RequestFault::Garbage;
-    case Trouble::GoneDuring:
-    case Trouble::Another: return RequestFault::Unplug;
-    default: return RequestFault::Stall;
-    }
-}
+/// What the simulated device does at a request that meets trouble, in the order of the troubles.
+constexpr std::array<std::optional<RequestFault>, kTroubleNames.size()> kFaults{std::nullopt, RequestFault::Stall,
+    RequestFault::TimeOut, RequestFault::ShortData, RequestFault::Garbage, std::nullopt, RequestFault::Unplug,
+    std::nullopt, RequestFault::Stall, RequestFault::Unplug};
 
 /// Makes the simulated device's n-th request from now on meet trouble, and the next a stall if `twice`.
 void prepareTrouble(Trouble trouble, int n, bool twice) {
@@ -75,8 +69,8 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
         SimulatedBus::instance().devices[another ? 1 : 0]->addFault(
             {}, another ? 1U : static_cast<unsigned>(n) + 1, RequestFault::Stall);
     if (trouble == Trouble::GoneBefore && n == 1) device().unplug();
-    if (trouble != Trouble::None && trouble != Trouble::GoneBefore && trouble != Trouble::BackAfter)
-        device().addFault({}, static_cast<unsigned>(n), requestFault(trouble));
+    if (const auto fault = kFaults[static_cast<std::size_t>(trouble)])
+        device().addFault({}, static_cast<unsigned>(n), *fault);
     auto count = std::make_shared<int>(0);
     const auto note = device().onRequest;
     device().onRequest = [=](const RecordedRequest& request) {
@@ -121,10 +115,11 @@ ModelWindow shown(const SettingsWindow& settings) {
     return window;
 }
 
-/// The settings that a device holds, without its clock.
-Block held(const std::vector<std::uint8_t>& audio, int bitRate, int hdcp) {
-    Block block(audio.begin(), audio.end());
-    block.insert(block.end(), {bitRate, hdcp});
+/// The settings that a device holds, without its clock: audio block, bit rate, HDCP.
+template <class Device>
+Block held(const Device& device) {
+    Block block(device.audio.begin(), device.audio.end());
+    block.insert(block.end(), {device.settings[8], device.settings[9]});
     return block;
 }
 
@@ -178,12 +173,7 @@ private:
         if (survives ? status.has_value() : status != 0) difference = "end";
         if (survives && !status && shown(*settings) != model.window) difference = "window";
         for (std::size_t i = 0; i < model.devices.size(); ++i) {
-            const SimulatedDevice& real = *SimulatedBus::instance().devices[i];
-            const ModelDevice& meant = model.devices[i];
-            Block audio = meant.audio;
-            audio.insert(audio.end(), {meant.settings[8], meant.settings[9]});
-            if (held({real.audio.begin(), real.audio.end()}, real.settings[8], real.settings[9]) != audio)
-                difference = "device";
+            if (held(*SimulatedBus::instance().devices[i]) != held(model.devices[i])) difference = "device";
         }
         return difference.isEmpty() ? std::optional(model.requests) : std::nullopt;
     }
@@ -231,7 +221,7 @@ private slots:
         const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
         setUpDevices(Trouble::None);
         std::optional<SettingsWindow> settings(std::in_place);
-        Block meant = held({device().audio.begin(), device().audio.end()}, 0x21, 1);
+        Block meant = held(device());
         int ends = 0;
         for (int turn = 0; turn < 10'000; ++turn) {
             SimulatedHost::take();
@@ -259,17 +249,14 @@ private slots:
             if (!device().plugged()) device().plugIn();
             // What was named may have changed to what was chosen, and nothing else has.
             const auto mayBe = [&](std::size_t field, int chosen) {
-                const Block now =
-                    held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]);
-                if (now[field] == chosen) meant[field] = chosen;
+                if (held(device())[field] == chosen) meant[field] = chosen;
             };
             if (action == 1) mayBe(7, level * 16 + meant[7] % 16);
             if (action == 2) mayBe(3, volume);
             if (action == 3) mayBe(5, volume);
             if (action == 4) mayBe(1, volume), mayBe(2, volume);
             if (action >= 5) mayBe(8, action == 5 ? 1 : 0);
-            QCOMPARE(held({device().audio.begin(), device().audio.end()}, device().settings[8], device().settings[9]),
-                meant);
+            QCOMPARE(held(device()), meant);
         }
         qInfo("10000 actions, %d of them ended the program, no setting lost", ends);
         QVERIFY(ends > 100);

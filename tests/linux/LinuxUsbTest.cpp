@@ -142,24 +142,19 @@ TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
     }
 }
 
-struct Failure {
-    RequestFault fault;
-    UsbResult result;
-};
-
 TEST_F(LinuxUsb, AFailedRequestLeavesTheBufferAndTheNextOneWorks) {
     for (const FakePlug& plug : {kKernel, kDirect}) {
-        for (const Failure& row :
-            {Failure{RequestFault::Stall, UsbCode::Stall}, Failure{RequestFault::ShortData, UsbCode::InputOutput}}) {
-            SCOPED_TRACE(plug.driver + ' ' + std::to_string(row.result));
+        for (const auto& [fault, result] : {std::pair<RequestFault, UsbResult>(RequestFault::Stall, UsbCode::Stall),
+                 {RequestFault::ShortData, UsbCode::InputOutput}}) {
+            SCOPED_TRACE(plug.driver + ' ' + std::to_string(result));
             const auto interface = plugIn(plug);
-            kernel.device->addFault({}, 1, row.fault);
+            kernel.device->addFault({}, 1, fault);
             block = kUntouched;
-            EXPECT_EQ(get(*interface), row.result);
+            EXPECT_EQ(get(*interface), result);
             EXPECT_EQ(block, kUntouched);
             EXPECT_EQ(get(*interface), UsbCode::Success);
-            kernel.device->addFault({}, 1, row.fault);
-            EXPECT_EQ(set(*interface), row.result);
+            kernel.device->addFault({}, 1, fault);
+            EXPECT_EQ(set(*interface), result);
             EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::Success);
             EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::NotFound);
             EXPECT_EQ(set(*interface), UsbCode::Success);
