@@ -218,6 +218,9 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
         EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
         EXPECT_EQ(SimulatedHost::takeRequests().back(), request("21 01") + " " + row.one);
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        EXPECT_TRUE((control.*row.set)(row.inverted ? 1.0F : 0.0F));
+        EXPECT_THAT(SimulatedHost::takeRequests().back(), testing::HasSubstr("| 00"));
+        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
         SimulatedHost::take();
     }
@@ -257,7 +260,7 @@ TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
         EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
         return SimulatedHost::takeRequests().back();
     };
-    EXPECT_THAT(sent(1e20F), testing::EndsWith("| ff ff ff 7f"));
+    for (const float tooLarge : {0x1p31F, 1e20F}) EXPECT_THAT(sent(tooLarge), testing::EndsWith("| ff ff ff 7f"));
     EXPECT_THAT(sent(-1e20F), testing::EndsWith("| 00 00 00 80"));
     EXPECT_THAT(sent(-2.9F), testing::EndsWith("| fe ff ff ff"));
     EXPECT_THAT(sent(NAN), testing::EndsWith("| 00 00 00 00"));

@@ -182,12 +182,17 @@ private slots:
         auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
         QTest::keyClick(&popUp, Qt::Key_Down);
         QCOMPARE(device().settings[8], 0x21);
+        // As assistive technology chooses, without opening the list.
+        popUp.view()->selectionModel()->select(popUp.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+        QCOMPARE(device().settings[8], 0x01);
+        QCOMPARE(popUp.currentIndex(), 0);
     }
 
     void popUpIsBlackWhileOpen() {
         const SettingsWindow settings;
         auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
         const auto color = [&popUp] { return popUp.attributedTitle(2).colorAt(0); };
+        connect(&popUp, &CustomPopUpButton::menuWillOpen, [&popUp] { QVERIFY(!popUp.view()->isVisible()); });
         popUp.showPopup();
         QCOMPARE(color(), QColor(Qt::black));
         const QImage list = popUp.view()->grab().toImage();
