@@ -24,8 +24,7 @@ void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
     QWindow* const handle = window()->windowHandle();
-    const bool moves =
-        event->button() == Qt::LeftButton && mouseDownCanMoveWindow() && handle && handle->startSystemMove();
-    if (!moves)
-        QLabel::mousePressEvent(event); // no window manager, nothing to drag with
+    if (event->button() == Qt::LeftButton && mouseDownCanMoveWindow() && handle && handle->startSystemMove())
+        return;
+    QLabel::mousePressEvent(event); // no window manager, nothing to drag with
 }

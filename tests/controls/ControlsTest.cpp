@@ -224,7 +224,8 @@ private slots:
         QCOMPARE(shown.string, QStringLiteral("Off"));
         QCOMPARE(colorsOf(shown), "wrr");
         QVERIFY(shown.colors.last().format.fontUnderline());
-        QCOMPARE(shown.colors.last().start, 1);
+        QCOMPARE(std::pair(shown.colors.last().start, shown.colors.last().length), std::pair(1, 1));
+        QCOMPARE(withMnemonic(createAttributedString("&On", Qt::white, "", Qt::red), true).string, "On");
     }
 
     void coloursAreClamped() {
