@@ -222,8 +222,8 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
         EXPECT_THAT(SimulatedHost::takeRequests().back(), testing::HasSubstr("| 00"));
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
-        for (const std::uint8_t refused : {0x82, 0x81})
-            device().addFault({.request = refused, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = 0x81, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 1.0F : 0.0F);
         SimulatedHost::take();
     }
