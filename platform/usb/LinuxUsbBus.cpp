@@ -1,4 +1,5 @@
 #include "LinuxUsbInterface.h"
+#include "ListedDescriptors.h"
 #include "usb/UsbChain.h"
 
 #include <algorithm>
@@ -82,6 +83,10 @@ struct DeviceList {
 
 DeviceList listDevices() {
     DeviceList list;
+    if (!listedDescriptorsCanBeRead()) {
+        list.result = UsbCode::InputOutput;
+        return list;
+    }
     libusb_context* context = nullptr;
     list.result = libusb_init(&context);
     if (list.result != UsbCode::Success)

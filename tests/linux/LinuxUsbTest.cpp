@@ -304,6 +304,15 @@ TEST_F(LinuxUsb, DescriptorsThatMeanNothingGiveNoInterface) {
         EXPECT_FALSE(open());
         kernel.unplug();
     }
+    // Two configurations, the first of an odd length with a length of 0 where 9 bytes of it would end. Another
+    // device: libusb must not even be asked for ours.
+    Bytes endless = device;
+    endless.back() = 2;
+    append(endless, Bytes{11, 2, 11, 0, 1, 1, 0, 0x80, 50, 0, 0, 9, 2, 9, 0, 0, 2, 0, 0x80, 50});
+    kernel.plug({.address = 3, .name = "1-2", .descriptors = endless});
+    EXPECT_EQ(usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID).result, UsbCode::InputOutput);
+    EXPECT_EQ(usbBus().allServices().result, UsbCode::InputOutput);
+    kernel.unplug();
     EXPECT_FALSE(open()); // nothing is plugged in
 }
 

@@ -197,6 +197,9 @@ private slots:
         QCOMPARE(color(), QColor(Qt::black));
         const QImage list = popUp.view()->grab().toImage();
         QVERIFY(qGray(list.pixel(100, list.height() - 5)) > 200); // black titles need a light ground
+        int darkest = 255;
+        for (int x = 8; x < 60; ++x) darkest = std::min(darkest, qGray(list.pixel(x, list.height() - 14)));
+        QVERIFY(darkest < 100);
         QTest::keyClick(popUp.view(), Qt::Key_Escape);
         QCOMPARE(color(), QColor::fromRgbF(1, 1, 1, 0.8F));
     }
