@@ -7,15 +7,13 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static FakeKernel kernel;
-    static const bool plugged = (kernel.plug({}), true);
-    (void)plugged;
-    kernel.setDescriptors("1-1", std::vector(data, data + size));
+    kernel.plug({.descriptors = std::vector(data, data + size)});
     UVCCameraControl control;
     std::array<std::uint8_t, 7> block{};
-    if (control.initWithVendorID(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID))
-        (void)control.getDataFor(UVCRequest::GET_CUR, 7, 13, 3, block);
-    control.initWithLocationID(0x01100000);
+    if (!control.initWithVendorID(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID))
+        __builtin_trap();
     (void)control.getDataFor(UVCRequest::GET_CUR, 7, 13, 3, block);
+    kernel.unplug();
     kernel.device->requests.clear();
     kernel.calls.clear();
     return 0;

@@ -1,6 +1,11 @@
 #include "DirectUsbRequests.h"
 
+#include "OpenResult.h"
+
+#include <cerrno>
 #include <utility>
+
+#include <fcntl.h>
 
 namespace {
 
@@ -8,11 +13,23 @@ constexpr unsigned kTimeOut = 5000; // milliseconds, the kernel's own; 0 would w
 
 } // namespace
 
-UsbYield<RequestWay> DirectUsbRequests::open(const LibusbDevice& device) {
-    libusb_device_handle* handle = nullptr;
-    if (const UsbResult result = libusb_open(device.get(), &handle); result != UsbCode::Success)
+UsbYield<RequestWay> DirectUsbRequests::open(const std::string& name) {
+    OpenFile node(::open(name.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!node)
+        return {resultOfOpen(errno), nullptr};
+    // libusb gets this one device, and must not look at others: version 1.0.26 never comes to an end with the
+    // descriptors of one that means no good, now or when it is plugged in later.
+    (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
+    libusb_context* made = nullptr;
+    if (const UsbResult result = libusb_init(&made); result != UsbCode::Success)
         return {result, nullptr};
-    return {UsbCode::Success, std::make_unique<DirectUsbRequests>(LibusbHandle(handle))};
+    LibusbContext context(made);
+    libusb_device_handle* handle = nullptr;
+    const UsbResult result = libusb_wrap_sys_device(made, node.get(), &handle);
+    if (result != UsbCode::Success)
+        return {result, nullptr};
+    return {UsbCode::Success,
+            std::make_unique<DirectUsbRequests>(std::move(node), std::move(context), LibusbHandle(handle))};
 }
 
 UsbResult DirectUsbRequests::carry(UsbControlRequest& request, std::span<std::uint8_t> bytes) {

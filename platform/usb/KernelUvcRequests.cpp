@@ -1,5 +1,7 @@
 #include "KernelUvcRequests.h"
 
+#include "OpenResult.h"
+
 #include <cerrno>
 #include <memory>
 
@@ -12,22 +14,6 @@ namespace {
 
 constexpr std::uint8_t kClassRequestToInterface = 0x21; // and 0xA1 with the direction bit
 constexpr std::uint16_t kInterface = 0;                 // the only one for which the driver's wIndex is ours
-
-UsbResult resultOfOpen(int error) {
-    switch (error) {
-    case EACCES:
-    case EPERM:
-        return UsbCode::Access;
-    case ENOENT:
-    case ENODEV:
-    case ENXIO:
-        return UsbCode::NoDevice;
-    case EBUSY:
-        return UsbCode::Busy;
-    default:
-        return UsbCode::InputOutput;
-    }
-}
 
 UsbResult resultOfQuery(int error) {
     switch (error) {

@@ -1,137 +1,122 @@
 #include "LinuxUsbInterface.h"
-#include "ListedDescriptors.h"
+#include "UdevSearch.h"
 #include "usb/UsbChain.h"
 
-#include <algorithm>
-#include <array>
-#include <span>
+#include <cstdlib>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+using namespace udevSearch;
+
 namespace {
 
-bool admits(const UsbFindInterfaceRequest& request, const libusb_interface_descriptor& interface) {
-    return ::admits(request.bInterfaceClass, interface.bInterfaceClass)
-           && ::admits(request.bInterfaceSubClass, interface.bInterfaceSubClass)
-           && ::admits(request.bInterfaceProtocol, interface.bInterfaceProtocol)
-           && ::admits(request.bAlternateSetting, interface.bAlternateSetting);
+std::string orEmpty(const char* text) {
+    return text ? text : "";
 }
 
-/// Numbers of the interfaces with a wanted alternate setting, in the order of the configuration.
-std::vector<std::uint8_t> interfaceNumbers(const libusb_config_descriptor& configuration,
-                                           const UsbFindInterfaceRequest& request) {
-    std::vector<std::uint8_t> numbers;
-    for (const auto& interface : std::span(configuration.interface, configuration.bNumInterfaces)) {
-        const std::span settings(interface.altsetting, static_cast<std::size_t>(interface.num_altsetting));
-        const auto found = std::ranges::find_if(
-            settings, [&](const libusb_interface_descriptor& setting) { return admits(request, setting); });
-        if (found != settings.end())
-            numbers.push_back(found->bInterfaceNumber);
-    }
-    return numbers;
+unsigned numberIn(udev_device* device, const char* attribute, int base) {
+    return static_cast<unsigned>(
+        std::strtoul(orEmpty(udev_device_get_sysattr_value(device, attribute)).c_str(), nullptr, base));
 }
 
 class LinuxDevice : public UsbDevice {
 public:
-    LinuxDevice(LibusbContext context, LibusbDevice device)
-        : m_context(std::move(context)), m_device(std::move(device)) {}
+    explicit LinuxDevice(PluggedDevice device) : m_device(std::move(device)) {}
 
     UsbResult GetLocationID(std::uint32_t& location) override;
     UsbYield<UsbIterator<UsbInterface>>
     CreateInterfaceIterator(const UsbFindInterfaceRequest& request) override;
 
 private:
-    LibusbContext m_context;
-    LibusbDevice m_device;
+    PluggedDevice m_device;
 };
 
 UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
-    constexpr std::size_t kDeepest = 7; // tiers below the root hub (USB 2.0, 4.1.1)
-    std::array<std::uint8_t, kDeepest> ports{};
-    const int depth = libusb_get_port_numbers(m_device.get(), ports.data(), ports.size());
-    if (depth < 0)
-        return depth;
-    location = std::uint32_t{libusb_get_bus_number(m_device.get())} << 24;
-    for (int tier = 0, shift = 20; tier < depth && shift >= 0; ++tier, shift -= 4)
-        location |= (ports[static_cast<std::size_t>(tier)] & 0xFU) << shift;
+    location = std::uint32_t{m_device.bus} << 24;
+    const std::size_t dash = m_device.name.find('-'); // a root hub's name has none
+    std::string_view chain = m_device.name;
+    chain.remove_prefix(dash == std::string::npos ? chain.size() : dash + 1);
+    for (int shift = 20; shift >= 0 && !chain.empty(); shift -= 4) {
+        char* end = nullptr;
+        location |= (static_cast<unsigned>(std::strtoul(chain.data(), &end, 10)) & 0xFU) << shift;
+        chain.remove_prefix(static_cast<std::size_t>(end - chain.data()));
+        chain.remove_prefix(chain.starts_with('.') ? 1 : chain.size());
+    }
     return UsbCode::Success;
 }
 
 UsbYield<UsbIterator<UsbInterface>>
 LinuxDevice::CreateInterfaceIterator(const UsbFindInterfaceRequest& request) {
-    libusb_config_descriptor* configuration = nullptr;
-    const UsbResult result = libusb_get_active_config_descriptor(m_device.get(), &configuration);
-    if (result != UsbCode::Success)
-        return {result, nullptr};
-    auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
-    for (const std::uint8_t number : interfaceNumbers(*configuration, request)) {
-        const auto make = [context = m_context, device = m_device, number]() -> UsbYield<UsbInterface> {
-            return {UsbCode::Success, std::make_unique<LinuxUsbInterface>(context, device, number)};
-        };
-        iterator->add(std::make_unique<ChainService<UsbInterface>>(make));
+    const Udev context(udev_new());
+    const Device device(context ? udev_device_new_from_syspath(context.get(), m_device.folder.c_str())
+                                : nullptr);
+    if (!device)
+        return {UsbCode::NoDevice, nullptr};
+    Search search(context.get(), "usb", device.get());
+    for (const auto& [attribute, format, wanted] :
+         {std::tuple("bInterfaceClass", "%02x", request.bInterfaceClass),
+          {"bInterfaceSubClass", "%02x", request.bInterfaceSubClass},
+          {"bInterfaceProtocol", "%02x", request.bInterfaceProtocol},
+          {"bAlternateSetting", "%2u", request.bAlternateSetting}}) {
+        if (wanted != UsbFindInterfaceRequest::kMatchAny)
+            search.with(attribute, format, wanted);
     }
-    libusb_free_config_descriptor(configuration);
+    auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
+    for (const std::string& folder : search.with("bInterfaceNumber").folders()) {
+        if (folder.substr(0, folder.rfind('/')) != m_device.folder)
+            continue; // of a device behind this hub
+        const Device interface(udev_device_new_from_syspath(context.get(), folder.c_str()));
+        if (!interface)
+            continue; // gone meanwhile
+        const auto number = static_cast<std::uint8_t>(numberIn(interface.get(), "bInterfaceNumber", 16));
+        iterator->add(std::make_unique<ChainService<UsbInterface>>(
+            [plugged = m_device, number]() -> UsbYield<UsbInterface> {
+                return {UsbCode::Success, std::make_unique<LinuxUsbInterface>(plugged, number)};
+            }));
+    }
     return {UsbCode::Success, std::move(iterator)};
 }
 
-/// What is plugged in now.
-struct DeviceList {
-    UsbResult result = UsbCode::Success;
-    LibusbContext context;
-    std::vector<LibusbDevice> devices;
-};
-
-DeviceList listDevices() {
-    DeviceList list;
-    if (!listedDescriptorsCanBeRead()) {
-        list.result = UsbCode::InputOutput;
-        return list;
+std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(udev* context, Search& search) {
+    std::vector<std::unique_ptr<UsbService<UsbDevice>>> found;
+    for (const std::string& folder : search.with("devnum").folders()) {
+        const Device device(udev_device_new_from_syspath(context, folder.c_str()));
+        if (!device)
+            continue; // gone meanwhile
+        const PluggedDevice plugged{folder, orEmpty(udev_device_get_sysname(device.get())),
+                                    orEmpty(udev_device_get_devnode(device.get())),
+                                    numberIn(device.get(), "busnum", 10),
+                                    numberIn(device.get(), "devnum", 10)};
+        found.push_back(std::make_unique<ChainService<UsbDevice>>([plugged]() -> UsbYield<UsbDevice> {
+            return {UsbCode::Success, std::make_unique<LinuxDevice>(plugged)};
+        }));
     }
-    libusb_context* context = nullptr;
-    list.result = libusb_init(&context);
-    if (list.result != UsbCode::Success)
-        return list;
-    list.context = LibusbContext(context, libusb_exit);
-    libusb_device** devices = nullptr;
-    const auto count = libusb_get_device_list(context, &devices);
-    if (count < 0) {
-        list.result = static_cast<UsbResult>(count);
-        return list;
-    }
-    for (libusb_device* device : std::span(devices, static_cast<std::size_t>(count)))
-        list.devices.emplace_back(libusb_ref_device(device), libusb_unref_device);
-    libusb_free_device_list(devices, 1);
-    return list;
-}
-
-std::unique_ptr<UsbService<UsbDevice>> serviceFor(const LibusbContext& context, const LibusbDevice& device) {
-    return std::make_unique<ChainService<UsbDevice>>([context, device]() -> UsbYield<UsbDevice> {
-        return {UsbCode::Success, std::make_unique<LinuxDevice>(context, device)};
-    });
+    return found;
 }
 
 class LinuxUsbBus : public UsbBus {
 public:
     UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
-        const DeviceList list = listDevices();
-        if (list.result != UsbCode::Success)
-            return {list.result, nullptr};
-        for (const LibusbDevice& device : list.devices) {
-            libusb_device_descriptor descriptor{};
-            if (libusb_get_device_descriptor(device.get(), &descriptor) == UsbCode::Success
-                && descriptor.idVendor == vendor && descriptor.idProduct == product)
-                return {UsbCode::Success, serviceFor(list.context, device)};
-        }
-        return {UsbCode::NoDevice, nullptr};
+        const Udev context(udev_new());
+        if (!context)
+            return {UsbCode::NoDevice, nullptr};
+        Search search(context.get(), "usb");
+        auto found = services(context.get(),
+                              search.with("idVendor", "%04x", vendor).with("idProduct", "%04x", product));
+        if (found.empty())
+            return {UsbCode::NoDevice, nullptr};
+        return {UsbCode::Success, std::move(found.front())};
     }
 
     UsbYield<UsbIterator<UsbDevice>> allServices() override {
-        const DeviceList list = listDevices();
-        if (list.result != UsbCode::Success)
-            return {list.result, nullptr};
+        const Udev context(udev_new());
+        if (!context)
+            return {UsbCode::NoDevice, nullptr};
+        Search search(context.get(), "usb");
         auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
-        for (const LibusbDevice& device : list.devices)
-            iterator->add(serviceFor(list.context, device));
+        for (auto& service : services(context.get(), search))
+            iterator->add(std::move(service));
         return {UsbCode::Success, std::move(iterator)};
     }
 };

@@ -29,10 +29,9 @@ UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
 }
 
 UsbYield<RequestWay> LinuxUsbInterface::chooseWay() const {
-    const KernelDriver driver = findKernelDriver(libusb_get_bus_number(m_device.get()),
-                                                 libusb_get_device_address(m_device.get()), m_number);
+    const KernelDriver driver = findKernelDriver(m_device.bus, m_device.address, m_number);
     if (driver.name.empty() || driver.name == kClaimedByProgram)
-        return DirectUsbRequests::open(m_device);
+        return DirectUsbRequests::open(m_device.node);
     // The driver fills in the interface's real number, and all our requests carry 0.
     if (driver.name != kKernelUvcDriver || m_number != 0 || driver.captureNode.empty())
         return {UsbCode::NotSendable, nullptr};

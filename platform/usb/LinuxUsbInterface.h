@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LibusbObjects.h"
+#include "PluggedDevice.h"
 #include "RequestWay.h"
 
 /// One interface of a device of this computer. The way to it is chosen by the first request, and again by
@@ -8,8 +8,8 @@
 /// our packet, directly where none holds it. The driver is never detached: that would end a recording.
 class LinuxUsbInterface : public UsbInterface {
 public:
-    LinuxUsbInterface(LibusbContext context, LibusbDevice device, std::uint8_t number)
-        : m_context(std::move(context)), m_device(std::move(device)), m_number(number) {}
+    LinuxUsbInterface(PluggedDevice device, std::uint8_t number)
+        : m_device(std::move(device)), m_number(number) {}
 
     UsbResult GetInterfaceNumber(std::uint8_t& number) override;
     UsbResult ControlRequest(std::uint8_t pipe, UsbControlRequest& request) override;
@@ -18,8 +18,7 @@ public:
 private:
     [[nodiscard]] UsbYield<RequestWay> chooseWay() const;
 
-    LibusbContext m_context; ///< outlives what was opened
-    LibusbDevice m_device;
+    PluggedDevice m_device;
     std::uint8_t m_number;
     std::unique_ptr<RequestWay> m_way;
     UsbResult m_notOpen = UsbCode::NotFound; ///< why there is no way

@@ -12,9 +12,9 @@
 #include <span>
 #include <utility>
 
-namespace {
+#include <linux/usb/ch9.h>
 
-constexpr std::size_t kDeviceDescriptorLength = 18; // bytes (USB 2.0, 9.6.1)
+namespace {
 
 std::string text(const char* format, unsigned a, unsigned b = 0) {
     std::array<char, 64> bytes{};
@@ -45,13 +45,12 @@ std::string FakeKernel::pathOf(const std::string& node) const {
     return taken(umockdev_testbed_get_root_dir(m_testbed)) + node;
 }
 
-void FakeKernel::addNode(const std::string& node) {
+std::string FakeKernel::addNode(const std::string& node) {
     const std::string path = pathOf(node);
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    // A character device for which no rights are needed, and that can be waited for.
-    std::filesystem::create_symlink("/dev/null", path);
     umockdev_testbed_attach_ioctl(m_testbed, node.c_str(), m_handler, nullptr);
     m_nodes.push_back(node);
+    return path;
 }
 
 void FakeKernel::forbid(const std::string& node) {
@@ -66,41 +65,29 @@ void FakeKernel::forbid(const std::string& node) {
 }
 
 void FakeKernel::plug(const FakePlug& plug) {
-    const CaptureIdentity identity{device->vendorID, device->productID, plug.videoControlInterface};
-    std::vector<std::uint8_t> descriptors = deviceDescriptor(identity);
-    append(descriptors, configurationDescriptor(identity));
     const std::string node = text("/dev/bus/usb/%03u/%03u", plug.bus, plug.address);
     const std::string path = taken(umockdev_testbed_add_device(
         m_testbed, "usb", plug.name.c_str(), nullptr, "busnum", text("%u", plug.bus).c_str(), "devnum",
-        text("%u", plug.address).c_str(), "speed", "480", "bConfigurationValue", "1", nullptr, "DEVTYPE",
-        "usb_device", "DEVNAME", node.c_str(), "BUSNUM", text("%03u", plug.bus).c_str(), "DEVNUM",
-        text("%03u", plug.address).c_str(), "MAJOR", "189", "MINOR",
-        text("%u", (plug.bus - 1) * 128 + plug.address - 1).c_str(), nullptr));
+        text("%u", plug.address).c_str(), "idVendor", text("%04x", plug.vendor).c_str(), "idProduct",
+        text("%04x", device->productID).c_str(), nullptr, "DEVTYPE", "usb_device", "DEVNAME", node.c_str(),
+        "MAJOR", "189", "MINOR", text("%u", (plug.bus - 1) * 128 + plug.address - 1).c_str(), nullptr));
     m_devices.push_back(path);
-    addNode(node);
-    const std::string number = text("%02x", plug.videoControlInterface);
+    const CaptureIdentity identity{device->vendorID, device->productID, plug.videoControlInterface};
+    std::vector<std::uint8_t> descriptors = deviceDescriptor(identity);
+    append(descriptors, configurationDescriptor(identity));
+    std::ofstream(addNode(node), std::ios::binary) // which usbfs gives to who reads the node
+        .write(reinterpret_cast<const char*>(plug.descriptors.value_or(descriptors).data()),
+               static_cast<std::streamsize>(plug.descriptors.value_or(descriptors).size()));
     m_devices.push_back(taken(umockdev_testbed_add_device(
         m_testbed, "usb", (plug.name + ":1." + std::to_string(plug.videoControlInterface)).c_str(),
-        path.c_str(), "bInterfaceNumber", number.c_str(), nullptr, "DEVTYPE", "usb_interface", nullptr)));
+        path.c_str(), "bInterfaceNumber", text("%02x", plug.videoControlInterface).c_str(), "bInterfaceClass",
+        text("%02x", plug.interfaceClass).c_str(), "bInterfaceSubClass", "01", "bInterfaceProtocol", "00",
+        "bAlternateSetting", " 0", nullptr, "DEVTYPE", "usb_interface", nullptr)));
     m_interfaces[plug.name] = m_devices.back();
-    setDescriptors(plug.name, plug.descriptors.value_or(descriptors));
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged())
         device->plugIn();
     bind(plug);
-}
-
-/// A kernel shows the descriptors of a configuration up to the first that can't be one: libusb 1.0.26, which
-/// reads them again, would never come past a length of 0.
-void FakeKernel::setDescriptors(const std::string& name, std::vector<std::uint8_t> descriptors) {
-    std::size_t shown = std::min(kDeviceDescriptorLength, descriptors.size());
-    while (shown + 1 < descriptors.size() && descriptors[shown] >= 2
-           && descriptors[shown] <= descriptors.size() - shown)
-        shown += descriptors[shown];
-    descriptors.resize(shown);
-    const std::string path = std::filesystem::path(m_interfaces[name]).parent_path();
-    umockdev_testbed_set_attribute_binary(m_testbed, path.c_str(), "descriptors", descriptors.data(),
-                                          static_cast<gint>(descriptors.size()));
 }
 
 void FakeKernel::bind(const FakePlug& plug) {
@@ -120,7 +107,9 @@ void FakeKernel::bind(const FakePlug& plug) {
             text("/dev/video%u", number).c_str(), "MAJOR", "81", "MINOR", text("%u", number).c_str(),
             nullptr)));
     }
-    addNode(text("/dev/video%u", static_cast<unsigned>(plug.captureNode)));
+    // A character device for which no rights are needed.
+    std::filesystem::create_symlink("/dev/null",
+                                    addNode(text("/dev/video%u", static_cast<unsigned>(plug.captureNode))));
 }
 
 void FakeKernel::unplug() {
@@ -159,6 +148,13 @@ FakeKernel::Answer FakeKernel::call(unsigned long request, void* argument) {
     case USBDEVFS_GET_CAPABILITIES:
         *static_cast<std::uint32_t*>(argument) = USBDEVFS_CAP_ZERO_PACKET | USBDEVFS_CAP_BULK_CONTINUATION;
         return {0, 0};
+    case USBDEVFS_CONNECTINFO:
+        static_cast<usbdevfs_connectinfo*>(argument)->devnum = 2;
+        return {0, 0};
+    case USBDEVFS_GET_SPEED:
+        return {USB_SPEED_HIGH, 0};
+    case USBDEVFS_CONTROL:
+        return control(*static_cast<usbdevfs_ctrltransfer*>(argument));
     case USBDEVFS_CLAIMINTERFACE:
         return claim(*static_cast<unsigned*>(argument));
     case USBDEVFS_RELEASEINTERFACE:
@@ -175,6 +171,18 @@ FakeKernel::Answer FakeKernel::call(unsigned long request, void* argument) {
         forbidden.push_back(text("ioctl %08x", static_cast<unsigned>(request)));
         return {-1, ENOTTY};
     }
+}
+
+/// What libusb asks when it opens the device: which configuration is active.
+FakeKernel::Answer FakeKernel::control(const usbdevfs_ctrltransfer& transfer) {
+    constexpr std::uint8_t kGetConfiguration = 8;
+    if (transfer.bRequestType != kUsbDeviceToHost || transfer.bRequest != kGetConfiguration
+        || transfer.wLength != 1) {
+        forbidden.emplace_back("a transfer of its own");
+        return {-1, EPIPE};
+    }
+    *static_cast<std::uint8_t*>(transfer.data) = 1;
+    return {1, 0};
 }
 
 FakeKernel::Answer FakeKernel::claim(unsigned interface) {

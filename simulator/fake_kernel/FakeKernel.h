@@ -19,6 +19,8 @@ struct FakePlug {
     unsigned bus = 1;
     unsigned address = 2;
     std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them
+    std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
+    std::uint8_t interfaceClass = 0x0E;
     std::uint8_t videoControlInterface = 0;
     std::string driver = {}; ///< bound to the VideoControl interface, empty: none
     int captureNode = -1;    ///< N of /dev/videoN, which is a second node's neighbour; -1: none
@@ -39,8 +41,6 @@ public:
     void unplug();
     /// A driver takes the interface of a device that is plugged in.
     void bind(const FakePlug& plug);
-    /// What the device with this name tells of itself from now on.
-    void setDescriptors(const std::string& name, std::vector<std::uint8_t> descriptors);
     /// From now on the user has no rights on a device node.
     void forbid(const std::string& node);
     /// Where a device node really is.
@@ -63,13 +63,15 @@ private:
 
     static gboolean handle(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer self);
     [[nodiscard]] Answer call(unsigned long request, void* argument);
+    [[nodiscard]] Answer control(const usbdevfs_ctrltransfer& transfer);
     [[nodiscard]] Answer claim(unsigned interface);
     [[nodiscard]] Answer release(unsigned interface);
     [[nodiscard]] Answer submit(usbdevfs_urb& urb);
     [[nodiscard]] Answer reap(void** argument);
     [[nodiscard]] Answer discard(const usbdevfs_urb* urb);
     [[nodiscard]] Answer query(uvc_xu_control_query& query);
-    void addNode(const std::string& node);
+    /// Gives the path at which the node has to be made.
+    std::string addNode(const std::string& node);
 
     UMockdevTestbed* m_testbed;
     UMockdevIoctlBase* m_handler;
