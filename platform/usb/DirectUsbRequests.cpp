@@ -13,9 +13,9 @@ constexpr unsigned kTimeOut = 5000; // milliseconds, the kernel's own; 0 would w
 
 } // namespace
 
-UsbYield<RequestWay> DirectUsbRequests::open(const std::string& name) {
-    OpenFile node(::open(name.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!node)
+UsbYield<RequestWay> DirectUsbRequests::open(const std::string& node) {
+    OpenFile file(::open(node.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file)
         return {resultOfOpen(errno), nullptr};
     // libusb gets this one device, and must not look at others: version 1.0.26 never comes to an end with the
     // descriptors of one that means no good, now or when it is plugged in later.
@@ -25,11 +25,11 @@ UsbYield<RequestWay> DirectUsbRequests::open(const std::string& name) {
         return {result, nullptr};
     LibusbContext context(made);
     libusb_device_handle* handle = nullptr;
-    const UsbResult result = libusb_wrap_sys_device(made, node.get(), &handle);
+    const UsbResult result = libusb_wrap_sys_device(made, file.get(), &handle);
     if (result != UsbCode::Success)
         return {result, nullptr};
     return {UsbCode::Success,
-            std::make_unique<DirectUsbRequests>(std::move(node), std::move(context), LibusbHandle(handle))};
+            std::make_unique<DirectUsbRequests>(std::move(file), std::move(context), LibusbHandle(handle))};
 }
 
 UsbResult DirectUsbRequests::carry(UsbControlRequest& request, std::span<std::uint8_t> bytes) {

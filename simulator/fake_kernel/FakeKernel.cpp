@@ -46,7 +46,7 @@ std::string FakeKernel::pathOf(const std::string& node) const {
 }
 
 std::string FakeKernel::addNode(const std::string& node) {
-    const std::string path = pathOf(node);
+    std::string path = pathOf(node);
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     umockdev_testbed_attach_ioctl(m_testbed, node.c_str(), m_handler, nullptr);
     m_nodes.push_back(node);
