@@ -28,7 +28,12 @@ public:
         if (parent)
             (void)udev_enumerate_add_match_parent(m_enumerate.get(), parent);
     }
-    Search& with(const char* attribute) { return with(attribute, "*", 0); }
+    /// That have the attribute.
+    Search& with(const char* attribute) {
+        (void)udev_enumerate_add_match_sysattr(m_enumerate.get(), attribute, nullptr);
+        return *this;
+    }
+    /// Whose attribute is this number in this format.
     Search& with(const char* attribute, const char* format, unsigned value) {
         std::array<char, 16> text{};
         (void)std::snprintf(text.data(), text.size(), format, value); // numbers of at most 10 digits

@@ -16,9 +16,10 @@
 
 namespace {
 
-std::string text(const char* format, unsigned a, unsigned b = 0) {
+template <class... Numbers>
+std::string text(const char* format, Numbers... numbers) {
     std::array<char, 64> bytes{};
-    (void)std::snprintf(bytes.data(), bytes.size(), format, a, b);
+    (void)std::snprintf(bytes.data(), bytes.size(), format, numbers...);
     return bytes.data();
 }
 

@@ -26,11 +26,8 @@ constexpr std::array<Named<std::optional<std::uint8_t>>, 5> kRequests{
 
 template <class Table>
 const typename Table::value_type* find(const Table& table, std::string_view name) {
-    for (const auto& row : table) {
-        if (row.name == name)
-            return &row;
-    }
-    return nullptr;
+    const auto found = std::ranges::find(table, name, &Table::value_type::name);
+    return found == table.end() ? nullptr : &*found;
 }
 
 std::optional<unsigned> number(std::string_view text, unsigned least, unsigned most) {

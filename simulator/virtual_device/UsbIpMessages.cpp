@@ -22,8 +22,7 @@ Bytes commonHeader(std::uint16_t code, std::uint32_t status) {
 
 void appendText(Bytes& bytes, std::string_view text, std::size_t field) {
     const std::size_t end = bytes.size() + field;
-    for (const char character : text)
-        bytes.push_back(static_cast<std::uint8_t>(character));
+    bytes.insert(bytes.end(), text.begin(), text.end());
     bytes.resize(end);
 }
 
