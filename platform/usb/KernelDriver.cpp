@@ -4,14 +4,6 @@
 
 using namespace udevSearch;
 
-namespace {
-
-std::string orEmpty(const char* text) {
-    return text ? text : "";
-}
-
-} // namespace
-
 KernelDriver findKernelDriver(unsigned bus, unsigned address, unsigned interface) {
     const Udev context(udev_new());
     if (!context)

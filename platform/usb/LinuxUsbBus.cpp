@@ -11,10 +11,6 @@ using namespace udevSearch;
 
 namespace {
 
-std::string orEmpty(const char* text) {
-    return text ? text : "";
-}
-
 unsigned numberIn(udev_device* device, const char* attribute, int base) {
     return static_cast<unsigned>(
         std::strtoul(orEmpty(udev_device_get_sysattr_value(device, attribute)).c_str(), nullptr, base));

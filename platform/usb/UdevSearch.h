@@ -19,6 +19,11 @@ using Udev = std::unique_ptr<udev, Unref<udev, udev_unref>>;
 using Enumerate = std::unique_ptr<udev_enumerate, Unref<udev_enumerate, udev_enumerate_unref>>;
 using Device = std::unique_ptr<udev_device, Unref<udev_device, udev_device_unref>>;
 
+/// What libudev does not know is a null pointer.
+inline std::string orEmpty(const char* text) {
+    return text ? text : "";
+}
+
 /// A search in one subsystem, below `parent` if that is given.
 class Search {
 public:
