@@ -1,6 +1,7 @@
 // What the drawn controls look like: geometry as numbers, and enough pixels to see that it is what is drawn.
 
 #include "ApplicationMain.h"
+#include "AttributedRadioButton.h"
 #include "ChildProcess.h"
 #include "Colors.h"
 #include "CustomPopUpButton.h"
@@ -234,7 +235,31 @@ private slots:
         QCOMPARE(colorsOf(shown), "wrr");
         QVERIFY(shown.colors.last().format.fontUnderline());
         QCOMPARE(std::pair(shown.colors.last().start, shown.colors.last().length), std::pair(1, 1));
-        QCOMPARE(withMnemonic(createAttributedString("&On", Qt::white, "", Qt::red), true).string, "On");
+        for (const auto& [text, plain] : {std::pair("&On", "On"), {"On", "On"}, {"On&", "On&"}})
+            QCOMPARE(withMnemonic(createAttributedString(text, Qt::white, {}, {}), true).string, plain);
+    }
+
+    void radioButtonDrawsItsTitle() {
+        AttributedRadioButton button;
+        button.resize(100, 30);
+        const auto redness = [&button](const QString& title) {
+            button.setAttributedTitle(createAttributedString(title, Qt::red, {}, {}));
+            const QImage image = rendered(button);
+            int sum = 0;
+            for (int i = 0; i < 3000; ++i)
+                sum += qRed(image.pixel(i % 100, i / 100)) - qBlue(image.pixel(i % 100, i / 100));
+            return sum;
+        };
+        QVERIFY(redness("O&ff") > redness("Off")); // by its underline
+        button.setAttributedTitle(createAttributedString("Off", Qt::transparent, {}, {}));
+        const QImage untitled = rendered(button);
+        (void)redness("   ");
+        QCOMPARE(untitled, rendered(button)); // the style has no title to draw
+        button.setAttribute(Qt::WA_UnderMouse);
+        QVERIFY(redness("Off") < 0); // the ring is bluish
+        button.setAttribute(Qt::WA_UnderMouse, false);
+        button.setEnabled(false);
+        QVERIFY(redness("Off") < 0);
     }
 
     void coloursAreClamped() {
@@ -247,21 +272,19 @@ private slots:
         for (int row = 0; row < 6; ++row) QTest::addRow("%d", row) << row;
     }
     void unsupportedInitialisersStop() {
-        const std::vector<std::pair<std::string, std::function<void()>>> initialisers{
-            {"CustomSliderCell: unsupported initialiser init(textCell:)", [] { const CustomSliderCell c{QString()}; }},
-            {"CustomSliderCell: unsupported initialiser init(imageCell:)", [] { const CustomSliderCell c{QImage()}; }},
-            {"CustomSliderCell2: unsupported initialiser init(textCell:)",
-                [] { const CustomSliderCell2 c{QString()}; }},
-            {"CustomSliderCell2: unsupported initialiser init(imageCell:)",
-                [] { const CustomSliderCell2 c{QImage()}; }},
-            {"CustomPopUpButton: unsupported initialiser init(frame:)", [] { const CustomPopUpButton c{QRect()}; }},
-            {"CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)",
-                [] { const CustomPopUpButton c(QRect(), true); }}};
+        const std::vector<std::pair<QString, std::function<void()>>> initialisers{
+            {"CustomSliderCell: init(textCell:)", [] { const CustomSliderCell c{QString()}; }},
+            {"CustomSliderCell: init(imageCell:)", [] { const CustomSliderCell c{QImage()}; }},
+            {"CustomSliderCell2: init(textCell:)", [] { const CustomSliderCell2 c{QString()}; }},
+            {"CustomSliderCell2: init(imageCell:)", [] { const CustomSliderCell2 c{QImage()}; }},
+            {"CustomPopUpButton: init(frame:)", [] { const CustomPopUpButton c{QRect()}; }},
+            {"CustomPopUpButton: init(frame:pullsDown:)", [] { const CustomPopUpButton c(QRect(), true); }}};
         QFETCH(int, row);
-        const auto& [line, initialise] = initialisers[static_cast<std::size_t>(row)];
+        const auto& [named, initialise] = initialisers[static_cast<std::size_t>(row)];
         const ChildEnd end = runInChild(initialise);
         QVERIFY(end.aborted);
-        QCOMPARE(end.journal, std::vector{"log Fatal: " + line});
+        const QString line = QString(named).replace(": ", ": unsupported initialiser ");
+        QCOMPARE(end.journal, std::vector{"log Fatal: " + line.toStdString()});
     }
 };
 

@@ -42,12 +42,6 @@ protected:
     std::unique_ptr<CVn318UvcController> controller;
 };
 
-TEST_F(Controller, IsAbsentWithoutADevice) {
-    device().unplug();
-    EXPECT_FALSE(CVn318UvcController::CreateInstance());
-    EXPECT_EQ(SimulatedHost::take().front(), "log call camera CreateInstance");
-}
-
 TEST_F(Controller, HasTheDevicesBlocks) {
     for (const auto& [unit, selector, size] : UvcControls2) {
         std::vector<std::uint8_t> block(size);

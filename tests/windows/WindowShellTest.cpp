@@ -178,24 +178,21 @@ private slots:
                              const char* line) {
             QTest::newRow(name) << file << QByteArray(before) << QByteArray(after) << line;
         };
-        row("index", index, "{", "", "window description \"Main\" is missing or damaged");
+        row("index", index, "{", "", " \"Main\" is missing or damaged");
         row("identifier", index, "\"Settings Window Controller\": {", "\"Other\": {",
-            "window description \"Main\" has no controller \"Settings Window Controller\"");
+            " \"Main\" has no controller \"Settings Window Controller\"");
         row("controller's class", index, "\"WindowController\"", "\"Nothing\"",
-            "window description: unknown controller class \"Nothing\"");
+            ": unknown controller class \"Nothing\"");
         row("wrong controller", index, "\"WindowController\"", "\"AboutViewController\"",
-            "window description: \"Settings Window Controller\" is a AboutViewController, not a window "
-            "controller");
+            ": \"Settings Window Controller\" is a AboutViewController, not a window controller");
         row("wrong content", index, "\"ViewController\"", "\"WindowController\"",
-            "window description: WindowController does not control a window's content");
-        row("no file", index, "settings-window.ui", "none.ui",
-            "window description bundle:Main/none.ui: No such file or directory");
+            ": WindowController does not control a window's content");
+        row("no file", index, "settings-window.ui", "none.ui", " bundle:Main/none.ui: No such file or directory");
         row("unknown class", window, "class=\"CustomSliderCell2\"", "class=\"CustomSliderCell3\"",
-            "window description: unknown class CustomSliderCell3 of SliderHmdiAuxVolume");
+            ": unknown class CustomSliderCell3 of SliderHmdiAuxVolume");
         row("unknown handler", window, ">ChangeHeadphoneVolume<", ">ChangeNothing<",
-            "window description: no handler ChangeNothing for SliderHeadphoneVolume");
-        row("unknown action", window, "name=\"QuitApp\"", "name=\"QuitNot\"",
-            "window description: no handler QuitNot for QuitNot");
+            ": no handler ChangeNothing for SliderHeadphoneVolume");
+        row("unknown action", window, "name=\"QuitApp\"", "name=\"QuitNot\"", ": no handler QuitNot for QuitNot");
     }
     void damagedDescriptionsStop() {
         QFETCH(QString, file);
@@ -206,7 +203,7 @@ private slots:
         bundle.replace(file, before, after);
         const ChildEnd end = runInChild([] { const SettingsWindow settings; });
         QVERIFY(end.aborted);
-        QCOMPARE(QString::fromStdString(end.journal.back()), "log Fatal: " + line);
+        QCOMPARE(QString::fromStdString(end.journal.back()), "log Fatal: window description" + line);
     }
 
     void aboutWithoutItsOutletStops() {
