@@ -212,16 +212,27 @@ TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
     }
 }
 
-TEST_F(LinuxUsb, WhatIsNotTheCaptureNodeIsNotTakenForIt) {
-    const auto interface = plugIn(kKernel);
-    fakeCaptureDevice = makedev(81, 5); // the name has gone to another device
-    EXPECT_EQ(get(*interface), UsbCode::NoDevice);
-    const std::string path = kernel.pathOf("/dev/video4");
-    std::filesystem::remove(path);
-    ASSERT_EQ(::mkfifo(path.c_str(), 0666), 0); // and opening must not wait for a writer
-    EXPECT_EQ(get(*interface), UsbCode::NoDevice);
-    EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::NoDevice);
-    EXPECT_THAT(kernel.calls, IsEmpty());
+TEST_F(LinuxUsb, WhatIsNotTheDevicesNodeIsNotTakenForIt) {
+    for (const auto& [plug, node, result] : {std::tuple(kKernel, "/dev/video4", UsbCode::NoDevice),
+             {kDirect, "/dev/bus/usb/001/002", UsbCode::InputOutput}}) {
+        SCOPED_TRACE(node);
+        const auto interface = plugIn(plug);
+        const std::string path = kernel.pathOf(node);
+        fakeCaptureDevice = makedev(81, 5); // the name has gone to another device
+        EXPECT_EQ(get(*interface) == UsbCode::Success, plug.driver.empty());
+        (void)interface->USBInterfaceClose();
+        kernel.calls.clear();
+        std::filesystem::remove(path);
+        ASSERT_EQ(::symlink("/dev/null", path.c_str()), 0);
+        EXPECT_EQ(get(*interface), result);
+        std::filesystem::remove(path);
+        ASSERT_EQ(::mkfifo(path.c_str(), 0666), 0); // and opening must not wait for a writer
+        EXPECT_EQ(get(*interface), result);
+        EXPECT_EQ(interface->USBInterfaceClose(), result);
+        EXPECT_THAT(kernel.calls, IsEmpty());
+        std::filesystem::remove(path);
+        kernel.unplug();
+    }
 }
 
 TEST_F(LinuxUsb, TheWayIsChosenAgainAfterAClose) {
