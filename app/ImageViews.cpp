@@ -23,8 +23,8 @@ void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
-    QWindow* const handle = window()->windowHandle();
-    if (event->button() == Qt::LeftButton && mouseDownCanMoveWindow() && handle && handle->startSystemMove())
-        return;
-    QLabel::mousePressEvent(event); // no window manager, nothing to drag with
+    if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow())
+        return QLabel::mousePressEvent(event);
+    if (QWindow* handle = window()->windowHandle())
+        handle->startSystemMove(); // nothing happens without a window manager
 }

@@ -9,7 +9,7 @@
 #include <QAbstractItemView>
 #include <QKeySequence>
 #include <QScreen>
-#include <QTextDocument>
+#include <QTextDocumentFragment>
 
 #include <cmath>
 
@@ -64,13 +64,7 @@ QImage imageOf(const QWidget& control, QRect place = {}) {
 }
 
 QString plain(const QString& text) {
-    QString shown = text;
-    if (Qt::mightBeRichText(text)) {
-        QTextDocument document;
-        document.setHtml(text);
-        shown = document.toPlainText();
-    }
-    return shown;
+    return Qt::mightBeRichText(text) ? QTextDocumentFragment::fromHtml(text).toPlainText() : text;
 }
 
 /// What a person would miss of a control's text: empty if nothing.

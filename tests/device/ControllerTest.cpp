@@ -74,6 +74,8 @@ TEST_F(Controller, BitRateLevelsAreFourBits) {
     EXPECT_TRUE(controller->GetBitRate(h264, mjpeg));
     EXPECT_EQ(h264, 1);
     EXPECT_EQ(mjpeg, 2);
+    device().addFault(kAnyGet, 1, RequestFault::Stall);
+    EXPECT_FALSE(controller->SetBitRate(1, 2));
 }
 
 TEST_F(Controller, HdcpState) {

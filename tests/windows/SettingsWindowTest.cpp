@@ -29,11 +29,6 @@ bool showsStars(const SettingsWindow& settings, const char* image) {
     return !expected.isNull() && settings.control<QLabel>("QualityImage").pixmap().toImage() == expected;
 }
 
-void press(SettingsWindow& settings, const char* name, Qt::Key key) {
-    settings.control(name).setFocus();
-    QTest::keyClick(&settings.control(name), key);
-}
-
 void chooseItem(SettingsWindow& settings, int index) {
     auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
     popUp.showPopup();
@@ -76,7 +71,10 @@ private slots:
         std::ranges::copy(firmware, device().versions.begin() + 14);
         const SettingsWindow settings;
         QVERIFY(showsStars(settings, qPrintable(stars)));
-        QTEST(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex(), "item");
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        QTEST(popUp.currentIndex(), "item");
+        QCOMPARE(settings.control("QualityImage").accessibleDescription(),
+            popUp.itemText(std::max(popUp.currentIndex(), 0)));
         QCOMPARE(settings.control<QSlider>("SliderMicrophoneVolume").value(), 33);
         QCOMPARE(settings.control<QSlider>("SliderHeadphoneVolume").value(), 55);
         QCOMPARE(settings.control<QSlider>("SliderHmdiAuxVolume").value(), 11);
@@ -165,7 +163,8 @@ private slots:
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2}); // the selected one again
         QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
         QCOMPARE(device().settings[9], 1);
-        press(settings, "HdcpOnButton", Qt::Key_Right);
+        on.setFocus();
+        QTest::keyClick(&on, Qt::Key_Right);
         QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
         QVERIFY(off.isChecked());
         QAccessible::queryAccessibleInterface(&on)->actionInterface()->doAction(
@@ -182,6 +181,7 @@ private slots:
         auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
         QTest::keyClick(&popUp, Qt::Key_Down);
         QCOMPARE(device().settings[8], 0x21);
+        QCOMPARE(settings.control("QualityImage").accessibleDescription(), "Low");
         // As assistive technology chooses, without opening the list.
         popUp.view()->selectionModel()->select(popUp.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
         QCOMPARE(device().settings[8], 0x01);
