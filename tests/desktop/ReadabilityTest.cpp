@@ -19,10 +19,7 @@ constexpr double kReadable = 4.5;   ///< WCAG 2.1 AA, 1.4.3: text
 constexpr double kNoticeable = 3.0; ///< 1.4.11: what is needed to recognise a control
 constexpr int kEnlarged = 4;
 
-const QStringList& languages() {
-    static const QStringList all{"en", "de", "fr", "es", "ja", "zh_CN"};
-    return all;
-}
+const QStringList kLanguages{"en", "de", "fr", "es", "ja", "zh_CN"};
 
 double luminance(QRgb color) {
     const auto linear = [](int component) {
@@ -148,7 +145,7 @@ private slots:
         QTest::addColumn<QString>("language");
         QTest::addColumn<QString>("window");
         QTest::addColumn<double>("points");
-        for (const QString& language : languages())
+        for (const QString& language : kLanguages)
             for (const char* window : {"Settings", "Alert", "About"})
                 for (const double points : {10.5, 16.0})
                     QTest::addRow("%s %s %g points", qUtf8Printable(language), window, points)

@@ -62,7 +62,8 @@ class Reader:
         self.program = program
         desktop = Atspi.get_desktop(0)
         application = wait_for("program on the bus", lambda: next(
-            (a for a in everything_below(desktop) if a.get_process_id() == program.pid), None))
+            (a for a in map(desktop.get_child_at_index, range(desktop.get_child_count()))
+             if a and a.get_process_id() == program.pid), None))
         self.window = wait_for("window on the bus", lambda: application.get_child_at_index(0))
 
     def find(self, role, name):
@@ -79,10 +80,6 @@ class Reader:
 
     def sent(self, before, text):
         return sum(text in line for line in self.program.requests()[before:])
-
-
-def everything_below(desktop):
-    return filter(None, (desktop.get_child_at_index(i) for i in range(desktop.get_child_count())))
 
 
 def read(reader):

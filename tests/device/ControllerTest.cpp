@@ -16,9 +16,6 @@ using testing::ElementsAre;
 namespace {
 
 using Bytes = std::vector<int>;
-using Journal = std::vector<std::string>;
-
-const std::string kRequestFailed = "log CameraControl Error: Control request failed: 00000000";
 
 const Bytes kAudio{0x6D, 11, 22, 33, 0x92, 55, 0xE4};
 const Bytes kSettings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x21, 0x01, 0xA7, 0x3B, 0xC9};
@@ -63,7 +60,8 @@ TEST_F(Controller, AuxVolume) {                 // which no window reads
     EXPECT_FALSE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 0);
     EXPECT_THAT(SimulatedHost::takeLog(),
-        ElementsAre(kRequestFailed, "log [Get old]AUX vol = 0,\n", "log getExtension_GetHdmiVolume..getData Fail! \n"));
+        ElementsAre("log CameraControl Error: Control request failed: 00000000", "log [Get old]AUX vol = 0,\n",
+            "log getExtension_GetHdmiVolume..getData Fail! \n"));
 }
 
 TEST_F(Controller, BitRateLevelsAreFourBits) {
@@ -134,7 +132,7 @@ TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
         SimulatedHost::instance().now = row.host;
         device().setClock(row.deviceClock);
         EXPECT_TRUE(controller->SyncRtc());
-        const Journal journal = SimulatedHost::take();
+        const auto journal = SimulatedHost::take();
         ASSERT_EQ(journal.size(), row.interval != nullptr ? 3U : 6U);
         Bytes block = with(kSettings, {{0, 2}});
         std::ranges::copy(row.written, block.begin() + 2);

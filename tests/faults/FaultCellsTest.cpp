@@ -234,18 +234,23 @@ private slots:
         std::optional<SettingsWindow> settings(std::in_place);
         Block meant = held(device());
         int ends = 0;
+        int action = 0;
+        // Between its requests too a second writer changes what the action does not name.
+        device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
+            note(request);
+            if (action != 1) meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
+            if (action < 5) meant[8] = device().settings[9] = static_cast<std::uint8_t>(below(2));
+        };
         for (int turn = 0; turn < 10'000; ++turn) {
             SimulatedHost::take();
-            // A second writer changes fields behind the program's back.
             const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
             meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));
-            meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
             device().clearFaults();
             for (int faults = below(3); faults > 0; --faults)
                 device().addFault({}, 1U + static_cast<unsigned>(below(5)),
-                    std::array{RequestFault::Stall, RequestFault::TimeOut,
-                        RequestFault::Unplug}[static_cast<std::size_t>(below(3))]);
-            const int action = 1 + below(6);
+                    std::array{RequestFault::Stall, RequestFault::TimeOut, RequestFault::ShortData,
+                        RequestFault::Unplug}[static_cast<std::size_t>(below(4))]);
+            action = 1 + below(6);
             const int level = below(3);
             const int volume = below(256);
             try {
@@ -262,11 +267,9 @@ private slots:
             const auto mayBe = [&](std::size_t field, int chosen) {
                 if (held(device())[field] == chosen) meant[field] = chosen;
             };
-            if (action == 1) mayBe(7, level * 16 + meant[7] % 16);
-            if (action == 2) mayBe(3, volume);
-            if (action == 3) mayBe(5, volume);
-            if (action == 4) mayBe(1, volume), mayBe(2, volume);
-            if (action >= 5) mayBe(8, action == 5 ? 1 : 0);
+            const int chosen = action == 1 ? level * 16 + meant[7] % 16 : action >= 5 ? 6 - action : volume;
+            mayBe(std::array<std::size_t, 6>{7, 3, 5, 1, 8, 8}[static_cast<std::size_t>(action) - 1], chosen);
+            if (action == 4) mayBe(2, volume);
             QCOMPARE(held(device()), meant);
         }
         qInfo("10000 actions, %d of them ended the program, no setting lost", ends);

@@ -11,15 +11,12 @@
 namespace {
 
 /// The ways in which a user ends one of the small windows.
-const std::vector<std::pair<const char*, std::function<void(QWidget&)>>>& waysToDismiss() {
-    static const std::vector<std::pair<const char*, std::function<void(QWidget&)>>> ways{
-        {"button", [](QWidget& w) { QTest::mouseClick(w.findChild<QPushButton*>(), Qt::LeftButton); }},
-        {"Enter", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Return); }},
-        {"Escape", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Escape); }},
-        {"window frame", [](QWidget& w) { w.close(); }},
-    };
-    return ways;
-}
+const std::vector<std::pair<const char*, std::function<void(QWidget&)>>> kWaysToDismiss{
+    {"button", [](QWidget& w) { QTest::mouseClick(w.findChild<QPushButton*>(), Qt::LeftButton); }},
+    {"Enter", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Return); }},
+    {"Escape", [](QWidget& w) { QTest::keyClick(&w, Qt::Key_Escape); }},
+    {"window frame", [](QWidget& w) { w.close(); }},
+};
 
 QString aboutVersion(AppDelegate& delegate) {
     QString shown;
@@ -44,8 +41,8 @@ private slots:
         QTest::addColumn<QString>("window");
         QTest::addColumn<int>("way");
         for (const char* window : {"AboutWindow", "AlertWindow"}) {
-            for (std::size_t way = 0; way < waysToDismiss().size(); ++way)
-                QTest::addRow("%s by %s", window, waysToDismiss()[way].first) << window << static_cast<int>(way);
+            for (std::size_t way = 0; way < kWaysToDismiss.size(); ++way)
+                QTest::addRow("%s by %s", window, kWaysToDismiss[way].first) << window << static_cast<int>(way);
         }
     }
     void everyWayEndsTheModalRun() {
@@ -60,7 +57,7 @@ private slots:
                 shown = true;
                 QVERIFY(QTest::qWaitForWindowActive(&small));
                 QCOMPARE(QApplication::activeModalWidget(), &small);
-                waysToDismiss()[static_cast<std::size_t>(way)].second(small);
+                kWaysToDismiss[static_cast<std::size_t>(way)].second(small);
             });
             if (window == "AboutWindow") QTest::keyClick(&settings.window(), Qt::Key_F1);
             else settings.view().showAlertWindow(nullptr);
