@@ -1,11 +1,11 @@
 #include "SimulatedHost.h"
 
+#include "WireText.h"
 #include "host/Clock.h"
 #include "host/Log.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <tuple>
@@ -23,34 +23,20 @@ void note(const std::string& entry) {
             ::write(host.journalCopy, entry.c_str(), entry.size() + 1); // a lost entry fails the test
 }
 
-template <class Bytes>
-std::string hex(const Bytes& bytes) {
-    std::string text;
-    for (const int byte : bytes) {
-        std::array<char, 4> digits{};
-        (void)std::snprintf(digits.data(), digits.size(), "%02x ", byte & 0xFF);
-        text += digits.data();
-    }
-    if (!text.empty())
-        text.pop_back();
-    return text;
-}
-
-void noteRequest(const RecordedRequest& request) {
-    std::string entry = hex(request.setup) + " | " + hex(request.data);
-    if (request.result != UsbCode::Success)
-        entry += " ! " + std::to_string(request.result);
-    note(entry);
-}
-
-int blockSize(int selector) {
+std::uint8_t blockSize(int selector) {
     return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7;
 }
 
-std::string setup(bool isGet, int selector) {
-    return hex(std::array{isGet ? 0xA1 : 0x21, isGet ? 0x81 : 0x01, 0, selector, 0, 3, blockSize(selector),
-                          0})
-           + " | ";
+/// As it goes through without a failure.
+std::string requestText(std::uint8_t requestType, std::uint8_t request, int selector,
+                        const std::vector<int>& bytes) {
+    RecordedRequest recorded{
+        {requestType, request, 0, static_cast<std::uint8_t>(selector), 0, 3, blockSize(selector), 0},
+        {},
+        UsbCode::Success};
+    for (const int byte : bytes)
+        recorded.data.push_back(static_cast<std::uint8_t>(byte));
+    return wireText(recorded);
 }
 
 std::vector<std::string> takeMatching(bool wantLog) {
@@ -92,7 +78,7 @@ void SimulatedHost::reset() {
     instance().journalCopy = journalCopy;
     setTimeZone("UTC");
     SimulatedBus::instance() = SimulatedBus();
-    device().onRequest = noteRequest;
+    device().onRequest = [](const RecordedRequest& request) { note(wireText(request)); };
     SimulatedBus::instance().onRelease = [] { note("release"); };
     device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
 }
@@ -114,17 +100,9 @@ SimulatedDevice& device() {
 }
 
 std::string get(int selector, const std::vector<int>& bytes) {
-    return setup(true, selector) + hex(bytes);
+    return requestText(0xA1, 0x81, selector, bytes);
 }
 
 std::string set(int selector, const std::vector<int>& bytes) {
-    return setup(false, selector) + hex(bytes);
-}
-
-std::string stalledGet(int selector) {
-    return setup(true, selector) + " ! -9";
-}
-
-std::string stalledSet(int selector, const std::vector<int>& bytes) {
-    return set(selector, bytes) + " ! -9";
+    return requestText(0x21, 0x01, selector, bytes);
 }

@@ -11,7 +11,7 @@
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
 ///   "release"     the release of an interface
-///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request: its setup packet and data; " ! -9" follows a failed one
+///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct SimulatedHost {
     std::time_t now = 1'700'000'000;
     std::vector<std::string> journal;
@@ -34,9 +34,6 @@ struct SimulatedHost {
 /// A GET or SET of a block of unit 3 as the journal shows it.
 [[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
 [[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
-/// The same, refused with a stall.
-[[nodiscard]] std::string stalledGet(int selector);
-[[nodiscard]] std::string stalledSet(int selector, const std::vector<int>& bytes);
 
 inline constexpr RequestKind kAnyGet{.request = 0x81, .selector = {}};
 inline constexpr RequestKind kAnySet{.request = 0x01, .selector = {}};

@@ -3,6 +3,7 @@
 
 #include "ApplicationMain.h"
 #include "SimulatedBus.h"
+#include "WireText.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,20 +26,9 @@ const char* requestName(std::uint8_t request) {
     }
 }
 
-template <class Bytes>
-std::string hex(const Bytes& bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        std::array<char, 4> digits{};
-        (void)std::snprintf(digits.data(), digits.size(), " %02x", byte); // always fits
-        text += digits.data();
-    }
-    return text;
-}
-
 void printRequest(const RecordedRequest& request) {
-    std::printf("%s unit %d selector %2d  setup%s  data%s", requestName(request.setup[1]), request.unit(),
-                request.selector(), hex(request.setup).c_str(), hex(request.data).c_str());
+    std::printf("%s unit %d selector %2d  setup %s  data %s", requestName(request.setup[1]), request.unit(),
+                request.selector(), hexText(request.setup).c_str(), hexText(request.data).c_str());
     std::printf(request.result == UsbCode::Success ? "\n" : "  failed: %d\n", request.result);
     (void)std::fflush(stdout); // whoever watches through a pipe sees it at once
 }

@@ -110,7 +110,7 @@ TEST_F(Transport, InterfaceNumberNeverReachesTheWire) {
     device().videoControlInterface = 2;
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_FALSE(readStatus()); // the device listens on 2, the request says 0
-    EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 |  ! -9"));
+    EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9"));
 
     device().videoControlInterface.reset();
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
@@ -147,11 +147,7 @@ TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
 }
 
 TEST_F(Transport, ClosesAndReleasesItsInterface) {
-    {
-        CUvcBaseControl other;
-        ASSERT_TRUE(other.initWithVendorID(kVendor, kProduct));
-        EXPECT_THAT(SimulatedHost::take(), IsEmpty());
-    }
+    EXPECT_TRUE(CUvcBaseControl().initWithVendorID(kVendor, kProduct));
     EXPECT_EQ(SimulatedBus::instance().closeCount, 1U);
     EXPECT_THAT(SimulatedHost::take(), ElementsAre("release"));
 }
