@@ -65,9 +65,7 @@ AttributedString withMnemonic(const AttributedString& title, bool underline) {
     }
     if (underline) {
         QTextCharFormat format;
-        format.setFontUnderline(true);
-        if (const QColor color = shown.colorAt(mark); color.isValid())
-            format.setForeground(color);
+        format.setFontUnderline(true); // its colour comes from the range that it stands in
         shown.colors.append({static_cast<int>(mark), 1, format});
     }
     return shown;

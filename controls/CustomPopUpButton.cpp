@@ -28,17 +28,14 @@ QColor lineColor() {
     return deviceColor(0.75, 0.15, 0.15, 1.0);
 }
 
-/// Rows of the open list: the style draws all but the title.
+/// Rows of the open list: the style, which isn't told of a text, draws all but the title.
 class TitleDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
-        QStyleOptionViewItem row = option;
-        initStyleOption(&row, index);
-        row.text.clear();
-        row.widget->style()->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
+        option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
         // The list stands over the face, within the border's pixel: the titles of both are aligned.
         const QRectF box = QRectF(option.rect).adjusted(kTitleLeft - 1, 0, -kTitleLeft, 0);
         drawAttributedString(*painter, box, index.data(kAttributedTitle).value<AttributedString>());

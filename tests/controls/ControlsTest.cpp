@@ -146,6 +146,16 @@ private slots:
         painter.end();
         const QRect within(2, 2, 136, 24);
         QCOMPARE(face.copy(within), title.copy(within));
+        popUp.didDecode();
+        popUp.showPopup();
+        const QImage list = rendered(*popUp.view());
+        const AttributedString listed = popUp.attributedTitle(0);
+        popUp.setItemData(0, {}, Qt::UserRole);
+        QImage untitled = rendered(*popUp.view());
+        painter.begin(&untitled); // with the face's left edge, which lies under the list's border
+        drawAttributedString(painter, {11, 0, untitled.width() - 23.0, untitled.height() * 1.0}, listed);
+        painter.end();
+        QCOMPARE(list, untitled);
         popUp.setEnabled(false);
         QVERIFY(rendered(popUp) != face);
     }
