@@ -146,12 +146,13 @@ private slots:
         painter.end();
         const QRect within(2, 2, 136, 24);
         QCOMPARE(face.copy(within), title.copy(within));
-        popUp.didDecode();
-        popUp.showPopup();
-        const QImage list = rendered(*popUp.view());
         const AttributedString listed = popUp.attributedTitle(0);
+        popUp.didDecode();
+        popUp.setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
+        popUp.showPopup();
+        const QImage list = rendered(*popUp.view()->viewport());
         popUp.setItemData(0, {}, Qt::UserRole);
-        QImage untitled = rendered(*popUp.view());
+        QImage untitled = rendered(*popUp.view()->viewport());
         painter.begin(&untitled); // with the face's left edge, which lies under the list's border
         drawAttributedString(painter, {11, 0, untitled.width() - 23.0, untitled.height() * 1.0}, listed);
         painter.end();

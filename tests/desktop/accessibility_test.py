@@ -124,7 +124,6 @@ def main():
             act(reader.find("push button", "Quit"), "Press")
             faults = program.faults_after_end()
             assert not faults, faults
-            print(program.requests()[-1])
         except Exception:
             traceback.print_exc(file=sys.stdout)  # standard error is the bus's
             return 1
