@@ -72,13 +72,15 @@ TEST_F(Transport, EachStepFailsWithItsLine) {
     for (const FailingStep& row : rows) {
         SCOPED_TRACE(row.name);
         SimulatedBus::instance().clearFailures();
+        ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct)); // which the failure takes away
         SimulatedBus::instance().failStep(row.step, row.result);
-        std::vector<std::string> expected;
+        std::vector<std::string> expected{"release"};
         if (row.line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + row.line);
         EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), row.opens);
         EXPECT_EQ(SimulatedHost::take(), expected);
         EXPECT_FALSE(readStatus());
         EXPECT_THAT(SimulatedHost::take(), ElementsAre(kNoInterface));
+        expected.erase(expected.begin());
         control.initWithLocationID(device().locationID);
         EXPECT_EQ(SimulatedHost::take(), expected);
         EXPECT_FALSE(readStatus());
@@ -236,6 +238,7 @@ TEST_F(Transport, AutomaticModes) {
 TEST_F(Transport, ScalesInSinglePrecision) {
     EXPECT_EQ(UVCCameraControl::mapValue(0.5F, 0, 1, 10, 20), 15.0F);
     EXPECT_EQ(UVCCameraControl::mapValue(3, 1, 5, 0, 1), 0.5F);
+    EXPECT_EQ(UVCCameraControl::mapValue(1, 0, 3, 0, 5), 1.66666675F); // divided before it is multiplied
     EXPECT_TRUE(std::isinf(UVCCameraControl::mapValue(3, 1, 1, 0, 1)));
     const auto [min, max] = control.getRangeForControl({2, 4, 2}); // no interface
     EXPECT_EQ(min, 0);

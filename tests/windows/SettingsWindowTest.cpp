@@ -182,10 +182,15 @@ private slots:
         QTest::keyClick(&popUp, Qt::Key_Down);
         QCOMPARE(device().settings[8], 0x21);
         QCOMPARE(settings.control("QualityImage").accessibleDescription(), "Low");
-        // As assistive technology chooses, without opening the list.
-        popUp.view()->selectionModel()->select(popUp.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
-        QCOMPARE(device().settings[8], 0x01);
-        QCOMPARE(popUp.currentIndex(), 0);
+        // As assistive technology chooses, without opening the list, and again after a key.
+        for (int time = 0; time < 2; ++time) {
+            popUp.view()->selectionModel()->clearSelection(); // is no choice
+            popUp.view()->selectionModel()->select(popUp.model()->index(0, 0), QItemSelectionModel::Select);
+            QCOMPARE(device().settings[8], 0x01);
+            QCOMPARE(popUp.currentIndex(), 0);
+            QTest::keyClick(&popUp, Qt::Key_Down);
+            QCOMPARE(device().settings[8], 0x11);
+        }
     }
 
     void popUpIsBlackWhileOpen() {
@@ -195,6 +200,9 @@ private slots:
         connect(&popUp, &CustomPopUpButton::menuWillOpen, [&popUp] { QVERIFY(!popUp.view()->isVisible()); });
         popUp.showPopup();
         QCOMPARE(color(), QColor(Qt::black));
+        popUp.view()->window()->windowHandle()->close(); // as the window system does
+        QCOMPARE(color(), QColor::fromRgbF(1, 1, 1, 0.8F));
+        popUp.showPopup();
         const QImage list = popUp.view()->grab().toImage();
         QVERIFY(qGray(list.pixel(100, list.height() - 5)) > 200); // black titles need a light ground
         int darkest = 255;
