@@ -154,6 +154,7 @@ private slots:
             }
             QCOMPARE(controller->window()->findChildren<BackgroundImageView*>().size(), 1);
             const QImage image = controller->window()->grab().toImage();
+            QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
             int red = 0; // the pictures' glow, beside what stands on them, and in this one's corner
             for (int i = 0; i < image.width() * 100; i += 7) {
                 const QPoint point(i % image.width(), i / image.width());
