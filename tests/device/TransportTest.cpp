@@ -45,13 +45,9 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
     EXPECT_THAT(SimulatedHost::takeLog(), IsEmpty());
 }
 
-struct FailingStep {
-    const char* name;
-    UsbStep step;
-    UsbResult result;
-    bool opens;       ///< a controller comes of it, which then has no interface
-    const char* line; ///< after "CameraControl Error: "
-};
+/// Name, step, its result, whether a controller comes of it (which then has no interface), and the line after
+/// "CameraControl Error: ".
+using FailingStep = std::tuple<const char*, UsbStep, UsbResult, bool, const char*>;
 
 TEST_F(Transport, EachStepFailsWithItsLine) {
     const std::vector<FailingStep> rows{// A row without a line ends the search without a word.
@@ -69,14 +65,14 @@ TEST_F(Transport, EachStepFailsWithItsLine) {
             "Couldn’t create a device interface for the interface (fffffffc)"},
         {"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
             "Couldn’t create a device interface for the interface (00000000)"}};
-    for (const FailingStep& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, step, result, opens, line] : rows) {
+        SCOPED_TRACE(name);
         SimulatedBus::instance().clearFailures();
         ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct)); // which the failure takes away
-        SimulatedBus::instance().failStep(row.step, row.result);
+        SimulatedBus::instance().failStep(step, result);
         std::vector<std::string> expected{"release"};
-        if (row.line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + row.line);
-        EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), row.opens);
+        if (line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + line);
+        EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), opens);
         EXPECT_EQ(SimulatedHost::take(), expected);
         EXPECT_FALSE(readStatus());
         EXPECT_THAT(SimulatedHost::take(), ElementsAre(kNoInterface));
