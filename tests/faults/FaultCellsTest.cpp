@@ -124,6 +124,14 @@ Block held(const Device& device) {
     return block;
 }
 
+/// What is written is what was read but for the command and the value (or the clock), whatever the device makes of it.
+void compareWithRead(const RecordedRequest& request, std::vector<std::uint8_t>& read) {
+    if (request.isGet()) read = request.data;
+    else if (request.selector() != 11 || request.data[0] != 2)
+        QVERIFY(std::inner_product(read.begin(), read.end(), request.data.begin(), 0, std::plus(), std::not_equal_to())
+            <= (request.selector() == 11 ? 2 : 1));
+}
+
 /// Writes down that the alert came up, and dismisses it.
 class AlertWitness : public QObject {
 public:
@@ -238,15 +246,10 @@ private slots:
         int ends = 0;
         int action = 0;
         std::vector<std::uint8_t> read;
-        // Now and then, also between its requests, a second writer changes what the action does not name. What is
-        // written is what was read but for the command and the value (or the clock), whatever the device makes of it.
+        // Now and then, also between its requests, a second writer changes what the action does not name.
         device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
             note(request);
-            if (request.isGet()) read = request.data;
-            else if (request.selector() != 11 || request.data[0] != 2)
-                QVERIFY(std::inner_product(
-                            read.begin(), read.end(), request.data.begin(), 0, std::plus(), std::not_equal_to())
-                    <= (request.selector() == 11 ? 2 : 1));
+            compareWithRead(request, read);
             if (below(2) == 0) return;
             if (action != 1) meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
             if (action < 5) meant[8] = device().settings[9] = static_cast<std::uint8_t>(below(2));
