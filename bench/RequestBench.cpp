@@ -94,22 +94,22 @@ void* malloc(std::size_t size) noexcept {
     ++allocations;
     return __libc_malloc(size);
 }
-void* calloc(std::size_t count, std::size_t size) noexcept {
+void* calloc(std::size_t nmemb, std::size_t size) noexcept {
     ++allocations;
-    return __libc_calloc(count, size);
+    return __libc_calloc(nmemb, size);
 }
-void* realloc(void* memory, std::size_t size) noexcept {
+void* realloc(void* ptr, std::size_t size) noexcept {
     ++allocations;
-    return __libc_realloc(memory, size);
+    return __libc_realloc(ptr, size);
 }
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     ++allocations;
     return __libc_memalign(alignment, size);
 }
-int posix_memalign(void** memory, std::size_t alignment, std::size_t size) noexcept {
+int posix_memalign(void** memptr, std::size_t alignment, std::size_t size) noexcept {
     ++allocations;
-    *memory = __libc_memalign(alignment, size);
-    return *memory ? 0 : ENOMEM;
+    *memptr = __libc_memalign(alignment, size);
+    return *memptr ? 0 : ENOMEM;
 }
 }
 
