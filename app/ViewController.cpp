@@ -92,8 +92,10 @@ void ViewController::fillRecordQuality(int level) {
     PopupRecordQuality->selectItemAtIndex(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
     CustomPopUpButton* popUp = PopupRecordQuality.operator->();
-    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen);
-    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose);
+    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen,
+            Qt::UniqueConnection);
+    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose,
+            Qt::UniqueConnection);
 }
 
 void ViewController::styleHdcpTitles() {

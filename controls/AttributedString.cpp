@@ -75,7 +75,6 @@ void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString
     text.string = QFontMetricsF(text.font).elidedText(text.string, Qt::ElideRight, box.width());
     QTextLayout layout(text.string, text.font, painter.device());
     QTextOption option;
-    option.setTextDirection(painter.layoutDirection());
     option.setWrapMode(QTextOption::NoWrap);
     layout.setTextOption(option);
     layout.setFormats(text.colors);

@@ -5,6 +5,7 @@
 #include "host/FatalStop.h"
 
 #include <QAbstractItemView>
+#include <QEvent>
 #include <QSignalBlocker>
 #include <QStyleOption>
 #include <QStyledItemDelegate>
@@ -58,6 +59,7 @@ CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/)
 void CustomPopUpButton::didDecode() {
     // Not earlier: the list takes its place in the window's style sheet by this button's name.
     view()->setItemDelegate(new TitleDelegate(view()));
+    view()->window()->installEventFilter(this);
     setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
     connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::selectCurrentRow);
     connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
@@ -112,10 +114,11 @@ void CustomPopUpButton::showPopup() {
     QComboBox::showPopup();
 }
 
-void CustomPopUpButton::hidePopup() {
-    QComboBox::hidePopup();
-    if (std::exchange(m_open, false)) // the toolkit also hides a list that is not open
+// Whoever closes the list: the user, the program, or the window system when another program is pressed.
+bool CustomPopUpButton::eventFilter(QObject* list, QEvent* event) {
+    if (event->type() == QEvent::Hide && std::exchange(m_open, false))
         emit menuDidClose(view());
+    return QComboBox::eventFilter(list, event);
 }
 
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
@@ -136,7 +139,6 @@ void CustomPopUpButton::drawRect(QPainter& context) const {
     drawDecorations(context);
     if (!hasFocus())
         return;
-    context.setRenderHint(QPainter::Antialiasing);
     context.setPen(QPen(Qt::white, kFocusFrameWidth));
     context.drawRoundedRect(kFocusFrame, kFocusFrameRadius, kFocusFrameRadius);
 }
@@ -158,9 +160,8 @@ void CustomPopUpButton::drawDecorations(QPainter& context) const {
     const auto stroke = [&context](const PopUpLine& line) {
         Line(&context, line.Ax, line.Ay, line.Bx, line.By);
     };
-    context.setRenderHint(QPainter::Antialiasing, false);
     stroke(kDivider);
-    context.setRenderHint(QPainter::Antialiasing);
+    context.setRenderHint(QPainter::Antialiasing); // what follows is slanted or round
     for (const PopUpLine& line : kChevrons)
         stroke(line);
     // As fills, so that the border is as wide as a point at every scale.

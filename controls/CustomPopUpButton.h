@@ -46,13 +46,13 @@ public:
     static void Line(QPainter* context, double Ax, double Ay, double Bx, double By);
 
     void showPopup() override;
-    void hidePopup() override;
 
 signals:
     void menuWillOpen(QObject* menu);
     void menuDidClose(QObject* menu);
 
 protected:
+    bool eventFilter(QObject* list, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

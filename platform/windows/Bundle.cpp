@@ -2,11 +2,16 @@
 
 #include <QDir>
 #include <QFile>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
+
+#include <cmath>
 
 namespace {
 
@@ -46,7 +51,9 @@ std::optional<QVariantMap> infoDictionary() {
 }
 
 QPixmap imageNamed(const QString& name) {
-    return {QStringLiteral("bundle:images/") + name};
+    const QString path = QStringLiteral("bundle:images/") + name;
+    // An icon knows of the "@2x" of dense screens. It is for all that are denser than one.
+    return QIcon(path).pixmap(QImageReader(path).size(), std::ceil(qGuiApp->devicePixelRatio()));
 }
 
 } // namespace mainBundle

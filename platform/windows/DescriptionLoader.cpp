@@ -1,10 +1,12 @@
 #include "windows/DescriptionLoader.h"
 
 #include "host/FatalStop.h"
+#include "windows/Bundle.h"
 #include "windows/DescribedClasses.h"
 #include "windows/MadeFromDescription.h"
 
 #include <QFile>
+#include <QLabel>
 #include <QWidget>
 
 DescriptionLoader::DescriptionLoader() {
@@ -17,6 +19,11 @@ QWidget* DescriptionLoader::loadFile(const QString& path) {
     if (!window)
         fatalStop("window description %s: %s", qUtf8Printable(path),
                   qUtf8Printable(file.isOpen() ? errorString() : file.errorString()));
+    // By name, so that dense screens get the dense picture: a pixmap in the description is one for all.
+    for (QLabel* label : window->findChildren<QLabel*>()) {
+        if (const QVariant image = label->property("image"); image.isValid())
+            label->setPixmap(mainBundle::imageNamed(image.toString()));
+    }
     for (QWidget* control : window->findChildren<QWidget*>()) {
         if (auto* made = dynamic_cast<MadeFromDescription*>(control))
             made->didDecode();

@@ -51,13 +51,8 @@ private slots:
     void init() { SimulatedHost::reset(); }
 
     void ticks() {
-        struct Row {
-            double width;
-            TickSpacing spacing;
-            std::size_t count;
-            double last;
-        };
         using enum TickSpacing;
+        using Row = std::tuple<double, TickSpacing, std::size_t, double>; // width, spacing; ticks, the last one
         for (const auto& [width, spacing, count, last] :
             {Row{200, Twentieth, 21, 195.7115}, {200, Quarter, 5, 195.7115}, {0, Twentieth, 0, 0}, // not drawn yet
                 {10.5, Quarter, 0, 0},                 // too narrow for the first
@@ -138,14 +133,18 @@ private slots:
         CustomPopUpButton popUp(nullptr);
         popUp.resize(160, 28);
         popUp.setArrowPosition(CustomPopUpButton::ArrowPosition::None);
-        popUp.addItemsWithTitles({QStringLiteral("A title that is far too long for the face of the pop-up")});
+        popUp.addItemsWithTitles({"A title that is far too long for the face of the pop-up", "A title"});
         const QImage face = rendered(popUp);
+        popUp.setCurrentIndex(1);
+        QCOMPARE(rendered(popUp).copy(12, 2, 30, 24), face.copy(12, 2, 30, 24)); // elided at its end
+        popUp.setCurrentIndex(0);
         QImage title = blank(popUp.size());
         QPainter painter(&title);
         drawAttributedString(painter, {12, 0, 120, 28}, popUp.attributedTitle(0)); // elided before the divider
         painter.end();
         const QRect within(2, 2, 136, 24);
         QCOMPARE(face.copy(within), title.copy(within));
+        QCOMPARE(face.copy(133, 2, 5, 24), blank({5, 24}));
         const AttributedString listed = popUp.attributedTitle(0);
         popUp.didDecode();
         popUp.setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
@@ -154,7 +153,7 @@ private slots:
         popUp.setItemData(0, {}, Qt::UserRole);
         QImage untitled = rendered(*popUp.view()->viewport());
         painter.begin(&untitled); // with the face's left edge, which lies under the list's border
-        drawAttributedString(painter, {11, 0, untitled.width() - 23.0, untitled.height() * 1.0}, listed);
+        drawAttributedString(painter, {11, 0, untitled.width() - 23.0, untitled.height() / 2.0}, listed);
         painter.end();
         QCOMPARE(list, untitled);
         popUp.setEnabled(false);
@@ -204,16 +203,16 @@ private slots:
             heard.actionInterface()->doAction(heard.actionInterface()->actionNames().at(opens ? 0 : 1));
             QCOMPARE(heard.state().expanded, opens);
         }
+        popUp.clearFocus();
+        heard.actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+        QCOMPARE(popUp.focusWidget(), &popUp);
         popUp.setEnabled(false);
         heard.actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
         QVERIFY(!heard.state().expanded);
     }
 
     void attributedStrings() {
-        struct Row {
-            QString full, sub;
-            const char* colors; ///< per code unit: w white, r red, - none
-        };
+        using Row = std::tuple<QString, QString, const char*>;
         for (const auto& [full, sub, colors] : {Row{"8m 8M 8M", "8M", "wwwrrwww"}, // the first occurrence
                  {"High", "Low", "wwww"}, {"", "", ""}, {"ab", "", "ww"},
                  {u"\U0001F3A5ab"_qs, "Q", "www-"},                     // a surrogate pair
@@ -241,6 +240,7 @@ private slots:
             return withMnemonic(createAttributedString("O&ff", Qt::white, red, Qt::red), true);
         };
         QCOMPARE(colorsOf(shownWithRed("O")), "rww");
+        QCOMPARE(colorsOf(shownWithRed("&f")), "wrw");
         const AttributedString shown = shownWithRed("ff");
         QCOMPARE(shown.string, "Off");
         QCOMPARE(colorsOf(shown), "wrr");
@@ -253,6 +253,7 @@ private slots:
     void radioButtonDrawsItsTitle() {
         AttributedRadioButton button;
         button.resize(100, 30);
+        QVERIFY(rendered(button) != blank(button.size())); // also without a title
         const auto redness = [&button](const QString& title) {
             button.setAttributedTitle(createAttributedString(title, Qt::red, {}, {}));
             const QImage image = rendered(button);

@@ -100,14 +100,9 @@ TEST_F(Controller, FirmwareVersions) {
 
 // The clock.
 
-struct ClockCase {
-    const char* name;
-    const char* zone;
-    std::time_t host;
-    std::array<std::uint8_t, 6> deviceClock;
-    const char* interval; ///< absent: out of time
-    Bytes written;        ///< settings bytes 2 to 7, if out of time
-};
+/// Name, time zone, the host's time, the device's clock, the interval (absent: out of time), and settings bytes 2
+/// to 7 as they are written if it is out of time.
+using ClockCase = std::tuple<const char*, const char*, std::time_t, std::array<std::uint8_t, 6>, const char*, Bytes>;
 
 constexpr std::time_t kYearsEnd = 1'735'689'599;     // 2024-12-31 23:59:59 UTC
 constexpr std::time_t kBerlinSummer = 1'720'000'000; // 2024-07-03 11:46:40 in Berlin, daylight saving
@@ -125,19 +120,19 @@ TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
         // In daylight saving the device's calendar is taken for standard time: the right time is an hour off.
         {"SummerRight", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, nullptr, {24, 7, 3, 11, 46, 40}},
         {"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}};
-    for (const ClockCase& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, zone, host, deviceClock, interval, written] : rows) {
+        SCOPED_TRACE(name);
         SimulatedHost::take();
-        SimulatedHost::setTimeZone(row.zone);
-        SimulatedHost::instance().now = row.host;
-        device().setClock(row.deviceClock);
+        SimulatedHost::setTimeZone(zone);
+        SimulatedHost::instance().now = host;
+        device().setClock(deviceClock);
         EXPECT_TRUE(controller->SyncRtc());
         const auto journal = SimulatedHost::take();
-        ASSERT_EQ(journal.size(), row.interval != nullptr ? 3U : 6U);
+        ASSERT_EQ(journal.size(), interval != nullptr ? 3U : 6U);
         Bytes block = with(kSettings, {{0, 2}});
-        std::ranges::copy(row.written, block.begin() + 2);
-        EXPECT_EQ(journal[2],
-            row.interval != nullptr ? "log TimeInterval = " + std::string(row.interval) + "\n" : set(11, block));
+        std::ranges::copy(written, block.begin() + 2);
+        EXPECT_EQ(
+            journal[2], interval != nullptr ? "log TimeInterval = " + std::string(interval) + "\n" : set(11, block));
     }
 }
 

@@ -45,13 +45,9 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
     EXPECT_THAT(SimulatedHost::takeLog(), IsEmpty());
 }
 
-struct FailingStep {
-    const char* name;
-    UsbStep step;
-    UsbResult result;
-    bool opens;       ///< a controller comes of it, which then has no interface
-    const char* line; ///< after "CameraControl Error: "
-};
+/// Name, step, its result, whether a controller comes of it (which then has no interface), and the line after
+/// "CameraControl Error: ".
+using FailingStep = std::tuple<const char*, UsbStep, UsbResult, bool, const char*>;
 
 TEST_F(Transport, EachStepFailsWithItsLine) {
     const std::vector<FailingStep> rows{// A row without a line ends the search without a word.
@@ -69,16 +65,18 @@ TEST_F(Transport, EachStepFailsWithItsLine) {
             "Couldn’t create a device interface for the interface (fffffffc)"},
         {"InterfaceObjectEmpty", UsbStep::InterfaceObject, UsbCode::Success, true,
             "Couldn’t create a device interface for the interface (00000000)"}};
-    for (const FailingStep& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, step, result, opens, line] : rows) {
+        SCOPED_TRACE(name);
         SimulatedBus::instance().clearFailures();
-        SimulatedBus::instance().failStep(row.step, row.result);
-        std::vector<std::string> expected;
-        if (row.line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + row.line);
-        EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), row.opens);
+        ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct)); // which the failure takes away
+        SimulatedBus::instance().failStep(step, result);
+        std::vector<std::string> expected{"release"};
+        if (line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + line);
+        EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), opens);
         EXPECT_EQ(SimulatedHost::take(), expected);
         EXPECT_FALSE(readStatus());
         EXPECT_THAT(SimulatedHost::take(), ElementsAre(kNoInterface));
+        expected.erase(expected.begin());
         control.initWithLocationID(device().locationID);
         EXPECT_EQ(SimulatedHost::take(), expected);
         EXPECT_FALSE(readStatus());
@@ -236,6 +234,7 @@ TEST_F(Transport, AutomaticModes) {
 TEST_F(Transport, ScalesInSinglePrecision) {
     EXPECT_EQ(UVCCameraControl::mapValue(0.5F, 0, 1, 10, 20), 15.0F);
     EXPECT_EQ(UVCCameraControl::mapValue(3, 1, 5, 0, 1), 0.5F);
+    EXPECT_EQ(UVCCameraControl::mapValue(1, 0, 3, 0, 5), 1.66666675F); // divided before it is multiplied
     EXPECT_TRUE(std::isinf(UVCCameraControl::mapValue(3, 1, 1, 0, 1)));
     const auto [min, max] = control.getRangeForControl({2, 4, 2}); // no interface
     EXPECT_EQ(min, 0);

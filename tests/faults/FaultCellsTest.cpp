@@ -8,6 +8,7 @@
 
 #include <QSignalBlocker>
 
+#include <numeric>
 #include <random>
 
 namespace {
@@ -193,7 +194,7 @@ private:
 
     /// Returns the number of cells.
     int faultAtEveryRequest(int action, Trouble trouble, bool twice) {
-        for (int n = 1;; ++n) {
+        for (int n = 1, cells = 0;; ++n) {
             QString difference;
             const std::optional<int> made = cell(action, trouble, n, twice, difference);
             const QString name = QString("%1, %2 at request %3%4: ")
@@ -201,8 +202,9 @@ private:
                                          kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
                                          twice ? " and a stall after it" : "");
             if (!made) qFatal("%s", qPrintable(name + difference));
-            // As long as there is a request for the fault to meet.
-            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0)) return n - 1;
+            // As long as there is a request for the fault to meet. A second fault that meets none makes no new cell.
+            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0)) return cells;
+            cells += !twice || *made > n ? 1 : 0;
         }
     }
 
@@ -235,9 +237,16 @@ private slots:
         Block meant = held(device());
         int ends = 0;
         int action = 0;
-        // Now and then, also between its requests, a second writer changes what the action does not name.
+        std::vector<std::uint8_t> read;
+        // Now and then, also between its requests, a second writer changes what the action does not name. What is
+        // written is what was read but for the command and the value (or the clock), whatever the device makes of it.
         device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
             note(request);
+            if (request.isGet()) read = request.data;
+            else if (request.selector() != 11 || request.data[0] != 2)
+                QVERIFY(std::inner_product(
+                            read.begin(), read.end(), request.data.begin(), 0, std::plus(), std::not_equal_to())
+                    <= (request.selector() == 11 ? 2 : 1));
             if (below(2) == 0) return;
             if (action != 1) meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
             if (action < 5) meant[8] = device().settings[9] = static_cast<std::uint8_t>(below(2));

@@ -18,6 +18,25 @@ const std::vector<std::pair<const char*, std::function<void(QWidget&)>>> kWaysTo
     {"window frame", [](QWidget& w) { w.close(); }},
 };
 
+/// Name of the row, file, what is replaced there by what, and the end of the line that it stops with.
+const std::vector<std::array<const char*, 5>> kDamages{
+    {"index", "Main/Main.json", "{", "", " \"Main\" is missing or damaged"},
+    {"identifier", "Main/Main.json", "\"Settings Window Controller\": {", "\"Other\": {",
+        " \"Main\" has no controller \"Settings Window Controller\""},
+    {"controller's class", "Main/Main.json", "\"WindowController\"", "\"Nothing\"",
+        ": unknown controller class \"Nothing\""},
+    {"wrong controller", "Main/Main.json", "\"WindowController\"", "\"AboutViewController\"",
+        ": \"Settings Window Controller\" is a AboutViewController, not a window controller"},
+    {"wrong content", "Main/Main.json", "\"ViewController\"", "\"WindowController\"",
+        ": WindowController does not control a window's content"},
+    {"no file", "Main/Main.json", "settings-window.ui", "none.ui", " bundle:Main/none.ui: No such file or directory"},
+    {"unknown class", "Main/settings-window.ui", "class=\"CustomSliderCell2\"", "class=\"CustomSliderCell3\"",
+        ": unknown class CustomSliderCell3 of SliderHmdiAuxVolume"},
+    {"unknown handler", "Main/settings-window.ui", ">ChangeHeadphoneVolume<", ">ChangeNothing<",
+        ": no handler ChangeNothing for SliderHeadphoneVolume"},
+    {"unknown action", "Main/settings-window.ui", "name=\"QuitApp\"", "name=\"QuitNot\"",
+        ": no handler QuitNot for QuitNot"}};
+
 QString aboutVersion(AppDelegate& delegate) {
     QString shown;
     whenShown(QStringLiteral("AboutWindow"), [&shown](QWidget& about) {
@@ -133,6 +152,12 @@ private slots:
         QCOMPARE(QApplication::exec(), 0);
     }
 
+    void theDesktopKnowsTheProgram() {
+        QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
+        QCOMPARE(QApplication::windowIcon().availableSizes().value(0), QSize(96, 96));
+        QCOMPARE(QApplication::style()->name(), "fusion");
+    }
+
     void backgroundsAreSeenAndDragTheirWindow() {
         SettingsWindow settings;
         QVERIFY(settings.view().MyMainImageView->isVisible());
@@ -148,10 +173,13 @@ private slots:
             }
             QCOMPARE(controller->window()->findChildren<BackgroundImageView*>().size(), 1);
             const QImage image = controller->window()->grab().toImage();
-            int red = 0; // the pictures' glow, beside what stands on them
+            QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
+            int red = 0; // the pictures' glow, beside what stands on them, and in this one's corner
             for (int i = 0; i < image.width() * 100; i += 7) {
                 const QPoint point(i % image.width(), i / image.width());
-                if (!view.childAt(point)) red = std::max(red, qRed(image.pixel(point)) - qBlue(image.pixel(point)));
+                const bool counts = name == "Settings" ? point.x() > image.width() * 7 / 8 && point.y() == 4
+                                                       : !view.childAt(point / image.devicePixelRatio());
+                if (counts) red = std::max(red, qRed(image.pixel(point)) - qBlue(image.pixel(point)));
             }
             QVERIFY2(red > 50, qPrintable(name));
         }
@@ -169,42 +197,17 @@ private slots:
     }
 
     void damagedDescriptionsStop_data() {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QByteArray>("after");
-        QTest::addColumn<QString>("line");
-        const QString index = "Main/Main.json";
-        const QString window = "Main/settings-window.ui";
-        const auto row = [&](const char* name, const QString& file, const char* before, const char* after,
-                             const char* line) {
-            QTest::newRow(name) << file << QByteArray(before) << QByteArray(after) << line;
-        };
-        row("index", index, "{", "", " \"Main\" is missing or damaged");
-        row("identifier", index, "\"Settings Window Controller\": {", "\"Other\": {",
-            " \"Main\" has no controller \"Settings Window Controller\"");
-        row("controller's class", index, "\"WindowController\"", "\"Nothing\"",
-            ": unknown controller class \"Nothing\"");
-        row("wrong controller", index, "\"WindowController\"", "\"AboutViewController\"",
-            ": \"Settings Window Controller\" is a AboutViewController, not a window controller");
-        row("wrong content", index, "\"ViewController\"", "\"WindowController\"",
-            ": WindowController does not control a window's content");
-        row("no file", index, "settings-window.ui", "none.ui", " bundle:Main/none.ui: No such file or directory");
-        row("unknown class", window, "class=\"CustomSliderCell2\"", "class=\"CustomSliderCell3\"",
-            ": unknown class CustomSliderCell3 of SliderHmdiAuxVolume");
-        row("unknown handler", window, ">ChangeHeadphoneVolume<", ">ChangeNothing<",
-            ": no handler ChangeNothing for SliderHeadphoneVolume");
-        row("unknown action", window, "name=\"QuitApp\"", "name=\"QuitNot\"", ": no handler QuitNot for QuitNot");
+        QTest::addColumn<std::size_t>("damage");
+        for (std::size_t i = 0; i < kDamages.size(); ++i) QTest::newRow(kDamages[i][0]) << i;
     }
     void damagedDescriptionsStop() {
-        QFETCH(QString, file);
-        QFETCH(QByteArray, before);
-        QFETCH(QByteArray, after);
-        QFETCH(QString, line);
+        QFETCH(std::size_t, damage);
+        const auto& [name, file, before, after, line] = kDamages[damage];
         ChangedBundle bundle;
         bundle.replace(file, before, after);
         const ChildEnd end = runInChild([] { const SettingsWindow settings; });
         QVERIFY(end.aborted);
-        QCOMPARE(QString::fromStdString(end.journal.back()), "log Fatal: window description" + line);
+        QCOMPARE(end.journal.back(), std::string("log Fatal: window description") + line);
     }
 
     void aboutWithoutItsOutletStops() {
