@@ -6,8 +6,8 @@
 #include <cstdio>
 
 void systemLog(const char* format, ...) {
-    // On the stack: logging is part of every request to the device. What is longer is cut.
-    std::array<char, 1024> message{};
+    // On the stack, and not cleared first: logging is part of every request to the device. What is longer is cut.
+    std::array<char, 1024> message;
     std::va_list arguments;
     va_start(arguments, format);
     const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
