@@ -82,8 +82,9 @@ void FakeKernel::plug(const FakePlug& plug) {
     m_devices.push_back(taken(umockdev_testbed_add_device(
         m_testbed, "usb", (plug.name + ":1." + std::to_string(plug.videoControlInterface)).c_str(),
         path.c_str(), "bInterfaceNumber", text("%02x", plug.videoControlInterface).c_str(), "bInterfaceClass",
-        text("%02x", plug.interfaceClass).c_str(), "bInterfaceSubClass", "01", "bInterfaceProtocol", "00",
-        "bAlternateSetting", " 0", nullptr, "DEVTYPE", "usb_interface", nullptr)));
+        text("%02x", plug.interfaceClass).c_str(), "bInterfaceSubClass", "01", "bInterfaceProtocol",
+        text("%02x", plug.interfaceProtocol).c_str(), "bAlternateSetting", " 0", nullptr, "DEVTYPE",
+        "usb_interface", nullptr)));
     m_interfaces[plug.name] = m_devices.back();
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged())

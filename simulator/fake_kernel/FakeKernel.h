@@ -21,6 +21,7 @@ struct FakePlug {
     std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them
     std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
     std::uint8_t interfaceClass = 0x0E;
+    std::uint8_t interfaceProtocol = 0; ///< 1 is UVC 1.5's
     std::uint8_t videoControlInterface = 0;
     std::string driver = {}; ///< bound to the VideoControl interface, empty: none
     int captureNode = -1;    ///< N of /dev/videoN, which is a second node's neighbour; -1: none

@@ -102,8 +102,13 @@ bool UsbIpServer::attached() const {
 
 void UsbIpServer::acceptConnection() {
     OpenFile socket(::accept4(m_listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (!socket || m_connections.size() >= kMostConnections)
+    if (!socket)
         return;
+    // Whoever means it has long asked, and who is merely silent must not keep others out. One of them at most
+    // has the device.
+    if (m_connections.size() >= kMostConnections)
+        m_connections.erase(std::ranges::find_if(
+            m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
     const int on = 1;
     // A request's answer is small and waited for; without this it is merely slower.
     (void)::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);

@@ -11,6 +11,7 @@
 #include <poll.h>
 
 /// Serves one virtual device to one client at a time, and takes its commands. Everything runs in one loop.
+/// When too many are connected, the one that came first leaves, but never the one that has the device.
 class UsbIpServer {
 public:
     /// `commands`: where command lines come from; their answers go to standard output.

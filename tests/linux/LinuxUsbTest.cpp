@@ -24,7 +24,7 @@ using testing::IsEmpty;
 namespace {
 
 const FakePlug kDirect{};
-const FakePlug kKernel{.driver = "uvcvideo", .captureNode = 4};
+const FakePlug kKernel{.interfaceProtocol = 1, .driver = "uvcvideo", .captureNode = 4};
 
 } // namespace
 
@@ -82,6 +82,7 @@ protected:
     }
 
     FakeKernel kernel;
+    std::uint32_t location = 0;
     std::vector<std::uint8_t> block = std::vector<std::uint8_t>(7, 0xEE);
 };
 
@@ -274,7 +275,6 @@ TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     const auto services = usbBus().allServices();
     std::vector<std::uint32_t> locations;
     while (const auto service = services.object->next()) {
-        std::uint32_t location = 0;
         const auto device = service->createPlugIn().object->QueryInterface();
         EXPECT_EQ(device.object->GetLocationID(location), UsbCode::Success);
         locations.push_back(location);
@@ -284,7 +284,6 @@ TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     control.initWithLocationID(0x03400000);
     EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 7, 13, 3, block));
     auto first = usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
-    std::uint32_t location = 0;
     EXPECT_EQ(first.object->createPlugIn().object->QueryInterface().object->GetLocationID(location), UsbCode::Success);
     std::erase(locations, 0x01200000U);
     EXPECT_EQ(location, locations.front());
@@ -295,6 +294,21 @@ TEST_F(LinuxUsb, WithoutAVideoControlInterfaceThereIsNone) {
     EXPECT_FALSE(open());
     kernel.unplug();
     EXPECT_FALSE(open()); // nothing is plugged in
+}
+
+TEST_F(LinuxUsb, ADeviceThatGoesBetweenTwoStepsIsGone) {
+    for (int turn = 0; turn < 12; ++turn) {
+        kernel.plug(turn % 2 == 0 ? kDirect : kKernel);
+        auto then = [&, n = turn / 2](auto made) mutable { return n-- ? void() : kernel.unplug(), std::move(made); };
+        const auto service = then(usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID).object);
+        const auto device = then(then(service->createPlugIn().object)->QueryInterface().object);
+        EXPECT_EQ(device->GetLocationID(location), UsbCode::Success);
+        const auto found = then(device->CreateInterfaceIterator({}));
+        EXPECT_EQ(found.result, turn < 6 ? UsbCode::NoDevice : UsbCode::Success) << turn;
+        if (!found.object) continue;
+        EXPECT_EQ(
+            get(*then(then(found.object->next())->createPlugIn().object->QueryInterface().object)), UsbCode::NoDevice);
+    }
 }
 
 TEST_F(LinuxUsb, DescriptorsThatMeanNothingCauseNoEndlessWait) {
