@@ -52,7 +52,7 @@ std::optional<QVariantMap> infoDictionary() {
 
 QPixmap imageNamed(const QString& name) {
     const QString path = QStringLiteral("bundle:images/") + name;
-    // An icon knows of the "@2x" of dense screens. It is for all that are denser than one.
+    // An icon looks for the "@2x" of dense screens. A screen between 1 and 2 shows it smaller.
     return QIcon(path).pixmap(QImageReader(path).size(), std::ceil(qGuiApp->devicePixelRatio()));
 }
 

@@ -24,6 +24,7 @@ constexpr int kWrongClockStart = 7;
 constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
 constexpr std::array<const char*, kActions> kActionNames{
     "start-up", "quality", "microphone", "headphone", "HDMI/AUX", "HDCP on", "HDCP off", "start-up, clock wrong"};
+constexpr std::array<std::size_t, kActions> kNamedField{0, 7, 3, 5, 1, 8, 8, 0}; // in what `held` returns
 constexpr int kChosenLevel = 0;
 constexpr int kChosenVolume = 201;
 
@@ -124,10 +125,11 @@ Block held(const Device& device) {
     return block;
 }
 
-/// Whether what is written is what was read but for the command and the value (or the clock), whatever the device
-/// makes of it.
+/// Whether what is written is what was read right before it but for the command and the value (or the clock),
+/// whatever the device makes of it.
 bool writesWhatItRead(const RecordedRequest& request, std::vector<std::uint8_t>& read) {
     if (request.isGet()) read = request.data;
+    if (read.size() != request.data.size()) return false;
     if (request.selector() == 11 && !request.isGet() && request.data[0] == 2) return true;
     return std::inner_product(read.begin(), read.end(), request.data.begin(), 0, std::plus(), std::not_equal_to())
         <= (request.selector() == 11 ? 2 : 1);
@@ -283,8 +285,8 @@ private slots:
                 if (held(device())[field] == chosen) meant[field] = chosen;
             };
             const int chosen = action == 1 ? level * 16 + meant[7] % 16 : action >= 5 ? 6 - action : volume;
-            mayBe(std::array<std::size_t, 6>{7, 3, 5, 1, 8, 8}[static_cast<std::size_t>(action) - 1], chosen);
-            if (action == 4) mayBe(2, volume);
+            mayBe(kNamedField[static_cast<std::size_t>(action)], chosen);
+            if (action == 4) mayBe(2, volume); // AUX goes with HDMI
             QCOMPARE(held(device()), meant);
             QVERIFY(writesOnlyItsOwn);
         }

@@ -82,7 +82,6 @@ protected:
     }
 
     FakeKernel kernel;
-    std::uint32_t location = 0;
     std::vector<std::uint8_t> block = std::vector<std::uint8_t>(7, 0xEE);
 };
 
@@ -274,6 +273,7 @@ TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     kernel.plug({.bus = 3, .address = 5, .name = "3-4"});
     const auto services = usbBus().allServices();
     std::vector<std::uint32_t> locations;
+    std::uint32_t location = 0;
     while (const auto service = services.object->next()) {
         const auto device = service->createPlugIn().object->QueryInterface();
         EXPECT_EQ(device.object->GetLocationID(location), UsbCode::Success);
@@ -298,16 +298,24 @@ TEST_F(LinuxUsb, WithoutAVideoControlInterfaceThereIsNone) {
 
 TEST_F(LinuxUsb, ADeviceThatGoesBetweenTwoStepsIsGone) {
     for (int turn = 0; turn < 12; ++turn) {
+        SCOPED_TRACE(turn);
         kernel.plug(turn % 2 == 0 ? kDirect : kKernel);
-        auto then = [&, n = turn / 2](auto made) mutable { return n-- ? void() : kernel.unplug(), std::move(made); };
+        int stepsLeft = turn / 2;
+        const auto then = [&](auto made) {
+            if (stepsLeft-- == 0) kernel.unplug();
+            return made;
+        };
         const auto service = then(usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID).object);
-        const auto device = then(then(service->createPlugIn().object)->QueryInterface().object);
-        EXPECT_EQ(device->GetLocationID(location), UsbCode::Success);
+        const auto plugIn = then(service->createPlugIn().object);
+        const auto device = then(plugIn->QueryInterface().object);
+        std::uint32_t location = 0;
+        EXPECT_EQ(device->GetLocationID(location), UsbCode::Success); // which it was found by
         const auto found = then(device->CreateInterfaceIterator({}));
-        EXPECT_EQ(found.result, turn < 6 ? UsbCode::NoDevice : UsbCode::Success) << turn;
+        EXPECT_EQ(found.result, turn < 6 ? UsbCode::NoDevice : UsbCode::Success);
         if (!found.object) continue;
-        EXPECT_EQ(
-            get(*then(then(found.object->next())->createPlugIn().object->QueryInterface().object)), UsbCode::NoDevice);
+        const auto interfaceService = then(found.object->next());
+        const auto interface = then(interfaceService->createPlugIn().object->QueryInterface().object);
+        EXPECT_EQ(get(*interface), UsbCode::NoDevice);
     }
 }
 
