@@ -176,11 +176,10 @@ private slots:
             int red = 0; // the pictures' glow, beside what stands on them
             for (int i = 0; i < image.width() * 100; i += 7) {
                 const QPoint point(i % image.width(), i / image.width());
-                if (!view.childAt(point / image.devicePixelRatio()))
+                if (view.childAt(point / image.devicePixelRatio()) == nullptr)
                     red = std::max(red, qRed(image.pixel(point)) - qBlue(image.pixel(point)));
             }
             QVERIFY2(red > 50, qPrintable(name));
-            QVERIFY(name != "Settings" || qRed(image.pixel(image.width() - 5, 5)) > 50); // it glows in its corner
         }
     }
 
