@@ -1,17 +1,36 @@
 #include "host/Log.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
 
+#include <sys/stat.h>
 #include <syslog.h>
+#include <unistd.h>
+
+namespace {
+
+/// Whether what is written to standard error is in the journal already: systemd.exec(5), JOURNAL_STREAM.
+bool standardErrorIsJournal() {
+    const char* journal = std::getenv("JOURNAL_STREAM");
+    struct stat file {};
+    return journal != nullptr && ::fstat(STDERR_FILENO, &file) == 0
+           && std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino) == journal;
+}
+
+} // namespace
 
 void deliverLogMessage(std::string_view message) {
     while (message.ends_with('\n'))
         message.remove_suffix(1);
-    std::array<char, 1024> line{};
+    std::array<char, 1024> line; // not cleared, as in systemLog
     message = message.substr(0, line.size() - 1);
-    for (std::size_t i = 0; i < message.size(); ++i)
-        line[i] = message[i] == '\n' ? ' ' : message[i]; // one message stays one line in the journal
+    // One message stays one line in the journal.
+    *std::ranges::replace_copy(message, line.begin(), '\n', ' ').out = '\0';
     ::syslog(LOG_NOTICE, "%s", line.data());
-    (void)std::fprintf(stderr, "%s\n", line.data()); // nothing is left to tell it to when this fails
+    // The system log has the program's name and the priority, so that one is kept.
+    if (!standardErrorIsJournal())
+        (void)std::fprintf(stderr, "%s\n", line.data()); // a failure can't be reported anywhere
 }
