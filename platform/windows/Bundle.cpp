@@ -15,29 +15,32 @@
 
 namespace {
 
-/// Later translators are asked first.
-void install(QCoreApplication& application, const QLocale& locale, const QString& table,
-             const QString& folder) {
+/// Installs a table of texts in the locale's language and gives that language; empty if there is none. Later
+/// translators are asked first.
+QString install(QCoreApplication& application, const QLocale& locale, const QString& table,
+                const QString& folder) {
     auto* translator = new QTranslator(&application);
-    if (translator->load(locale, table, QStringLiteral("_"), folder))
-        QCoreApplication::installTranslator(translator);
-    else
-        delete translator; // no such language: what was installed before stands
+    if (!translator->load(locale, table, QStringLiteral("_"), folder)) {
+        delete translator;
+        return {};
+    }
+    QCoreApplication::installTranslator(translator);
+    return translator->language();
 }
 
 } // namespace
 
 namespace mainBundle {
 
-void open(QCoreApplication& application) {
+void open(QCoreApplication& application, const QString& qtTranslations) {
     QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")});
     const QString table = QStringLiteral("tavro-setup-tool");
     const QString folder = QStringLiteral(":/i18n");
     install(application, QLocale(QLocale::English), table, folder);
-    install(application, QLocale(), QStringLiteral("qtbase"),
-            QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-    // Whatever the language of numbers is: the locale's languages for texts may be others.
-    install(application, QLocale(), table, folder);
+    const QString language = install(application, QLocale(), table, folder);
+    // Qt's own texts decide on the direction of the windows, so they are taken for a language of ours only.
+    if (!language.isEmpty())
+        install(application, QLocale(language), QStringLiteral("qtbase"), qtTranslations);
 }
 
 std::optional<QVariantMap> infoDictionary() {

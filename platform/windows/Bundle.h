@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QLibraryInfo>
 #include <QPixmap>
 #include <QString>
 #include <QVariantMap>
@@ -12,8 +13,9 @@
 namespace mainBundle {
 
 /// Sets the search path and installs the texts in the user's language. Call once, after the application
-/// object was made and before any window.
-void open(QCoreApplication& application);
+/// object was made and before any window. Qt's own texts come from the given folder.
+void open(QCoreApplication& application,
+          const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 
 /// Application information by key ("CFBundleShortVersionString"). Absent when there is none or it can't be
 /// read.
