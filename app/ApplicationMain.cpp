@@ -15,9 +15,12 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QVersionNumber>
 
+#include <clocale>
 #include <csignal>
 #include <cstdlib>
 
@@ -50,9 +53,20 @@ QPalette darkPalette() {
 /// The end of the session and the end by SIGTERM are deliberate ends like any other. Nothing is saved and the
 /// device is not told, so there is nothing to wait for, also while a request to the device is under way.
 void endOnTerminate() {
-    for (const int signal : {SIGTERM, SIGHUP})
-        (void)std::signal(signal, [](int) { ::_exit(EXIT_SUCCESS); }); // fails for unknown signals only
+    const auto end = [](int) { ::_exit(EXIT_SUCCESS); };
+    (void)std::signal(SIGTERM, end); // fails for unknown signals only
+    // Whoever started the program with nohup wants it to outlive the terminal.
+    if (std::signal(SIGHUP, end) == SIG_IGN)
+        (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGPIPE, SIG_IGN); // writing to a display that has gone is told by the write itself
+}
+
+/// Qt connects again when a Wayland compositor restarts, if the session asks for it as Plasma does. It can do
+/// so since 6.5.
+bool reconnectsAfter(const QString& message) {
+    return message.startsWith(QLatin1String("The Wayland "))
+           && qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT")
+           && QLibraryInfo::version() >= QVersionNumber(6, 5);
 }
 
 void registerApplicationClasses() {
@@ -72,8 +86,9 @@ void registerApplicationClasses() {
 } // namespace
 
 void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    // The display may go first when a session ends; the toolkit would leave as after a fault.
-    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")))
+    // The display may end first when a session ends; the toolkit would exit as after a fault.
+    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke"))
+        && !reconnectsAfter(message))
         ::_exit(EXIT_SUCCESS);
     if (type == QtCriticalMsg || type == QtFatalMsg)
         systemLog("%s", qUtf8Printable(message));
@@ -82,6 +97,8 @@ void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const Q
 void setUpApplication(QApplication& application) {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(darkPalette());
+    // Not the display name: Qt appends that to window titles that don't end with it.
+    QCoreApplication::setApplicationName(QStringLiteral("Tavro Setup Tool"));
     QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
     registerApplicationClasses();
@@ -93,6 +110,7 @@ int applicationMain(int argc, char** argv) {
     endOnTerminate();
     (void)qInstallMessageHandler(logQtMessage);
     QApplication application(argc, argv);
+    (void)std::setlocale(LC_NUMERIC, "C"); // the log has decimal points; QApplication took the user's locale
     setUpApplication(application);
     AppDelegate delegate;
     const WindowDescription description(QStringLiteral("Main"));

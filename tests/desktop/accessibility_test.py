@@ -61,10 +61,10 @@ class Reader:
     def __init__(self, program):
         self.program = program
         desktop = Atspi.get_desktop(0)
-        application = wait_for("program on the bus", lambda: next(
+        self.application = wait_for("program on the bus", lambda: next(
             (a for a in map(desktop.get_child_at_index, range(desktop.get_child_count()))
              if a and a.get_process_id() == program.pid), None))
-        self.window = wait_for("window on the bus", lambda: application.get_child_at_index(0))
+        self.window = wait_for("window on the bus", lambda: self.application.get_child_at_index(0))
 
     def find(self, role, name):
         return wait_for(f"{role} {name}", lambda: next(
@@ -83,6 +83,7 @@ class Reader:
 
 
 def read(reader):
+    assert reader.application.get_name() == "Tavro Setup Tool", reader.application.get_name()
     seen = {(n.get_role_name(), n.get_name(), n.get_description(), value(n)) for n in everything(reader.window)}
     assert EXPECTED <= seen, f"missing: {EXPECTED - seen}\nseen: {seen}"
     for node in everything(reader.window):

@@ -3,10 +3,14 @@
 #include "AboutViewController.h"
 #include "ApplicationMain.h"
 #include "OpenWindow.h"
+#include "windows/Bundle.h"
 #include "windows/ModalRun.h"
 
 #include <QClipboard>
+#include <QLibraryInfo>
+#include <QProcess>
 #include <QTranslator>
+#include <QVersionNumber>
 
 namespace {
 
@@ -141,8 +145,17 @@ private slots:
             logQtMessage(type, {}, QString::number(type));
         const std::vector<std::string> worthALine{"log 2", "log 3"}; // critical and fatal
         QCOMPARE(SimulatedHost::take(), worthALine);
-        const QString gone = "The X11 connection broke (error 1). Did the X11 server die?";
-        QCOMPARE(runInChild([&] { logQtMessage(QtWarningMsg, {}, gone); }).status, 0);
+        const QString x11 = "The X11 connection broke (error 1). Did the X11 server die?";
+        const QString wayland = "The Wayland connection broke. Did the Wayland compositor die?";
+        for (const auto& [message, asked, status] : {std::tuple(x11, false, 0), {x11, true, 0}, {wayland, false, 0},
+                 {wayland, true, QLibraryInfo::version() < QVersionNumber(6, 5) ? 0 : 3}}) {
+            const ChildEnd end = runInChild([&, message = message, asked = asked] {
+                if (asked) qputenv("QT_WAYLAND_RECONNECT", "1");
+                logQtMessage(QtWarningMsg, {}, message);
+                std::exit(3); // where Qt connects again
+            });
+            QCOMPARE(end.status, status);
+        }
     }
 
     void closingTheWindowEndsTheProgram() {
@@ -151,7 +164,30 @@ private slots:
         QCOMPARE(QApplication::exec(), 0);
     }
 
+    void qtsTranslationsComeWithOursOnly() {
+        const QTemporaryDir folder;
+        const auto before = qApp->findChildren<QTranslator*>();
+        for (const auto& [language, direction] : {std::pair("ar", Qt::LeftToRight), {"de", Qt::RightToLeft}}) {
+            QFile table(folder.filePath(QStringLiteral("qtbase_%1.ts").arg(language)));
+            QVERIFY(table.open(QIODevice::WriteOnly));
+            table.write("<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
+                        "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
+            table.close();
+            QCOMPARE(QProcess::execute(
+                         QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lrelease", {"-silent", table.fileName()}),
+                0);
+            QLocale::setDefault(QLocale(language));
+            mainBundle::open(*qApp, folder.path());
+            QCOMPARE(QGuiApplication::layoutDirection(), direction);
+        }
+        for (QTranslator* translator : qApp->findChildren<QTranslator*>())
+            if (!before.contains(translator)) delete translator;
+        QLocale::setDefault(QLocale::c());
+        QCOMPARE(QGuiApplication::layoutDirection(), Qt::LeftToRight);
+    }
+
     void theDesktopKnowsTheProgram() {
+        QCOMPARE(QCoreApplication::applicationName(), "Tavro Setup Tool");
         QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
         QCOMPARE(QApplication::windowIcon().availableSizes().value(0), QSize(96, 96));
         QCOMPARE(QApplication::style()->name(), "fusion");
