@@ -215,9 +215,9 @@ private slots:
         using Row = std::tuple<QString, QString, const char*>;
         for (const auto& [full, sub, colors] : {Row{"8m 8M 8M", "8M", "wwwrrwww"}, // the first occurrence
                  {"High", "Low", "wwww"}, {"", "", ""}, {"ab", "", "ww"},
-                 {u"\U0001F3A5ab"_qs, "Q", "www-"},                     // a surrogate pair
-                 {u"e\u0301a"_qs, "a", "wwr"},                          // a combining accent
-                 {u"\U0001F468\u200D\U0001F469x"_qs, "Q", "ww----"}}) { // one family
+                 {QStringLiteral("\U0001F3A5ab"), "Q", "www-"},                     // a surrogate pair
+                 {QStringLiteral("e\u0301a"), "a", "wwr"},                          // a combining accent
+                 {QStringLiteral("\U0001F468\u200D\U0001F469x"), "Q", "ww----"}}) { // one family
             const AttributedString text = createAttributedString(full, Qt::white, sub, Qt::red);
             QCOMPARE(text.string, full);
             QCOMPARE(text.font, titleFont());
