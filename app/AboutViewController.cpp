@@ -11,6 +11,7 @@ void AboutViewController::viewDidLoad() {
     const QVariant version = information->value(QStringLiteral("CFBundleShortVersionString"));
     if (version.typeId() != QMetaType::QString)
         return;
+    //: The program's version number follows, as in "Version 1.0.0".
     LabelVersionString->setText(Localizable::tr("VERSION", "Version") + u' ' + version.toString());
 }
 

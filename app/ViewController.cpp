@@ -36,6 +36,7 @@ void show(const Outlet<AttributedRadioButton>& button, bool selected) {
 }
 
 QString firmwareText(const FirmwareVersionRecord& b) {
+    //: The version numbers follow, as in "Firmware v1.2.3.4".
     return Localizable::tr("FW_VERSION", "FW_VERSION")
            + QString::asprintf(" v%d.%d.%d.%d (%02d%02d%02d%02d.%02d%02d%02d%02d)", b[0], b[1], b[2], b[3],
                                b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11]);
@@ -86,9 +87,14 @@ void ViewController::showVolumes() {
 
 void ViewController::fillRecordQuality(int level) {
     PopupRecordQuality->removeAllItems();
-    PopupRecordQuality->addItemsWithTitles({Localizable::tr("HIGH", "High"),
-                                            Localizable::tr("MIDDLE", "Middle"),
-                                            Localizable::tr("LOW", "Low")});
+    PopupRecordQuality->addItemsWithTitles({
+        //: A level of the record quality, 14 letters at most.
+        Localizable::tr("HIGH", "High"),
+        //: A level of the record quality, 14 letters at most.
+        Localizable::tr("MIDDLE", "Middle"),
+        //: A level of the record quality, 14 letters at most.
+        Localizable::tr("LOW", "Low"),
+    });
     PopupRecordQuality->selectItemAtIndex(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
     CustomPopUpButton* popUp = PopupRecordQuality.operator->();

@@ -16,15 +16,11 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>Version 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Lautstärke, Aufnahmequalität und HDCP eines USB-Videoaufnahmegeräts einstellen.</translation>
     </message>
     <message>
-        <source>MIT licence</source>
+        <source>MIT License</source>
         <translation>MIT-Lizenz</translation>
     </message>
     <message>
@@ -48,19 +44,19 @@
     </message>
     <message>
         <source>Capture device not reached</source>
-        <translation>Aufnahmegerät nicht erreicht</translation>
+        <translation>Aufnahmegerät konnte nicht erreicht werden</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
-        <translation>Das Aufnahmegerät war nicht erreichbar. Prüfen Sie das Kabel, Ihre Rechte am Gerät und ob es nach erneutem Einstecken antwortet. Mit dieser Meldung endet das Programm.</translation>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
+        <translation>Das Aufnahmegerät konnte nicht erreicht werden. Prüfen Sie das Kabel, Ihre Zugriffsrechte auf das Gerät und ob es nach erneutem Einstecken antwortet. Wenn Sie diese Meldung schließen, wird das Programm beendet.</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Das Aufnahmegerät war nicht erreichbar&lt;/span&gt;</translation>
+        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Das Aufnahmegerät konnte nicht erreicht werden&lt;/span&gt;</translation>
     </message>
     <message>
         <source>The capture device could not be reached</source>
-        <translation>Das Aufnahmegerät war nicht erreichbar</translation>
+        <translation>Das Aufnahmegerät konnte nicht erreicht werden</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -68,19 +64,19 @@
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>Ist es angeschlossen? USB-Kabel an beiden Enden fest einstecken oder einen anderen USB-Anschluss ohne Hub nehmen.</translation>
+        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder verwenden Sie einen anderen USB-Anschluss ohne Hub.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>Dürfen Sie es benutzen? Melden Sie sich an diesem Computer selbst an. Kam das Programm nicht als Paket, die udev-Regel 70-tavro-setup-tool.rules installieren und das Gerät neu einstecken.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>Dürfen Sie es benutzen? Melden Sie sich direkt an diesem Computer an, nicht aus der Ferne. Wenn das Programm nicht als Paket installiert wurde, installieren Sie seine udev-Regel 70-tavro-setup-tool.rules und stecken Sie das Gerät erneut ein.</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Antwortet es? Gerät abziehen, zehn Sekunden warten und wieder einstecken.</translation>
+        <translation>Antwortet es? Trennen Sie das Gerät, warten Sie zehn Sekunden und stecken Sie es wieder ein.</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
-        <translation>Was es war, steht im Systemprotokoll: journalctl -t tavro-setup-tool</translation>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
+        <translation>Die Ursache steht im Systemprotokoll: journalctl -t tavro-setup-tool</translation>
     </message>
     <message>
         <source>&amp;Quit</source>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>Version</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>Firmware</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Hoch</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Mittel</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Niedrig</translation>
     </message>
 </context>
@@ -239,11 +240,7 @@
     </message>
     <message>
         <source>Content protection of the HDMI signal</source>
-        <translation>Inhaltsschutz des HDMI-Signals</translation>
-    </message>
-    <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>Firmware v1.2.3.4 (05060708.09101112)</translation>
+        <translation>Kopierschutz des HDMI-Signals</translation>
     </message>
     <message>
         <source>&amp;About</source>

@@ -16,16 +16,12 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>Version 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Volume, record quality and HDCP settings for one USB video capture device.</translation>
     </message>
     <message>
-        <source>MIT licence</source>
-        <translation>MIT licence</translation>
+        <source>MIT License</source>
+        <translation>MIT License</translation>
     </message>
     <message>
         <source>&amp;Close</source>
@@ -75,24 +71,24 @@
         <translation>Quit</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
-        <translation>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</translation>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
+        <translation>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</translation>
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
         <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
         <translation>Does it answer? Unplug it, wait ten seconds and plug it in again.</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
-        <translation>The system log tells which it was: journalctl -t tavro-setup-tool</translation>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
+        <translation>The system log shows the cause: journalctl -t tavro-setup-tool</translation>
     </message>
 </context>
 <context>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>Version</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>Firmware</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>High</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Middle</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Low</translation>
     </message>
 </context>
@@ -240,10 +241,6 @@
     <message>
         <source>Content protection of the HDMI signal</source>
         <translation>Content protection of the HDMI signal</translation>
-    </message>
-    <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>Firmware v1.2.3.4 (05060708.09101112)</translation>
     </message>
     <message>
         <source>&amp;About</source>

@@ -16,15 +16,11 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>Versión 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Ajustes de volumen, calidad de grabación y HDCP de un dispositivo de captura de vídeo USB.</translation>
     </message>
     <message>
-        <source>MIT licence</source>
+        <source>MIT License</source>
         <translation>Licencia MIT</translation>
     </message>
     <message>
@@ -51,8 +47,8 @@
         <translation>No se pudo acceder al dispositivo de captura</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
-        <translation>No se pudo acceder al dispositivo de captura. Compruebe el cable, sus permisos sobre el dispositivo y si responde al volver a conectarlo. El programa se cierra con este mensaje.</translation>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
+        <translation>No se pudo acceder al dispositivo de captura. Compruebe el cable, sus permisos sobre el dispositivo y si responde al volver a conectarlo. El programa se cierra al cerrar este mensaje.</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
@@ -68,18 +64,18 @@
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>¿Está conectado? Introduzca bien el cable USB por ambos extremos o pruebe otro puerto USB, sin concentrador.</translation>
+        <translation>¿Está conectado? Conecte firmemente ambos extremos del cable USB, o pruebe con otro puerto USB, sin concentrador.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>¿Tiene permiso para usarlo? Inicie sesión en este mismo equipo. Si el programa no vino en un paquete, instale su regla de udev, 70-tavro-setup-tool.rules, y vuelva a conectar el dispositivo.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>¿Tiene permiso para usarlo? Inicie sesión directamente en este equipo, no de forma remota. Si el programa no se instaló desde un paquete, instale su regla de udev, 70-tavro-setup-tool.rules, y vuelva a conectar el dispositivo.</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
         <translation>¿Responde? Desconéctelo, espere diez segundos y vuelva a conectarlo.</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
         <translation>El registro del sistema indica la causa: journalctl -t tavro-setup-tool</translation>
     </message>
     <message>
@@ -88,7 +84,7 @@
     </message>
     <message>
         <source>Closes this message and ends the program.</source>
-        <translation>Cierra este mensaje y termina el programa.</translation>
+        <translation>Cierra este mensaje y cierra el programa.</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>Versión</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>Firmware</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Alta</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Media</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Baja</translation>
     </message>
 </context>
@@ -147,7 +148,7 @@
     </message>
     <message>
         <source>Bit rate of the H.264 recording made by the device.</source>
-        <translation>Tasa de bits de la grabación H.264 que hace el dispositivo.</translation>
+        <translation>Tasa de bits de la grabación H.264 realizada por el dispositivo.</translation>
     </message>
     <message>
         <source>High</source>
@@ -167,7 +168,7 @@
     </message>
     <message>
         <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Grado de la escala de estrellas; indica qué significan.</translation>
+        <translation>Nivel de la escala de estrellas; indica qué significan.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -240,10 +241,6 @@
     <message>
         <source>Content protection of the HDMI signal</source>
         <translation>Protección de contenido de la señal HDMI</translation>
-    </message>
-    <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>Firmware v1.2.3.4 (05060708.09101112)</translation>
     </message>
     <message>
         <source>&amp;About</source>

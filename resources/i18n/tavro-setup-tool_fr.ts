@@ -16,15 +16,11 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>Version 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Réglages du volume, de la qualité d’enregistrement et de HDCP d’un boîtier d’acquisition vidéo USB.</translation>
     </message>
     <message>
-        <source>MIT licence</source>
+        <source>MIT License</source>
         <translation>Licence MIT</translation>
     </message>
     <message>
@@ -51,8 +47,8 @@
         <translation>Boîtier d’acquisition injoignable</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
-        <translation>Le boîtier d’acquisition n’a pas pu être joint. Vérifiez le câble, vos droits sur le boîtier, et s’il répond une fois rebranché. Le programme se ferme avec ce message.</translation>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
+        <translation>Le boîtier d’acquisition n’a pas pu être joint. Vérifiez le câble, vos droits sur le boîtier, et s’il répond une fois rebranché. Le programme se ferme lorsque vous fermez ce message.</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
@@ -68,19 +64,19 @@
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>Est-il branché ? Enfoncez bien le câble USB aux deux bouts, ou essayez un autre port USB, sans concentrateur.</translation>
+        <translation>Est-il branché&#x202f;? Enfoncez bien le câble USB aux deux extrémités, ou essayez un autre port USB, sans concentrateur.</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>En avez-vous le droit ? Ouvrez une session sur cet ordinateur même. Si le programme ne vient pas d’un paquet, installez sa règle udev, 70-tavro-setup-tool.rules, et rebranchez le boîtier.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>Avez-vous le droit de l’utiliser&#x202f;? Ouvrez une session directement sur cet ordinateur, pas à distance. Si le programme n’a pas été installé depuis un paquet, installez sa règle udev, 70-tavro-setup-tool.rules, et rebranchez le boîtier.</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Répond-il ? Débranchez-le, attendez dix secondes et rebranchez-le.</translation>
+        <translation>Répond-il&#x202f;? Débranchez-le, attendez dix secondes et rebranchez-le.</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
-        <translation>Le journal du système dit ce qu’il en est : journalctl -t tavro-setup-tool</translation>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
+        <translation>Le journal du système indique la cause&#xa0;: journalctl -t tavro-setup-tool</translation>
     </message>
     <message>
         <source>&amp;Quit</source>
@@ -88,7 +84,7 @@
     </message>
     <message>
         <source>Closes this message and ends the program.</source>
-        <translation>Ferme ce message et termine le programme.</translation>
+        <translation>Ferme ce message et quitte le programme.</translation>
     </message>
     <message>
         <source>Quit</source>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>Version</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>Micrologiciel</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Élevé</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Moyen</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>Faible</translation>
     </message>
 </context>
@@ -139,15 +140,15 @@
     </message>
     <message>
         <source>&amp;Record quality</source>
-        <translation>&amp;Enregistrement</translation>
+        <translation>&amp;Qualité vidéo</translation>
     </message>
     <message>
         <source>Record quality</source>
-        <translation>Niveau de qualité d’enregistrement</translation>
+        <translation>Qualité vidéo de l’enregistrement</translation>
     </message>
     <message>
         <source>Bit rate of the H.264 recording made by the device.</source>
-        <translation>Débit de l’enregistrement H.264 fait par le boîtier.</translation>
+        <translation>Débit de l’enregistrement H.264 effectué par le boîtier.</translation>
     </message>
     <message>
         <source>High</source>
@@ -167,11 +168,11 @@
     </message>
     <message>
         <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Degré de l’échelle d’étoiles ; dit ce que signifient les étoiles.</translation>
+        <translation>Niveau de l’échelle d’étoiles&#x202f;; indique ce que signifient les étoiles.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
-        <translation>Qualité en H.264</translation>
+        <translation>Enregistrement H.264</translation>
     </message>
     <message>
         <source>Volume</source>
@@ -242,10 +243,6 @@
         <translation>Protection du contenu du signal HDMI</translation>
     </message>
     <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>Micrologiciel v1.2.3.4 (05060708.09101112)</translation>
-    </message>
-    <message>
         <source>&amp;About</source>
         <translation>À &amp;propos</translation>
     </message>
@@ -255,7 +252,7 @@
     </message>
     <message>
         <source>&amp;Quit</source>
-        <translation>&amp;Quitter</translation>
+        <translation>Q&amp;uitter</translation>
     </message>
     <message>
         <source>Quit (Ctrl+Q)</source>

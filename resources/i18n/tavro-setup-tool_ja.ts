@@ -5,7 +5,7 @@
     <name>AboutWindow</name>
     <message>
         <source>About Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool について</translation>
+        <translation>Tavro Setup Tool のバージョン情報</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
@@ -16,15 +16,11 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>バージョン 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>USB ビデオキャプチャーデバイスの音量、録画品質、HDCP を設定します。</translation>
     </message>
     <message>
-        <source>MIT licence</source>
+        <source>MIT License</source>
         <translation>MIT ライセンス</translation>
     </message>
     <message>
@@ -48,10 +44,10 @@
     </message>
     <message>
         <source>Capture device not reached</source>
-        <translation>キャプチャーデバイスに接続できません</translation>
+        <translation>キャプチャーデバイスに接続できませんでした</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
         <translation>キャプチャーデバイスに接続できませんでした。ケーブル、デバイスを使う権限、接続し直したときに応答するかどうかを確認してください。このメッセージを閉じるとプログラムは終了します。</translation>
     </message>
     <message>
@@ -71,15 +67,15 @@
         <translation>接続されていますか？ USB ケーブルの両端をしっかり差し込むか、ハブを使わずに別の USB ポートで試してください。</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>使う権限がありますか？ このコンピューターで直接ログインしてください。パッケージ以外から入れた場合は、udev ルール 70-tavro-setup-tool.rules をインストールし、デバイスを接続し直してください。</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>使う権限がありますか？ リモートではなく、このコンピューターに直接ログインしてください。パッケージ以外の方法でインストールした場合は、udev ルール 70-tavro-setup-tool.rules をインストールし、デバイスを接続し直してください。</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
         <translation>応答していますか？ デバイスを取り外し、10 秒待ってから接続し直してください。</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
         <translation>原因はシステムログで確認できます: journalctl -t tavro-setup-tool</translation>
     </message>
     <message>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>バージョン</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>ファームウェア</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>高</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>中</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>低</translation>
     </message>
 </context>
@@ -167,7 +168,7 @@
     </message>
     <message>
         <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>星の目盛りの段階。星の意味を示します。</translation>
+        <translation>星評価の段階。星の意味を示します。</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -242,16 +243,12 @@
         <translation>HDMI 信号のコンテンツ保護</translation>
     </message>
     <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>ファームウェア v1.2.3.4 (05060708.09101112)</translation>
-    </message>
-    <message>
         <source>&amp;About</source>
         <translation>バージョン情報(&amp;A)</translation>
     </message>
     <message>
         <source>About this program (F1)</source>
-        <translation>このプログラムについて (F1)</translation>
+        <translation>バージョン情報 (F1)</translation>
     </message>
     <message>
         <source>&amp;Quit</source>

@@ -16,15 +16,11 @@
         <translation>Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>Version 1.0.0</source>
-        <translation>版本 1.0.0</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>设置 USB 视频采集设备的音量、录制质量和 HDCP。</translation>
     </message>
     <message>
-        <source>MIT licence</source>
+        <source>MIT License</source>
         <translation>MIT 许可证</translation>
     </message>
     <message>
@@ -48,19 +44,19 @@
     </message>
     <message>
         <source>Capture device not reached</source>
-        <translation>无法连接采集设备</translation>
+        <translation>无法连接到采集设备</translation>
     </message>
     <message>
-        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program closes with this message.</source>
-        <translation>无法连接采集设备。请检查线缆、您对设备的权限，以及重新插入后设备是否响应。关闭此消息后程序将退出。</translation>
+        <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
+        <translation>无法连接到采集设备。请检查线缆、您对设备的权限，以及重新插入后设备是否响应。关闭此消息后程序将退出。</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;无法连接采集设备&lt;/span&gt;</translation>
+        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;无法连接到采集设备&lt;/span&gt;</translation>
     </message>
     <message>
         <source>The capture device could not be reached</source>
-        <translation>无法连接采集设备</translation>
+        <translation>无法连接到采集设备</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -71,15 +67,15 @@
         <translation>设备插好了吗？请将 USB 线缆两端插紧，或换用另一个 USB 接口，不要经过集线器。</translation>
     </message>
     <message>
-        <source>May you use it? Log in at this computer itself. If the program did not come as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>您有权使用它吗？请直接在这台电脑上登录。如果程序不是由软件包安装的，请安装其 udev 规则 70-tavro-setup-tool.rules，然后重新插入设备。</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
+        <translation>您有权使用它吗？请直接在这台电脑上登录，不要远程登录。如果程序不是由软件包安装的，请安装其 udev 规则 70-tavro-setup-tool.rules，然后重新插入设备。</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
         <translation>它有响应吗？请拔下设备，等待十秒后再插入。</translation>
     </message>
     <message>
-        <source>The system log tells which it was: journalctl -t tavro-setup-tool</source>
+        <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>
         <translation>具体原因见系统日志：journalctl -t tavro-setup-tool</translation>
     </message>
     <message>
@@ -100,26 +96,31 @@
     <message>
         <source>VERSION</source>
         <comment>Version</comment>
+        <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>
         <translation>版本</translation>
     </message>
     <message>
         <source>FW_VERSION</source>
         <comment>FW_VERSION</comment>
+        <extracomment>The version numbers follow, as in &quot;Firmware v1.2.3.4&quot;.</extracomment>
         <translation>固件</translation>
     </message>
     <message>
         <source>HIGH</source>
         <comment>High</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>高</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>中</translation>
     </message>
     <message>
         <source>LOW</source>
         <comment>Low</comment>
+        <extracomment>A level of the record quality, 14 letters at most.</extracomment>
         <translation>低</translation>
     </message>
 </context>
@@ -167,7 +168,7 @@
     </message>
     <message>
         <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>星级刻度中的一级，说明星星的含义。</translation>
+        <translation>星级标尺中的一级，说明星星的含义。</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -240,10 +241,6 @@
     <message>
         <source>Content protection of the HDMI signal</source>
         <translation>HDMI 信号的内容保护</translation>
-    </message>
-    <message>
-        <source>Firmware v1.2.3.4 (05060708.09101112)</source>
-        <translation>固件 v1.2.3.4 (05060708.09101112)</translation>
     </message>
     <message>
         <source>&amp;About</source>
