@@ -23,10 +23,10 @@ set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION video)
 # What Qt loads at run time: Wayland, and its own texts in the user's language.
 set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS "qt6-wayland, qt6-translations-l10n, udev")
 set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS tavro-setup-tool-demo)
-set(CPACK_DEBIAN_TOOL_DESCRIPTION "Shows and changes what a USB video capture device keeps for itself: the
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "Shows and changes the settings stored in a USB video capture device: the
 bit-rate level of its H.264 recording, microphone, headphone, HDMI and AUX
 volume, and HDCP. It sets the clock of the device and shows its firmware
-versions. A recording goes on meanwhile.")
+versions. Recording continues.")
 
 set(CPACK_DEBIAN_DEMO_PACKAGE_NAME tavro-setup-tool-demo)
 set(CPACK_DEBIAN_DEMO_PACKAGE_SECTION video)
