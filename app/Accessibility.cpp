@@ -2,12 +2,15 @@
 
 #include "ImageViews.h"
 #include "PopUpAccessible.h"
+#include "PopUpListAccessible.h"
 
 namespace {
 
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* popUp = qobject_cast<CustomPopUpButton*>(object))
         return new PopUpAccessible(*popUp);
+    if (auto* list = qobject_cast<PopUpList*>(object))
+        return new PopUpListAccessible(*list);
     if (auto* background = qobject_cast<BackgroundImageView*>(object))
         return new QAccessibleWidget(background,
                                      QAccessible::Pane); // it shows nothing to tell, but holds all

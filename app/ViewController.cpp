@@ -85,7 +85,7 @@ void ViewController::showVolumes() {
     show(SliderHmdiAuxVolume, hdmi);
 }
 
-void ViewController::fillRecordQuality(int level) {
+void ViewController::fillRecordQuality(std::uint8_t level) {
     PopupRecordQuality->removeAllItems();
     PopupRecordQuality->addItemsWithTitles({
         //: A level of the record quality, 14 letters at most.
@@ -96,6 +96,7 @@ void ViewController::fillRecordQuality(int level) {
         Localizable::tr("LOW", "Low"),
     });
     PopupRecordQuality->selectItemAtIndex(level);
+    describeStars(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
     CustomPopUpButton* popUp = PopupRecordQuality.operator->();
     connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen,
@@ -155,6 +156,7 @@ void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
     (void)device().SetBitRate(level, mjpeg);
     (void)device().GetBitRate(h264, mjpeg);
     DisplayBitRateImage(h264);
+    describeStars(h264);
 }
 
 void ViewController::DisplayBitRateImage(std::uint8_t level) {
@@ -168,8 +170,11 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
     const auto* const found = std::ranges::find(kImages, level, &LevelImage::level);
     const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
     QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
-    // Who can't see the stars hears the level's title.
-    QualityImage->setAccessibleDescription(PopupRecordQuality->itemText(shown.level));
+}
+
+void ViewController::describeStars(std::uint8_t level) {
+    const int shown = level < PopupRecordQuality->count() ? level : CBIT_RATE_HIGH;
+    QualityImage->setAccessibleDescription(PopupRecordQuality->itemText(shown));
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {

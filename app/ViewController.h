@@ -92,6 +92,8 @@ private:
                       VolumeRead readBack);
     void switchHdcp(std::uint8_t state);
     void showVolumes();
-    void fillRecordQuality(int level);
+    void fillRecordQuality(std::uint8_t level);
+    /// Who can't see the stars hears the title of their level.
+    void describeStars(std::uint8_t level);
     void styleHdcpTitles();
 };

@@ -2,13 +2,15 @@
 
 #include "Colors.h"
 #include "PopUpGeometry.h"
+#include "PopUpList.h"
 #include "host/FatalStop.h"
+#include "windows/ModalRun.h"
 
-#include <QAbstractItemView>
-#include <QEvent>
+#include <QAccessible>
 #include <QSignalBlocker>
 #include <QStyleOption>
 #include <QStyledItemDelegate>
+#include <QWheelEvent>
 
 #include <utility>
 
@@ -58,30 +60,27 @@ CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/)
 
 void CustomPopUpButton::didDecode() {
     // Not earlier: the list takes its place in the window's style sheet by this button's name.
+    setView(new PopUpList(*this));
     view()->setItemDelegate(new TitleDelegate(view()));
-    view()->window()->installEventFilter(this);
+    view()->installEventFilter(this);
     setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
-    connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::selectCurrentRow);
-    connect(view()->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &CustomPopUpButton::actOnSelection);
+    // Before all handlers, so that they run after the list was closed in whatever order the toolkit does it.
+    connect(this, &QComboBox::activated, this, &CustomPopUpButton::tellThatMenuClosed);
+    connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::showCurrentRow);
+    showCurrentRow();
 }
 
-void CustomPopUpButton::selectCurrentRow() {
+/// In the list, which the toolkit leaves where the user has browsed to; screen readers read it there. The
+/// focus stays where it is, while the list alone would tell that it goes to the row.
+void CustomPopUpButton::showCurrentRow() {
     const QSignalBlocker blocker(view()->selectionModel());
     view()->setCurrentIndex(model()->index(currentIndex(), modelColumn(), rootModelIndex()));
-}
-
-// The list's own selection is of no interest to the toolkit. While the list is closed only assistive
-// technology can change it: that is how a level is chosen there. It deselects first, which is no choice.
-void CustomPopUpButton::actOnSelection(const QItemSelection& selected) {
-    if (m_open || selected.isEmpty())
-        return;
-    setCurrentIndex(selected.indexes().constFirst().row());
-    emit activated(currentIndex());
+    QAccessibleEvent selected(view(), QAccessible::Selection);
+    selected.setChild(currentIndex());
+    QAccessible::updateAccessibility(&selected);
 }
 
 void CustomPopUpButton::removeAllItems() {
-    const QSignalBlocker blocker(view()->selectionModel()); // what goes is not chosen
     clear();
 }
 
@@ -109,16 +108,39 @@ void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
 }
 
 void CustomPopUpButton::showPopup() {
+    if (count() == 0 || isBehindModalRun(*this))
+        return;
     m_open = true;
     emit menuWillOpen(view());
     QComboBox::showPopup();
 }
 
+void CustomPopUpButton::chooseItemAtIndex(int index) {
+    if (index < 0 || index >= count() || !isEnabled() || isBehindModalRun(*this))
+        return;
+    hidePopup();
+    setCurrentIndex(index);
+    emit activated(index);
+}
+
+void CustomPopUpButton::tellThatMenuClosed() {
+    if (std::exchange(m_open, false))
+        emit menuDidClose(view());
+}
+
 // Whoever closes the list: the user, the program, or the window system when another program is pressed.
 bool CustomPopUpButton::eventFilter(QObject* list, QEvent* event) {
-    if (event->type() == QEvent::Hide && std::exchange(m_open, false))
-        emit menuDidClose(view());
+    if (event->type() == QEvent::Hide) {
+        tellThatMenuClosed();
+        // Later: the toolkit may still have to take a choice from the row.
+        QMetaObject::invokeMethod(this, &CustomPopUpButton::showCurrentRow, Qt::QueuedConnection);
+    }
     return QComboBox::eventFilter(list, event);
+}
+
+// A turn of the wheel while scrolling past must not change what is being recorded.
+void CustomPopUpButton::wheelEvent(QWheelEvent* event) {
+    event->ignore();
 }
 
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {

@@ -4,7 +4,6 @@
 #include "windows/MadeFromDescription.h"
 
 #include <QComboBox>
-#include <QItemSelection>
 #include <QStringList>
 
 /// Item styles of the pop-up.
@@ -12,7 +11,9 @@ inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open list, whose 
 inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 
 /// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron.
-/// Its items' titles are attributed strings.
+/// Its items' titles are attributed strings. A choice of the user is told by `activated`, once for each and
+/// for the current item too; nothing else tells it: neither browsing the open list nor the mouse wheel
+/// chooses.
 class CustomPopUpButton : public QComboBox, public MadeFromDescription {
     Q_OBJECT
 
@@ -45,19 +46,25 @@ public:
     /// Strokes one line of the decoration; draws nothing without a context.
     static void Line(QPainter* context, double Ax, double Ay, double Bx, double By);
 
+    /// Opens the list. Does nothing while there are no items or a modal run makes this window inert.
     void showPopup() override;
+    /// The user chooses an item by assistive technology, the list being open or not. Closes the list first.
+    /// Does nothing if the item can't be chosen now.
+    void chooseItemAtIndex(int index);
 
 signals:
     void menuWillOpen(QObject* menu);
+    /// Comes before `activated` when an item was chosen.
     void menuDidClose(QObject* menu);
 
 protected:
     bool eventFilter(QObject* list, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void selectCurrentRow();
-    void actOnSelection(const QItemSelection& selected);
+    void tellThatMenuClosed();
+    void showCurrentRow();
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;

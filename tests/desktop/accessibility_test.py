@@ -5,6 +5,7 @@ it there. What is done has to reach the device, whose requests the demo prints."
 import os
 import subprocess
 import sys
+import threading
 import traceback
 
 import gi
@@ -12,7 +13,7 @@ import gi
 from desktop import Program, X11, wait_for
 
 gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
+from gi.repository import Atspi, GLib  # noqa: E402
 
 # role, name, description, value of whatever is operated or shows a value
 EXPECTED = {
@@ -111,6 +112,21 @@ def operate(reader):
     assert slider("Microphone volume").get_current_value() == 200
 
 
+def hear(desktop):
+    """A new level is an event, for whoever doesn't poll: of the pop-up and of the chosen item."""
+    heard = set()
+    listener = Atspi.EventListener.new(lambda event: heard.add((event.type, event.source.get_name(), event.detail1)))
+    for kind in ("selection-changed", "property-change:accessible-value", "state-changed:selected"):
+        listener.register("object:" + kind)
+    threading.Timer(1, desktop.key, ["alt", "r"]).start()
+    threading.Timer(1.5, desktop.key, ["Up"]).start()
+    GLib.timeout_add(3000, Atspi.event_quit)
+    Atspi.event_main()
+    expected = {("object:selection-changed", "Record quality", 0), ("object:state-changed:selected", "Middle", 1)}
+    assert expected <= heard, heard
+    print("a new level is heard")
+
+
 def main():
     if "TAVRO_OWN_BUS" not in os.environ:  # a bus of its own, which ends with it
         return subprocess.run(["dbus-run-session", "--", sys.executable, *sys.argv], stderr=subprocess.DEVNULL,
@@ -122,6 +138,7 @@ def main():
             reader = Reader(program)
             read(reader)
             operate(reader)
+            hear(desktop)
             act(reader.find("push button", "Quit"), "Press")
             faults = program.faults_after_end()
             assert not faults, faults

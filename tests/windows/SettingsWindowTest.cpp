@@ -29,12 +29,123 @@ bool showsStars(const SettingsWindow& settings, const char* image) {
     return !expected.isNull() && settings.control<QLabel>("QualityImage").pixmap().toImage() == expected;
 }
 
-void chooseItem(SettingsWindow& settings, int index) {
-    auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
-    popUp.showPopup();
-    popUp.view()->setCurrentIndex(popUp.model()->index(index, 0));
-    QTest::keyClick(popUp.view(), Qt::Key_Return);
-}
+/// A pop-up and the hands that can be laid on it.
+struct Hands {
+    CustomPopUpButton& popUp;
+
+    [[nodiscard]] QAbstractItemView& list() const { return *popUp.view(); }
+    [[nodiscard]] QPoint row(int index) const { return list().visualRect(popUp.model()->index(index, 0)).center(); }
+    void open() const { QTest::keyClick(&popUp, Qt::Key_Space); }
+    void keys(const std::vector<Qt::Key>& pressed) const {
+        for (const Qt::Key key : pressed)
+            QTest::keyClick(list().isVisible() ? static_cast<QWidget*>(&list()) : &popUp, key);
+    }
+    void assistive(int index, const QString& action) const {
+        QAccessible::queryAccessibleInterface(&list())->child(index)->actionInterface()->doAction(action);
+    }
+    static void wheel(QWidget& over) {
+        QWheelEvent turned({9, 9}, over.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&over, &turned);
+    }
+};
+
+using PopUpAction = std::function<void(const Hands&)>;
+/// What is done to the pop-up, which shows Middle, and the level that is then in the device; -1: no request follows.
+const std::vector<std::tuple<const char*, PopUpAction, int>> kPopUpActions{
+    {"click, click",
+        [](const Hands& h) {
+            QTest::mouseClick(&h.popUp, Qt::LeftButton);
+            QTest::mouseMove(h.list().viewport(), h.row(1), 9);
+            QTest::mouseMove(h.list().viewport(), h.row(2));
+            QTest::mouseClick(h.list().viewport(), Qt::LeftButton, {}, h.row(2));
+        },
+        2},
+    {"press, drag, release",
+        [](const Hands& h) {
+            QTest::mousePress(&h.popUp, Qt::LeftButton);
+            QTest::mouseMove(h.list().viewport(), h.row(1), 9);
+            QTest::mouseMove(h.list().viewport(), h.row(0), 9);
+            QTest::mouseRelease(h.list().viewport(), Qt::LeftButton, {}, h.row(0), 9);
+        },
+        0},
+    {"list, Up, Enter",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Up, Qt::Key_Return});
+        },
+        0},
+    {"list, Enter", [](const Hands& h) { h.open(), h.keys({Qt::Key_Enter}); }, 1},
+    {"Down", [](const Hands& h) { h.keys({Qt::Key_Down}); }, 2},
+    {"Up", [](const Hands& h) { h.keys({Qt::Key_Up}); }, 0},
+    {"Home", [](const Hands& h) { h.keys({Qt::Key_Home}); }, 0},
+    {"End", [](const Hands& h) { h.keys({Qt::Key_End}); }, 2},
+    {"letter", [](const Hands& h) { h.keys({Qt::Key_L}); }, 2},
+    {"browse, Escape, letter",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Down, Qt::Key_Escape, Qt::Key_H});
+        },
+        0},
+    {"assistive, closed", [](const Hands& h) { h.assistive(2, QAccessibleActionInterface::toggleAction()); }, 2},
+    {"assistive, open", [](const Hands& h) { h.open(), h.assistive(0, QAccessibleActionInterface::pressAction()); }, 0},
+    {"assistive, current", [](const Hands& h) { h.assistive(1, QAccessibleActionInterface::pressAction()); }, 1},
+    {"browse, Escape",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Up, Qt::Key_Escape});
+        },
+        -1},
+    {"browse, Escape, foreign letter",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Up, Qt::Key_Escape, Qt::Key_Z});
+        },
+        -1},
+    {"browse, press elsewhere",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Up});
+            QTest::mouseClick(h.list().window(), Qt::LeftButton, {}, {-40, 300});
+        },
+        -1},
+    {"browse, hidden by the program",
+        [](const Hands& h) {
+            h.open(), h.keys({Qt::Key_Up});
+            h.popUp.hidePopup();
+        },
+        -1},
+    {"foreign letter", [](const Hands& h) { h.keys({Qt::Key_Z}); }, -1},
+    {"wheel",
+        [](const Hands& h) {
+            h.popUp.clearFocus(), Hands::wheel(h.popUp);
+            h.popUp.setFocus(), Hands::wheel(h.popUp);
+            h.open(), Hands::wheel(*h.list().viewport()), h.keys({Qt::Key_Escape});
+        },
+        -1},
+    {"the list's selection",
+        [](const Hands& h) { // as newer toolkits move it by themselves
+            h.list().selectionModel()->select(h.popUp.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
+            h.popUp.hide(), h.popUp.show();
+            h.open(), h.keys({Qt::Key_Escape});
+        },
+        -1},
+    {"filled and selected by the program",
+        [](const Hands& h) {
+            h.popUp.removeAllItems();
+            h.popUp.addItemsWithTitles({"One", "Two", "Three", "Four"});
+            for (const int index : {3, -1, 9, 2}) h.popUp.selectItemAtIndex(index);
+        },
+        -1},
+    {"empty, opened", [](const Hands& h) { h.popUp.removeAllItems(), h.popUp.showPopup(); }, -1},
+    {"another look",
+        [](const Hands& h) {
+            h.popUp.setFont(QFont("DejaVu Sans", 30));
+            h.popUp.setPalette(Qt::yellow);
+            h.popUp.setStyle(QApplication::style());
+            for (const auto type : {QEvent::LanguageChange, QEvent::LocaleChange, QEvent::ScreenChangeInternal}) {
+                QEvent change(type);
+                QCoreApplication::sendEvent(&h.popUp, &change);
+                QCoreApplication::sendEvent(&h.list(), &change);
+            }
+            h.popUp.hide(), h.popUp.show();
+        },
+        -1},
+};
 
 QPoint knob(const QSlider& slider, int value) {
     const int travel = slider.width() - 6 - 15;
@@ -47,7 +158,10 @@ class SettingsWindowTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { setUpApplication(*qApp); }
+    void initTestCase() {
+        setUpApplication(*qApp);
+        QApplication::setDoubleClickInterval(5); // so long a press that opens a list is no click in it
+    }
     void init() { SimulatedHost::reset(); }
 
     void startUpShowsTheDevice() {
@@ -158,24 +272,35 @@ private slots:
         QCOMPARE(device().settings[9], 1);
     }
 
-    void popUpActsAlsoOnTheSameItem() {
-        SettingsWindow settings;
+    void onlyAChoiceActs_data() {
+        QTest::addColumn<std::size_t>("row");
+        for (std::size_t i = 0; i < kPopUpActions.size(); ++i) QTest::newRow(std::get<0>(kPopUpActions[i])) << i;
+    }
+    void onlyAChoiceActs() {
+        QFETCH(std::size_t, row);
+        const auto& [name, act, level] = kPopUpActions[row];
+        QString menu; // "o" for opening, "c" for closing, "!" for requests
+        const SettingsWindow settings;
+        const Hands hands{settings.control<CustomPopUpButton>("PopupRecordQuality")};
+        hands.popUp.setFocus();
+        connect(&hands.popUp, &CustomPopUpButton::menuWillOpen, [&] { menu += 'o'; });
+        connect(&hands.popUp, &CustomPopUpButton::menuDidClose, [&] { menu += 'c'; });
         SimulatedHost::take();
-        chooseItem(settings, 1);
-        QCOMPARE(requestsInShort(), "GET 11, GET 11, SET 11, GET 11");
-        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
-        QTest::keyClick(&popUp, Qt::Key_Down);
-        QCOMPARE(device().settings[8], 0x21);
-        QCOMPARE(settings.control("QualityImage").accessibleDescription(), "Low");
-        // As assistive technology chooses, without opening the list, and again after a key.
-        for (int time = 0; time < 2; ++time) {
-            popUp.view()->selectionModel()->select(popUp.model()->index(0, 0), QItemSelectionModel::ClearAndSelect);
-            QCOMPARE(device().settings[8], 0x01);
-            QTest::keyClick(&popUp, Qt::Key_Down);
-            QCOMPARE(device().settings[8], 0x11);
-        }
-        popUp.view()->selectionModel()->clearSelection(); // is no choice
-        QCOMPARE(popUp.currentIndex(), 1);
+        device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
+            menu += menu.endsWith('!') ? "" : "!";
+            note(request);
+        };
+        act(hands);
+        QTest::qWait(20); // what the toolkit does later
+        QCOMPARE(requestsInShort(), level < 0 ? "" : "GET 11, GET 11, SET 11, GET 11");
+        QCOMPARE(device().settings[8] >> 4, std::max(level, 0) + (level < 0 ? 1 : 0));
+        QVERIFY2(QRegularExpression("^(oc)*!?$").match(menu).hasMatch(), qPrintable(menu));
+        QVERIFY(!hands.list().isVisible());
+        QCOMPARE(hands.list().currentIndex().row(), hands.popUp.currentIndex());
+        QCOMPARE(hands.list().selectionModel()->selectedIndexes().value(0).row(), hands.popUp.currentIndex());
+        if (level < 0) return;
+        QCOMPARE(hands.popUp.currentIndex(), level);
+        QCOMPARE(settings.control("QualityImage").accessibleDescription(), hands.popUp.itemText(level));
     }
 
     void popUpIsBlackWhileOpen() {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "CustomPopUpButton.h"
+
+#include <QListView>
+
+/// The list that a pop-up opens. A class of its own so that assistive technology can be told whose it is.
+class PopUpList : public QListView {
+    Q_OBJECT
+
+public:
+    explicit PopUpList(CustomPopUpButton& popUp) : m_popUp(popUp) {}
+
+    [[nodiscard]] CustomPopUpButton& popUp() const { return m_popUp; }
+
+private:
+    CustomPopUpButton& m_popUp;
+};
