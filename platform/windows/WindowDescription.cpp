@@ -3,6 +3,7 @@
 #include "host/FatalStop.h"
 #include "windows/DescribedClasses.h"
 #include "windows/DescriptionLoader.h"
+#include "windows/ModalRun.h"
 #include "windows/UserAction.h"
 
 #include <QAction>
@@ -36,15 +37,18 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
     return object;
 }
 
-void connectHandler(QObject& control, const QString& handler, const std::array<QObject*, 2>& responders) {
+void connectHandler(const QWidget& window, QObject& control, const QString& handler,
+                    const std::array<QObject*, 2>& responders) {
     const QByteArray signature = handler.toLatin1() + "(QObject*)";
     for (QObject* responder : responders) {
         const int index = responder ? responder->metaObject()->indexOfSlot(signature.constData()) : -1;
         if (index < 0)
             continue;
         const QMetaMethod method = responder->metaObject()->method(index);
-        connectUserAction(control, [method, responder, &control] {
-            (void)method.invoke(responder, Qt::DirectConnection, Q_ARG(QObject*, &control)); // checked above
+        connectUserAction(control, [method, responder, &window, &control] {
+            if (!dropBehindModalRun(window))
+                (void)method.invoke(responder, Qt::DirectConnection,
+                                    Q_ARG(QObject*, &control)); // checked above
         });
         return;
     }
@@ -54,11 +58,11 @@ void connectHandler(QObject& control, const QString& handler, const std::array<Q
 
 void connectActions(const QWidget& window, const std::array<QObject*, 2>& responders) {
     for (QAction* action : window.actions())
-        connectHandler(*action, action->objectName(), responders);
+        connectHandler(window, *action, action->objectName(), responders);
     for (QWidget* control : window.findChildren<QWidget*>()) {
         const QVariant handler = control->property(kActionProperty);
         if (handler.isValid())
-            connectHandler(*control, handler.toString(), responders);
+            connectHandler(window, *control, handler.toString(), responders);
     }
 }
 

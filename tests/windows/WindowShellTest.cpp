@@ -3,9 +3,12 @@
 #include "AboutViewController.h"
 #include "ApplicationMain.h"
 #include "OpenWindow.h"
+#include "host/Log.h"
 #include "windows/Bundle.h"
 #include "windows/ModalRun.h"
 
+#include <QAccessible>
+#include <QAction>
 #include <QClipboard>
 #include <QLibraryInfo>
 #include <QProcess>
@@ -39,6 +42,37 @@ const std::vector<std::array<const char*, 5>> kDamages{{"index", kIndex, "{", ""
     {"unknown handler", kSettings, ">ChangeHeadphoneVolume<", ">ChangeNothing<",
         ": no handler ChangeNothing for SliderHeadphoneVolume"},
     {"unknown action", kSettings, "name=\"QuitApp\"", "name=\"QuitNot\"", ": no handler QuitNot for QuitNot"}};
+
+/// All that reaches the settings window's controls while another window runs modally.
+void meddle(const SettingsWindow& settings) {
+    const auto assistive = [&](const char* name) {
+        return QAccessible::queryAccessibleInterface(&settings.control(name));
+    };
+    assistive("SliderMicrophoneVolume")->valueInterface()->setCurrentValue(3);
+    for (const char* button : {"HdcpOnButton", "HdcpOffButton", "AboutButton", "QuitButton"})
+        assistive(button)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    assistive("HdcpOnButton")->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+    assistive("PopupRecordQuality")
+        ->child(0)
+        ->child(2)
+        ->actionInterface()
+        ->doAction(QAccessibleActionInterface::pressAction());
+    popUp.showPopup();
+    QTest::keyClick(&popUp, Qt::Key_End);
+    QTest::keyClick(&settings.control("SliderHmdiAuxVolume"), Qt::Key_Home);
+    for (QAction* action : settings.window().actions()) action->trigger();
+}
+
+/// What the settings window's controls show.
+std::string shown(const SettingsWindow& settings) {
+    QString values;
+    for (const QWidget* control : settings.window().findChildren<QWidget*>()) {
+        if (const QMetaProperty edited = control->metaObject()->userProperty(); edited.isValid())
+            values += edited.read(control).toString() + ' ';
+    }
+    return values.toStdString();
+}
 
 QString aboutVersion(AppDelegate& delegate) {
     QString shown;
@@ -86,6 +120,53 @@ private slots:
             QVERIFY(shown);
             QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
         }
+    }
+
+    void theSettingsWindowIsInertBehindAnother_data() {
+        QTest::addColumn<bool>("alert");
+        QTest::newRow("About") << false;
+        QTest::newRow("alert after a failed reconnect") << true;
+    }
+    void theSettingsWindowIsInertBehindAnother() {
+        QFETCH(bool, alert);
+        const ChildEnd end = runInChild([alert] {
+            SettingsWindow settings;
+            auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
+            QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
+            if (alert) device().unplug();
+            const std::string before = shown(settings);
+            whenShown(alert ? "AlertWindow" : "AboutWindow", [&](QWidget& small) {
+                SimulatedHost::take();
+                meddle(settings);
+                QTest::qWait(600); // a groove that is held repeats after half a second
+                QVERIFY(small.isVisible());
+                for (const auto& entry : SimulatedHost::takeRequests()) systemLog("%s", entry.c_str());
+                systemLog(shown(settings) == before ? "inert" : "%s", shown(settings).c_str());
+                small.close();
+            });
+            if (alert) settings.view().TurnOffHdcp(nullptr);
+            else settings.delegate.ShowAboutWindow(nullptr);
+            QTest::qWait(150); // nor does it repeat afterwards
+            systemLog("%d", groove.value());
+            std::_Exit(98);
+        });
+        QCOMPARE(end.status, alert ? 0 : 98);
+        const auto& journal = end.journal;
+        QVERIFY(std::ranges::find(journal, "log inert") == journal.end() - (alert ? 1 : 2));
+        if (!alert) QCOMPARE(journal.back(), "log 144"); // a page above the device's 128
+    }
+
+    void aHeldKeyDoesNotDismiss() {
+        const SettingsWindow settings;
+        whenShown(QStringLiteral("AlertWindow"), [](QWidget& alert) {
+            for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape}) {
+                for (const bool pressed : {true, false, true, false})
+                    QTest::simulateEvent(alert.focusWidget(), pressed, key, {}, {}, true);
+                QVERIFY2(alert.isVisible(), qPrintable(QKeySequence(key).toString()));
+            }
+            QTest::keyClick(alert.focusWidget(), Qt::Key_Return); // pressed anew, which ends the run
+        });
+        settings.view().showAlertWindow(nullptr);
     }
 
     void theAlertsTextCanBeCopied() {
