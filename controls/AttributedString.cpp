@@ -18,6 +18,16 @@ qsizetype perceivedCharacters(const QString& string) {
     return count;
 }
 
+void removeUnit(AttributedString& text, qsizetype index) {
+    text.string.remove(index, 1);
+    for (QTextLayout::FormatRange& range : text.colors) {
+        if (range.start > index)
+            --range.start;
+        else if (range.start + range.length > index)
+            --range.length;
+    }
+}
+
 } // namespace
 
 void AttributedString::addColor(qsizetype start, qsizetype length, const QColor& color) {
@@ -52,21 +62,18 @@ AttributedString createAttributedString(const QString& fullString, const QColor&
 }
 
 AttributedString withMnemonic(const AttributedString& title, bool underline) {
-    const qsizetype mark = title.string.indexOf(u'&');
     AttributedString shown = title;
-    if (mark < 0 || mark + 1 == title.string.size())
-        return shown;
-    shown.string.remove(mark, 1);
-    for (QTextLayout::FormatRange& range : shown.colors) {
-        if (range.start > mark)
-            --range.start;
-        else if (range.start + range.length > mark)
-            --range.length;
+    qsizetype mnemonic = -1;
+    for (qsizetype mark = shown.string.indexOf(u'&'); mark >= 0 && mark + 1 < shown.string.size();
+         mark = shown.string.indexOf(u'&', mark + 1)) {
+        removeUnit(shown, mark);
+        if (mnemonic < 0 && shown.string[mark] != u'&') // doubled, it is the character itself
+            mnemonic = mark;
     }
-    if (underline) {
+    if (underline && mnemonic >= 0) {
         QTextCharFormat format;
         format.setFontUnderline(true); // its colour comes from the range that it stands in
-        shown.colors.append({static_cast<int>(mark), 1, format});
+        shown.colors.append({static_cast<int>(mnemonic), 1, format});
     }
     return shown;
 }

@@ -34,7 +34,7 @@ Q_DECLARE_METATYPE(AttributedString)
                                                       const QColor& subStringColor);
 
 /// What is shown of a title with a mnemonic mark: the "&" is taken out and the character after it is
-/// underlined if asked for.
+/// underlined if asked for. "&&" shows a plain "&".
 [[nodiscard]] AttributedString withMnemonic(const AttributedString& title, bool underline);
 
 /// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. What has no
