@@ -12,11 +12,13 @@
 #include <QStyledItemDelegate>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int kAttributedTitle = Qt::UserRole;
+constexpr double kLineWidth = 1.0;
 constexpr double kFocusFrameWidth = 2.0;
 constexpr double kFocusFrameRadius = 3.0;
 constexpr QRectF kFocusFrame(3, 3, 133, 22);
@@ -29,6 +31,29 @@ QColor lightColor() {
 
 QColor lineColor() {
     return deviceColor(0.75, 0.15, 0.15, 1.0);
+}
+
+/// The device pixels that a rectangle covers by half or more: what is filled there is sharp at every scale.
+QRect devicePixels(const QPainter& context, const QRectF& box) {
+    const QRectF covered = context.deviceTransform().mapRect(box);
+    const QPoint corner(qRound(covered.left()), qRound(covered.top()));
+    return {corner, QPoint(qRound(covered.right()) - 1, qRound(covered.bottom()) - 1)};
+}
+
+/// How many device pixels wide a line is at the painter's scale.
+int lineWidth(const QPainter& context) {
+    return std::max(1, qRound(kLineWidth * context.deviceTransform().m11()));
+}
+
+void fillPixels(QPainter& context, const QRect& pixels) {
+    context.fillRect(context.deviceTransform().inverted().mapRect(QRectF(pixels)), lineColor());
+}
+
+void drawBorder(QPainter& context) {
+    const QRect face = devicePixels(context, QRectF(0, 0, kPopUpWidth, kPopUpHeight));
+    const int width = lineWidth(context);
+    for (const QRect& side : QRegion(face) - face.adjusted(width, width, -width, -width))
+        fillPixels(context, side);
 }
 
 /// Rows of the open list: the style, which isn't told of a text, draws all but the title.
@@ -146,7 +171,15 @@ void CustomPopUpButton::wheelEvent(QWheelEvent* event) {
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
     if (!context)
         return;
-    context->setPen(QPen(lineColor(), 1.0, Qt::SolidLine, Qt::FlatCap));
+    if (Ax == Bx) {
+        QRect upright =
+            devicePixels(*context, QRectF(Ax - kLineWidth / 2, Ay, kLineWidth, By - Ay).normalized());
+        upright.setWidth(lineWidth(*context));
+        fillPixels(*context, upright);
+        return;
+    }
+    context->setRenderHint(QPainter::Antialiasing);
+    context->setPen(QPen(lineColor(), kLineWidth, Qt::SolidLine, Qt::FlatCap));
     context->drawLine(QPointF(Ax, Ay), QPointF(Bx, By));
 }
 
@@ -183,13 +216,7 @@ void CustomPopUpButton::drawDecorations(QPainter& context) const {
         Line(&context, line.Ax, line.Ay, line.Bx, line.By);
     };
     stroke(kDivider);
-    context.setRenderHint(QPainter::Antialiasing); // what follows is slanted or round
     for (const PopUpLine& line : kChevrons)
         stroke(line);
-    // As fills, so that the border is as wide as a point at every scale.
-    const QRectF face(0, 0, kPopUpWidth, kPopUpHeight);
-    for (const QRectF& side :
-         {QRectF(face.topLeft(), QSizeF(face.width(), 1)), QRectF(face.topLeft(), QSizeF(1, face.height())),
-          QRectF(0, face.bottom() - 1, face.width(), 1), QRectF(face.right() - 1, 0, 1, face.height())})
-        context.fillRect(side, lineColor());
+    drawBorder(context);
 }
