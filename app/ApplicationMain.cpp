@@ -42,6 +42,9 @@ QPalette darkPalette() {
     set(QPalette::ButtonText, "#D0D0D1");
     set(QPalette::Highlight, "#C92A30");
     set(QPalette::HighlightedText, "#FFFFFF");
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    set(QPalette::Accent, "#C92A30"); // it would be the desktop's
+#endif
     set(QPalette::PlaceholderText, "#9AA0AA");
     set(QPalette::ToolTipBase, "#F3F1F0");
     set(QPalette::ToolTipText, "#141619");
@@ -77,6 +80,7 @@ void registerApplicationClasses() {
     registerDescribedClass<MyImageView>();
     registerDescribedClass<AlertImageView>();
     registerDescribedClass<AboutImageView>();
+    registerDescribedClass<MirroredImageView>();
     registerDescribedClass<CustomPopUpButton>();
     registerDescribedClass<CustomSliderCell>();
     registerDescribedClass<CustomSliderCell2>();

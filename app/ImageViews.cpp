@@ -1,10 +1,26 @@
 #include "ImageViews.h"
 
+#include <QApplication>
 #include <QLayout>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QWindow>
+
+namespace {
+
+/// At its own size and its label's alignment; both mirrored where the layout runs from right to left.
+void drawPicture(QLabel& label) {
+    const QPixmap picture = label.pixmap();
+    const QRect place = QStyle::alignedRect(Qt::LeftToRight, label.alignment(),
+                                            picture.deviceIndependentSize().toSize(), label.rect());
+    QPainter painter(&label);
+    if (label.isRightToLeft())
+        painter.setWorldTransform(QTransform(-1, 0, 0, 1, label.width(), 0));
+    painter.drawPixmap(place.topLeft(), picture);
+}
+
+} // namespace
 
 QSize BackgroundImageView::sizeHint() const {
     return layout() ? layout()->sizeHint() : QLabel::sizeHint();
@@ -15,16 +31,35 @@ QSize BackgroundImageView::minimumSizeHint() const {
 }
 
 void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
-    const QPixmap picture = pixmap();
-    // The picture's bright corner stays where it was drawn, also in right-to-left languages.
-    const QRect place =
-        QStyle::alignedRect(Qt::LeftToRight, alignment(), picture.deviceIndependentSize().toSize(), rect());
-    QPainter(this).drawPixmap(place.topLeft(), picture);
+    drawPicture(*this); // its bright corner is not where the window's heading begins
 }
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow())
         return QLabel::mousePressEvent(event);
+    m_pressed = event->globalPosition();
+}
+
+// A hand is never quite still: a click alone must not move the window.
+void BackgroundImageView::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton))
+        return QLabel::mouseMoveEvent(event);
+    if ((event->globalPosition() - *m_pressed).manhattanLength() < QApplication::startDragDistance())
+        return;
+    m_pressed.reset();
+    startMove();
+}
+
+void BackgroundImageView::mouseReleaseEvent(QMouseEvent* event) {
+    m_pressed.reset();
+    QLabel::mouseReleaseEvent(event);
+}
+
+void BackgroundImageView::startMove() {
     if (QWindow* handle = window()->windowHandle())
         handle->startSystemMove(); // nothing happens without a window manager
+}
+
+void MirroredImageView::paintEvent(QPaintEvent* /*event*/) {
+    drawPicture(*this);
 }

@@ -2,8 +2,10 @@
 
 #include <QLabel>
 
-/// A background picture that holds a window's controls and drags the window. The picture keeps its size and
-/// stands at its alignment; it fades into the window's colour.
+#include <optional>
+
+/// A background picture that holds a window's controls and drags the window, also by labels and cards on it.
+/// The picture keeps its size and stands at its alignment; it fades into the window's colour.
 class BackgroundImageView : public QLabel {
     Q_OBJECT
 
@@ -19,6 +21,13 @@ protected:
 
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    /// Leaves the move of the window to the window system.
+    virtual void startMove();
+
+private:
+    std::optional<QPointF> m_pressed; ///< where on the screen, until the window moves
 };
 
 /// Background of the settings window.
@@ -43,4 +52,15 @@ class AboutImageView : public BackgroundImageView {
 
 public:
     Q_INVOKABLE explicit AboutImageView(QWidget* parent) : BackgroundImageView(parent) {}
+};
+
+/// A label whose picture is drawn mirrored where the layout runs from right to left.
+class MirroredImageView : public QLabel {
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE explicit MirroredImageView(QWidget* parent) : QLabel(parent) {}
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 };
