@@ -1,22 +1,55 @@
 #include "CustomSliderCell.h"
 
+#include "AttributedString.h"
+#include "Colors.h"
 #include "host/FatalStop.h"
+#include "windows/Bundle.h"
 
+#include <QApplication>
+#include <QFontMetricsF>
 #include <QPainterPath>
 #include <QStyleOptionSlider>
-#include <QStylePainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
-// The knob's travel and the halo that sets it off from the bar.
-constexpr int kKnobInset = 3;
-constexpr int kKnobTop = 26;
-constexpr int kKnobHeight = 17;
-constexpr double kHaloWidth = 1.0;
+constexpr double kHaloWidth = 1.0; // sets the knob off from the bar
 constexpr double kHaloRadius = 3.0;
-constexpr double kFocusRingGap = 3.0;
+constexpr double kFocusRingGap = 2.0;
 constexpr double kFocusRingWidth = 2.0;
 constexpr double kFocusRingRadius = 5.0;
+constexpr double kKnobRadius = 2.0;
+constexpr double kOutlineInset = 1.5;
+constexpr double kGlossInset = 2.5;
+constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
+constexpr int kAnglePerPixel = 2; // of devices that report nothing but pixels
+
+const QColor kKnobOutline(0x09, 0x09, 0x0B);
+const QColor kKnobGloss(255, 255, 255, 30);
+const QColor kValueColor(0x9A, 0xA0, 0xAA);
+
+QRectF grown(const QRectF& box, double by) {
+    return box.adjusted(-by, -by, by, by);
+}
+
+/// #F64D58 in the middle, or grey.
+QLinearGradient knobGradient(const QRectF& knob, bool enabled) {
+    QLinearGradient gradient(0, knob.top() + 2, 0, knob.bottom() - 2);
+    gradient.setColorAt(0, enabled ? QColor(0xFF, 0x68, 0x72) : QColor(0x72, 0x77, 0x80));
+    gradient.setColorAt(1, enabled ? QColor(0xF0, 0x3B, 0x46) : QColor(0x5C, 0x60, 0x68));
+    return gradient;
+}
+
+/// In the wheel's units; to the right and away from the user count upwards.
+int wheelDelta(const QWheelEvent& event) {
+    const QPoint angle =
+        event.angleDelta().isNull() ? event.pixelDelta() * kAnglePerPixel : event.angleDelta();
+    const int delta = std::abs(angle.y()) >= std::abs(angle.x()) ? angle.y() : -angle.x();
+    return event.inverted() ? -delta : delta;
+}
 
 } // namespace
 
@@ -53,24 +86,48 @@ void DrawnSlider::drawTickMarks(QPainter& context) const {
 /// The style sees the knob's travel only, so that painting, tracking and keys agree on where the knob is.
 void DrawnSlider::initStyleOption(QStyleOptionSlider* option) const {
     QSlider::initStyleOption(option);
-    option->rect = QRect(kKnobInset, kKnobTop, width() - 2 * kKnobInset, kKnobHeight);
+    option->rect = knobTravel(width());
+}
+
+QRect DrawnSlider::knob() const {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    return knobRect(QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(), knobWay(width()),
+                                                    option.upsideDown));
 }
 
 void DrawnSlider::drawKnob(QPainter& context) const {
-    QStyleOptionSlider option;
-    initStyleOption(&option);
-    option.subControls = QStyle::SC_SliderHandle;
-    option.state &= ~QStyle::State_HasFocus; // the ring below shows it
-    const QRectF knob = style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
-    const auto grown = [&knob](double by) { return knob.adjusted(-by, -by, by, by); };
-    const bool focused = hasFocus();
-    context.setPen(focused ? QPen(Qt::white, kFocusRingWidth) : QPen(Qt::NoPen));
+    const QRectF knob = this->knob();
     context.setBrush(palette().alternateBase());
-    if (focused)
-        context.drawRoundedRect(grown(kFocusRingGap), kFocusRingRadius, kFocusRingRadius);
-    else
-        context.drawRoundedRect(grown(kHaloWidth), kHaloRadius, kHaloRadius);
-    style()->drawComplexControl(QStyle::CC_Slider, &option, &context, this);
+    if (hasFocus()) {
+        context.setPen(QPen(Qt::white, kFocusRingWidth));
+        context.drawRoundedRect(grown(knob, kFocusRingGap), kFocusRingRadius, kFocusRingRadius);
+    } else {
+        context.setPen(Qt::NoPen);
+        context.drawRoundedRect(grown(knob, kHaloWidth), kHaloRadius, kHaloRadius);
+    }
+    context.setPen(kKnobOutline);
+    context.setBrush(knobGradient(knob, isEnabled()));
+    context.drawRoundedRect(grown(knob, -kOutlineInset), kKnobRadius, kKnobRadius);
+    context.setPen(kKnobGloss);
+    context.setBrush(Qt::NoBrush);
+    context.drawRoundedRect(grown(knob, -kGlossInset), kKnobRadius, kKnobRadius);
+}
+
+/// Of `value()`, which is what the device reported last, also while a drag is ahead of it.
+QString DrawnSlider::valueText() const {
+    const int range = std::max(1, maximum() - minimum());
+    return Localizable::tr("%1%", "Value of a slider in percent")
+        .arg(qRound(100.0 * (value() - minimum()) / range));
+}
+
+void DrawnSlider::drawValue(QPainter& context) const {
+    const QFont font = titleFont();
+    const QString text = valueText();
+    context.setFont(font);
+    context.setPen(kValueColor);
+    context.drawText(valueRect(knob(), width(), QFontMetricsF(font).horizontalAdvance(text)),
+                     Qt::AlignCenter | Qt::TextDontClip, text);
 }
 
 void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
@@ -79,4 +136,19 @@ void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
     drawBarInside(context, barRect(width()), false);
     drawTickMarks(context);
     drawKnob(context);
+    if (isEnabled() && (underMouse() || hasFocus()))
+        drawValue(context);
+}
+
+/// Counts by itself: what a touchpad sends in small steps must add up exactly, in both directions.
+void DrawnSlider::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    const bool fast = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier);
+    const int perNotch =
+        fast ? pageStep() : std::min(QApplication::wheelScrollLines() * singleStep(), pageStep());
+    m_wheelRest += wheelDelta(*event) * (invertedControls() ? -perNotch : perNotch);
+    const int steps = m_wheelRest / kNotch;
+    m_wheelRest %= kNotch;
+    if (steps != 0)
+        setValue(value() + steps);
 }

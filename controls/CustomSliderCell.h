@@ -7,8 +7,9 @@
 
 class QPainter;
 
-/// A slider in the dark style: a thin white bar with a row of ticks above it. The knob and all handling are
-/// the style's. Ticks follow the bar that was drawn last.
+/// A slider in the dark style: a thin white bar with a row of ticks above it. While it is pointed at
+/// or has the focus it shows its value above the knob. Handling is the toolkit's, but for the wheel. Ticks
+/// follow the bar that was drawn last.
 class DrawnSlider : public QSlider {
     Q_OBJECT
 
@@ -24,17 +25,24 @@ public:
     void drawTickMarks(QPainter& context) const;
 
 protected:
-    DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(parent), m_spacing(spacing) {}
+    DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(parent), m_spacing(spacing) {
+        setAttribute(Qt::WA_Hover); // is drawn again when the pointer comes and goes
+    }
 
     void paintEvent(QPaintEvent* event) override;
     void initStyleOption(QStyleOptionSlider* option) const override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
+    [[nodiscard]] QRect knob() const;
+    [[nodiscard]] QString valueText() const;
     void drawKnob(QPainter& context) const;
+    void drawValue(QPainter& context) const;
 
     TickSpacing m_spacing;
     double m_gWidth = 0;
     double m_radiusW = kKnobAllowance;
+    int m_wheelRest = 0; ///< what the wheel has turned short of a whole step; of a notch times its steps
 };
 
 /// With ticks at every twentieth of its travel.

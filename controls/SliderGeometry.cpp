@@ -1,9 +1,16 @@
 #include "SliderGeometry.h"
 
+#include <algorithm>
+
 namespace {
 
-constexpr double kBarInset = 3.0;
 constexpr double kBarTop = 33.0;
+constexpr int kSideInset = 3; // left and right of the bar and of the knob's travel: room for the focus ring
+constexpr int kTravelTop = 26;
+constexpr int kTravelHeight = 17;
+constexpr double kValueTop = 2.0;
+constexpr double kValueHeight = 16.0;
+constexpr double kSmallestStep = 1e-4; // far below what can be seen, far above the precision of a position
 
 } // namespace
 
@@ -12,7 +19,7 @@ QRectF trackRect(const QRectF& bar) {
 }
 
 QRectF barRect(int sliderWidth) {
-    return {kBarInset, kBarTop, sliderWidth - 2 * kBarInset, kTrackHeight};
+    return {kSideInset, kBarTop, sliderWidth - 2.0 * kSideInset, kTrackHeight};
 }
 
 std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpacing spacing) {
@@ -23,9 +30,27 @@ std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpa
     double x = knobAllowance / 1.9;
     while (x < barWidth) {
         positions.push_back(x);
-        if (step <= 0)
-            break; // a bar narrower than the knob: the run would never end
+        if (step < kSmallestStep)
+            break; // a bar about as narrow as the knob: the run would never end
         x += step;
     }
     return positions;
+}
+
+QRect knobTravel(int sliderWidth) {
+    return {kSideInset, kTravelTop, sliderWidth - 2 * kSideInset, kTravelHeight};
+}
+
+QRect knobRect(int offset) {
+    return {kSideInset + offset, kTravelTop + (kTravelHeight - kKnobSize) / 2, kKnobSize, kKnobSize};
+}
+
+int knobWay(int sliderWidth) {
+    return knobTravel(sliderWidth).width() - kKnobSize;
+}
+
+QRectF valueRect(const QRect& knob, int sliderWidth, double textWidth) {
+    const double centred = QRectF(knob).center().x() - textWidth / 2;
+    const double left = std::clamp(centred, 0.0, std::max(0.0, sliderWidth - textWidth));
+    return {left, kValueTop, textWidth, kValueHeight};
 }

@@ -94,6 +94,11 @@
 <context>
     <name>Localizable</name>
     <message>
+        <source>%1%</source>
+        <comment>Value of a slider in percent</comment>
+        <translation>%1&#x202f;%</translation>
+    </message>
+    <message>
         <source>VERSION</source>
         <comment>Version</comment>
         <extracomment>The program&apos;s version number follows, as in &quot;Version 1.0.0&quot;.</extracomment>

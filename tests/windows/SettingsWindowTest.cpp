@@ -3,6 +3,7 @@
 
 #include "ApplicationMain.h"
 #include "OpenWindow.h"
+#include "SliderGeometry.h"
 #include "windows/Bundle.h"
 
 #include <QAbstractItemView>
@@ -147,10 +148,7 @@ const std::vector<std::tuple<const char*, PopUpAction, int>> kPopUpActions{
         -1},
 };
 
-QPoint knob(const QSlider& slider, int value) {
-    const int travel = slider.width() - 6 - 15;
-    return {3 + 7 + travel * value / 255, 34};
-}
+QPoint knob(const QSlider& slider, int value) { return knobRect(knobWay(slider.width()) * value / 255).center(); }
 
 } // namespace
 
