@@ -7,6 +7,7 @@
 
 void AttributedRadioButton::setAttributedTitle(const AttributedString& title) {
     m_title = title;
+    setFont(title.font); // what is drawn is what the button makes room for
     setText(title.string);
     update();
 }
