@@ -4,23 +4,20 @@
 
 using namespace udevSearch;
 
-KernelDriver findKernelDriver(unsigned bus, unsigned address, unsigned interface) {
+KernelDriver findKernelDriver(const std::string& path) {
     const Udev context(udev_new());
-    if (!context)
+    const Device interface = deviceAt(context, path);
+    if (!interface)
         return {};
-    const Device device =
-        Search(context.get(), "usb").with("busnum", "%u", bus).with("devnum", "%u", address).first();
-    if (!device)
-        return {};
-    const Device part =
-        Search(context.get(), "usb", device.get()).with("bInterfaceNumber", "%02x", interface).first();
-    if (!part)
-        return {};
-    KernelDriver driver{orEmpty(udev_device_get_driver(part.get())), {}, 0};
-    // Index 0 takes pictures; the node with index 1 carries metadata and answers no control request.
-    if (const Device node = Search(context.get(), "video4linux", part.get()).with("index", "%u", 0).first()) {
-        driver.captureNode = orEmpty(udev_device_get_devnode(node.get()));
-        driver.captureDevice = udev_device_get_devnum(node.get());
+    KernelDriver driver{orEmpty(udev_device_get_driver(interface.get())), {}};
+    for (const std::string& folder : foldersWith(context, "video4linux", "index", interface.get())) {
+        const Device node = deviceAt(context, folder);
+        // Index 0 captures; the node with index 1 carries metadata and answers no control request.
+        if (!node || numberIn(node, "index", 10) != 0)
+            continue;
+        driver.captureNode = {orEmpty(udev_device_get_devnode(node.get())),
+                              udev_device_get_devnum(node.get()), SysfsFolder(folder)};
+        break;
     }
     return driver;
 }

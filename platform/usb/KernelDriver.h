@@ -1,17 +1,23 @@
 #pragma once
 
-#include <cstdint>
+#include "SysfsFolder.h"
+
 #include <string>
 
 #include <sys/types.h>
 
-/// Who holds an interface of a device in the kernel, as sysfs shows it now. Asking needs no rights.
-struct KernelDriver {
-    std::string name;        ///< empty: none
-    std::string captureNode; ///< device node that the driver made for the picture; empty: none
-    dev_t captureDevice = 0; ///< its number
+/// The device node that the kernel's UVC driver made for the video of an interface.
+struct CaptureNode {
+    std::string path;   ///< empty: none
+    dev_t number = 0;   ///< belongs to this node as long as its folder exists
+    SysfsFolder folder; ///< goes when the device is unplugged and when the driver lets go of it
 };
 
-/// `bus` and `address` are where the device stands on the USB, `interface` the number in its descriptor. All
-/// is looked up afresh: after a re-plug the node has another name.
-[[nodiscard]] KernelDriver findKernelDriver(unsigned bus, unsigned address, unsigned interface);
+/// Which driver holds an interface in the kernel, as sysfs shows it now. Asking needs no rights.
+struct KernelDriver {
+    std::string name; ///< empty: none
+    CaptureNode captureNode;
+};
+
+/// `path` is the interface's folder in sysfs. All is looked up afresh.
+[[nodiscard]] KernelDriver findKernelDriver(const std::string& path);

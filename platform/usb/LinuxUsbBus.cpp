@@ -11,9 +11,15 @@ using namespace udevSearch;
 
 namespace {
 
-unsigned numberIn(udev_device* device, const char* attribute, int base) {
-    return static_cast<unsigned>(
-        std::strtoul(orEmpty(udev_device_get_sysattr_value(device, attribute)).c_str(), nullptr, base));
+std::uint8_t byteIn(const Device& device, const char* attribute, int base) {
+    return static_cast<std::uint8_t>(numberIn(device, attribute, base));
+}
+
+bool matches(const UsbFindInterfaceRequest& request, const Device& interface) {
+    return admits(request.bInterfaceClass, byteIn(interface, "bInterfaceClass", 16))
+           && admits(request.bInterfaceSubClass, byteIn(interface, "bInterfaceSubClass", 16))
+           && admits(request.bInterfaceProtocol, byteIn(interface, "bInterfaceProtocol", 16))
+           && admits(request.bAlternateSetting, byteIn(interface, "bAlternateSetting", 10));
 }
 
 class LinuxDevice : public UsbDevice {
@@ -45,48 +51,48 @@ UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
 UsbYield<UsbIterator<UsbInterface>>
 LinuxDevice::CreateInterfaceIterator(const UsbFindInterfaceRequest& request) {
     const Udev context(udev_new());
-    const Device device(context ? udev_device_new_from_syspath(context.get(), m_device.folder.c_str())
-                                : nullptr);
+    const Device device = deviceAt(context, m_device.path);
     if (!device)
         return {UsbCode::NoDevice, nullptr};
-    Search search(context.get(), "usb", device.get());
-    for (const auto& [attribute, format, wanted] :
-         {std::tuple("bInterfaceClass", "%02x", request.bInterfaceClass),
-          {"bInterfaceSubClass", "%02x", request.bInterfaceSubClass},
-          {"bInterfaceProtocol", "%02x", request.bInterfaceProtocol},
-          {"bAlternateSetting", "%2u", request.bAlternateSetting}}) {
-        if (wanted != UsbFindInterfaceRequest::kMatchAny)
-            search.with(attribute, format, wanted);
-    }
     auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
-    for (const std::string& folder : search.with("bInterfaceNumber").folders()) {
-        if (folder.substr(0, folder.rfind('/')) != m_device.folder)
-            continue; // of a device behind this hub
-        const Device interface(udev_device_new_from_syspath(context.get(), folder.c_str()));
-        if (!interface)
-            continue; // gone meanwhile
-        const auto number = static_cast<std::uint8_t>(numberIn(interface.get(), "bInterfaceNumber", 16));
+    for (const std::string& path : foldersWith(context, "usb", "bInterfaceNumber", device.get())) {
+        const Device interface = deviceAt(context, path);
+        if (!interface || path.substr(0, path.rfind('/')) != m_device.path)
+            continue; // gone by now, or of a device behind this hub
+        if (!matches(request, interface))
+            continue;
         iterator->add(std::make_unique<ChainService<UsbInterface>>(
-            [plugged = m_device, number]() -> UsbYield<UsbInterface> {
-                return {UsbCode::Success, std::make_unique<LinuxUsbInterface>(plugged, number)};
+            [plugged = m_device, path,
+             number = byteIn(interface, "bInterfaceNumber", 16)]() -> UsbYield<UsbInterface> {
+                return {UsbCode::Success, std::make_unique<LinuxUsbInterface>(plugged, path, number)};
             }));
     }
     return {UsbCode::Success, std::move(iterator)};
 }
 
-std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(udev* context, Search& search) {
+std::unique_ptr<UsbService<UsbDevice>> serviceOf(const Device& device, const std::string& path,
+                                                 std::shared_ptr<const SysfsFolder> folder) {
+    const PluggedDevice plugged{std::move(folder),
+                                path,
+                                orEmpty(udev_device_get_sysname(device.get())),
+                                orEmpty(udev_device_get_devnode(device.get())),
+                                udev_device_get_devnum(device.get()),
+                                numberIn(device, "busnum", 10)};
+    return std::make_unique<ChainService<UsbDevice>>([plugged]() -> UsbYield<UsbDevice> {
+        return {UsbCode::Success, std::make_unique<LinuxDevice>(plugged)};
+    });
+}
+
+/// What is plugged in and meets the condition.
+template <class Condition>
+std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(Condition condition) {
+    const Udev context(udev_new());
     std::vector<std::unique_ptr<UsbService<UsbDevice>>> found;
-    for (const std::string& folder : search.with("devnum").folders()) {
-        const Device device(udev_device_new_from_syspath(context, folder.c_str()));
-        if (!device)
-            continue; // gone meanwhile
-        const PluggedDevice plugged{folder, orEmpty(udev_device_get_sysname(device.get())),
-                                    orEmpty(udev_device_get_devnode(device.get())),
-                                    numberIn(device.get(), "busnum", 10),
-                                    numberIn(device.get(), "devnum", 10)};
-        found.push_back(std::make_unique<ChainService<UsbDevice>>([plugged]() -> UsbYield<UsbDevice> {
-            return {UsbCode::Success, std::make_unique<LinuxDevice>(plugged)};
-        }));
+    for (const std::string& path : foldersWith(context, "usb", "devnum")) {
+        auto folder = std::make_shared<const SysfsFolder>(path); // before all that is read by path
+        const Device device = deviceAt(context, path);
+        if (device && condition(device)) // or gone by now
+            found.push_back(serviceOf(device, path, std::move(folder)));
     }
     return found;
 }
@@ -94,24 +100,17 @@ std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(udev* context, Sear
 class LinuxUsbBus : public UsbBus {
 public:
     UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
-        const Udev context(udev_new());
-        if (!context)
-            return {UsbCode::NoDevice, nullptr};
-        Search search(context.get(), "usb");
-        auto found = services(context.get(),
-                              search.with("idVendor", "%04x", vendor).with("idProduct", "%04x", product));
+        auto found = services([&](const Device& device) {
+            return numberIn(device, "idVendor", 16) == vendor && numberIn(device, "idProduct", 16) == product;
+        });
         if (found.empty())
             return {UsbCode::NoDevice, nullptr};
         return {UsbCode::Success, std::move(found.front())};
     }
 
     UsbYield<UsbIterator<UsbDevice>> allServices() override {
-        const Udev context(udev_new());
-        if (!context)
-            return {UsbCode::NoDevice, nullptr};
-        Search search(context.get(), "usb");
         auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
-        for (auto& service : services(context.get(), search))
+        for (auto& service : services([](const Device&) { return true; }))
             iterator->add(std::move(service));
         return {UsbCode::Success, std::move(iterator)};
     }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <array>
-#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,49 +23,33 @@ inline std::string orEmpty(const char* text) {
     return text ? text : "";
 }
 
-/// A search in one subsystem, below `parent` if that is given.
-class Search {
-public:
-    Search(udev* context, const char* subsystem, udev_device* parent = nullptr)
-        : m_context(context), m_enumerate(udev_enumerate_new(context)) {
-        (void)udev_enumerate_add_match_subsystem(m_enumerate.get(), subsystem);
-        if (parent)
-            (void)udev_enumerate_add_match_parent(m_enumerate.get(), parent);
-    }
-    /// That have the attribute.
-    Search& with(const char* attribute) {
-        (void)udev_enumerate_add_match_sysattr(m_enumerate.get(), attribute, nullptr);
-        return *this;
-    }
-    /// Whose attribute is this number in this format.
-    Search& with(const char* attribute, const char* format, unsigned value) {
-        std::array<char, 16> text{};
-        (void)std::snprintf(text.data(), text.size(), format, value); // numbers of at most 10 digits
-        (void)udev_enumerate_add_match_sysattr(m_enumerate.get(), attribute, text.data());
-        return *this;
-    }
-    /// The first that was found, absent if none was.
-    Device first() {
-        udev_list_entry* entry = scan();
-        return Device(entry ? udev_device_new_from_syspath(m_context, udev_list_entry_get_name(entry))
-                            : nullptr);
-    }
-    /// The folders in sysfs of all that were found.
-    std::vector<std::string> folders() {
-        std::vector<std::string> found;
-        for (udev_list_entry* entry = scan(); entry; entry = udev_list_entry_get_next(entry))
-            found.emplace_back(udev_list_entry_get_name(entry));
+/// The device of a folder, absent if it is gone.
+inline Device deviceAt(const Udev& context, const std::string& folder) {
+    return Device(context ? udev_device_new_from_syspath(context.get(), folder.c_str()) : nullptr);
+}
+
+/// An attribute's number, 0 if there is none.
+inline unsigned numberIn(const Device& device, const char* attribute, int base) {
+    return static_cast<unsigned>(
+        std::strtoul(orEmpty(udev_device_get_sysattr_value(device.get(), attribute)).c_str(), nullptr, base));
+}
+
+/// The folders of all devices of a subsystem that have the attribute, below `parent` if that is given.
+inline std::vector<std::string> foldersWith(const Udev& context, const char* subsystem, const char* attribute,
+                                            udev_device* parent = nullptr) {
+    const Enumerate enumerate(context ? udev_enumerate_new(context.get()) : nullptr);
+    std::vector<std::string> found;
+    if (!enumerate)
         return found;
-    }
-
-private:
-    udev_list_entry* scan() {
-        (void)udev_enumerate_scan_devices(m_enumerate.get());
-        return udev_enumerate_get_list_entry(m_enumerate.get());
-    }
-
-    udev* m_context;
-    Enumerate m_enumerate;
-};
+    (void)udev_enumerate_add_match_subsystem(enumerate.get(), subsystem);
+    (void)udev_enumerate_add_match_sysattr(enumerate.get(), attribute, nullptr);
+    if (parent)
+        (void)udev_enumerate_add_match_parent(enumerate.get(), parent);
+    (void)udev_enumerate_scan_devices(enumerate.get());
+    for (udev_list_entry* entry = udev_enumerate_get_list_entry(enumerate.get()); entry;
+         entry = udev_list_entry_get_next(entry))
+        found.emplace_back(udev_list_entry_get_name(entry));
+    return found;
+}
 
 } // namespace udevSearch

@@ -87,10 +87,12 @@ class UsbInterface {
 public:
     virtual ~UsbInterface() = default;
     [[nodiscard]] virtual UsbResult GetInterfaceNumber(std::uint8_t& number) = 0;
-    /// Carries one request on `pipe` (always 0 here). Blocks until it is done, 5 seconds at most. Works
-    /// again after `USBInterfaceClose`.
+    /// Sends one request on `pipe` (always 0 here). Blocks until it is done: 5 seconds at most, and up to 5
+    /// more for each question that the kernel's driver asks on its own: two before it uses a control for the
+    /// first time since the device was plugged in (how long it is, and what it can do), one after a refusal
+    /// (why). Works again after `USBInterfaceClose`.
     [[nodiscard]] virtual UsbResult ControlRequest(std::uint8_t pipe, UsbControlRequest& request) = 0;
-    /// Closes what a request had to open. When nothing was open the result says why.
+    /// Closes what a failed request has left open. When nothing was open the result says why.
     virtual UsbResult USBInterfaceClose() = 0;
 };
 
@@ -98,7 +100,8 @@ class UsbDevice {
 public:
     virtual ~UsbDevice() = default;
     /// Where the device is plugged in: bus number in bits 31-24, then one port number per 4 bits along the
-    /// chain of hubs, the root hub's first; the rest is 0.
+    /// chain of hubs, the root hub's first; the rest is 0. Of a port number only the low 4 bits count, so
+    /// that ports 1 and 17 of one hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>>
     CreateInterfaceIterator(const UsbFindInterfaceRequest& request) = 0;

@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <span>
-#include <utility>
 
 #include <linux/usb/ch9.h>
 
@@ -85,7 +84,7 @@ void FakeKernel::plug(const FakePlug& plug) {
         text("%02x", plug.interfaceClass).c_str(), "bInterfaceSubClass", "01", "bInterfaceProtocol",
         text("%02x", plug.interfaceProtocol).c_str(), "bAlternateSetting", " 0", nullptr, "DEVTYPE",
         "usb_interface", nullptr)));
-    m_interfaces[plug.name] = m_devices.back();
+    m_interface = m_devices.back();
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged())
         device->plugIn();
@@ -94,9 +93,8 @@ void FakeKernel::plug(const FakePlug& plug) {
 
 void FakeKernel::bind(const FakePlug& plug) {
     m_driver = plug.driver;
-    const std::string& interface = m_interfaces[plug.name];
     if (!plug.driver.empty())
-        umockdev_testbed_set_attribute_link(m_testbed, interface.c_str(), "driver",
+        umockdev_testbed_set_attribute_link(m_testbed, m_interface.c_str(), "driver",
                                             ("../../../../bus/usb/drivers/" + plug.driver).c_str());
     if (plug.captureNode < 0)
         return;
@@ -104,7 +102,7 @@ void FakeKernel::bind(const FakePlug& plug) {
     for (const int index : {1, 0}) {
         const auto number = static_cast<unsigned>(plug.captureNode + index);
         m_devices.push_back(taken(umockdev_testbed_add_device(
-            m_testbed, "video4linux", text("video%u", number).c_str(), interface.c_str(), "index",
+            m_testbed, "video4linux", text("video%u", number).c_str(), m_interface.c_str(), "index",
             text("%u", static_cast<unsigned>(index)).c_str(), nullptr, "DEVNAME",
             text("/dev/video%u", number).c_str(), "MAJOR", "81", "MINOR", text("%u", number).c_str(),
             nullptr)));
@@ -114,18 +112,33 @@ void FakeKernel::bind(const FakePlug& plug) {
                                     addNode(text("/dev/video%u", static_cast<unsigned>(plug.captureNode))));
 }
 
+void FakeKernel::unbind() {
+    std::filesystem::remove(pathOf(m_interface + "/driver"));
+    m_driver.clear();
+    if (m_devices.back() == m_interface)
+        return;
+    removeNode();
+    removeDevice();
+    removeDevice();
+}
+
+void FakeKernel::removeNode() {
+    umockdev_testbed_detach_ioctl(m_testbed, m_nodes.back().c_str(), nullptr);
+    std::filesystem::remove(pathOf(m_nodes.back()));
+    m_nodes.pop_back();
+}
+
+void FakeKernel::removeDevice() {
+    umockdev_testbed_uevent(m_testbed, m_devices.back().c_str(), "remove");
+    umockdev_testbed_remove_device(m_testbed, m_devices.back().c_str());
+    m_devices.pop_back();
+}
+
 void FakeKernel::unplug() {
-    for (const std::string& node : m_nodes) {
-        umockdev_testbed_detach_ioctl(m_testbed, node.c_str(), nullptr);
-        std::filesystem::remove(pathOf(node));
-    }
-    std::ranges::for_each(m_devices.rbegin(), m_devices.rend(), [&](const std::string& path) {
-        umockdev_testbed_uevent(m_testbed, path.c_str(), "remove");
-        umockdev_testbed_remove_device(m_testbed, path.c_str());
-    });
-    m_nodes.clear();
-    m_devices.clear();
-    m_interfaces.clear();
+    while (!m_nodes.empty())
+        removeNode();
+    while (!m_devices.empty())
+        removeDevice();
     m_claimed.reset();
     m_urbs.clear();
     device->unplug();
@@ -242,8 +255,6 @@ FakeKernel::Answer FakeKernel::discard(const usbdevfs_urb* urb) {
 
 FakeKernel::Answer FakeKernel::query(uvc_xu_control_query& query) {
     calls.emplace_back("query");
-    if (queryError)
-        return {-1, *std::exchange(queryError, std::nullopt)};
     if (query.unit != 3 || query.selector < 10 || query.selector > 13)
         return {-1, ENOENT};
     const bool isGet = (query.query & kUsbDeviceToHost) != 0;

@@ -5,7 +5,6 @@
 #include <umockdev.h>
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,13 +41,14 @@ public:
     void unplug();
     /// A driver takes the interface of a device that is plugged in.
     void bind(const FakePlug& plug);
+    /// The driver of the device that was plugged in last lets go of it.
+    void unbind();
     /// From now on the user has no rights on a device node.
     void forbid(const std::string& node);
     /// Where a device node really is.
     [[nodiscard]] std::string pathOf(const std::string& node) const;
 
     std::shared_ptr<SimulatedDevice> device = std::make_shared<SimulatedDevice>();
-    std::optional<int> queryError;      ///< errno of the next query of the UVC driver, which sends nothing
     std::vector<std::string> calls;     ///< what was called: "claim 0", "transfer", "release 0", "query"
     std::vector<std::string> forbidden; ///< calls that no driver or other program would survive
 
@@ -73,12 +73,15 @@ private:
     [[nodiscard]] Answer query(uvc_xu_control_query& query);
     /// Gives the path at which the node has to be made.
     std::string addNode(const std::string& node);
+    /// Of the last one that was added.
+    void removeNode();
+    void removeDevice();
 
     UMockdevTestbed* m_testbed;
     UMockdevIoctlBase* m_handler;
     std::vector<std::string> m_devices; ///< sysfs paths, parents first
     std::vector<std::string> m_nodes;
-    std::map<std::string, std::string> m_interfaces; ///< sysfs path by the device's name
+    std::string m_interface; ///< sysfs path of the one that was plugged in last
     std::string m_driver;
     std::optional<unsigned> m_claimed;
     std::vector<Urb> m_urbs;

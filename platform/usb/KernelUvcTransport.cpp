@@ -1,14 +1,9 @@
-#include "KernelUvcRequests.h"
-
-#include "OpenResult.h"
+#include "KernelUvcTransport.h"
 
 #include <cerrno>
-#include <memory>
 
-#include <fcntl.h>
 #include <linux/uvcvideo.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -51,19 +46,7 @@ bool sendsExactly(const UsbControlRequest& request) {
 
 } // namespace
 
-UsbYield<RequestWay> KernelUvcRequests::open(const KernelDriver& driver) {
-    OpenFile node(::open(driver.captureNode.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!node)
-        return {resultOfOpen(errno), nullptr};
-    struct stat status {};
-    // The name may have gone to something else since it was looked up.
-    if (::fstat(node.get(), &status) != 0 || !S_ISCHR(status.st_mode)
-        || status.st_rdev != driver.captureDevice)
-        return {UsbCode::NoDevice, nullptr};
-    return {UsbCode::Success, std::make_unique<KernelUvcRequests>(std::move(node))};
-}
-
-UsbResult KernelUvcRequests::carry(UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+UsbResult transferThroughDriver(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
     if (!sendsExactly(request))
         return UsbCode::NotSendable;
     uvc_xu_control_query query{.unit = static_cast<std::uint8_t>(request.wIndex >> 8),
@@ -71,7 +54,7 @@ UsbResult KernelUvcRequests::carry(UsbControlRequest& request, std::span<std::ui
                                .query = request.bRequest,
                                .size = static_cast<std::uint16_t>(bytes.size()),
                                .data = bytes.data()};
-    const int done = ::ioctl(m_node.get(), UVCIOC_CTRL_QUERY, &query);
+    const int done = ::ioctl(node, UVCIOC_CTRL_QUERY, &query);
     if (done < 0)
         return resultOfQuery(errno);
     if (done > 0) { // the driver tells of a short answer by its length

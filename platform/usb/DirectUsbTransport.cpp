@@ -1,0 +1,39 @@
+#include "DirectUsbTransport.h"
+
+#include "LibusbObjects.h"
+
+namespace {
+
+constexpr unsigned kTimeout = 5000; // milliseconds, the kernel's own; 0 would wait for ever
+
+UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+    // usbfs checks the interface that wIndex names, and would claim it by itself and keep it.
+    const int named = request.wIndex & 0xFF;
+    if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success)
+        return claimed;
+    const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
+                                             request.wIndex, bytes.data(),
+                                             static_cast<std::uint16_t>(bytes.size()), kTimeout);
+    (void)libusb_release_interface(device, named); // fails only when the device is gone
+    if (done < 0)
+        return done;
+    request.wLenDone = static_cast<std::uint32_t>(done);
+    return request.wLenDone == bytes.size() ? UsbCode::Success : UsbCode::InputOutput;
+}
+
+} // namespace
+
+UsbResult transferDirectly(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+    // libusb gets this one device, and must not look at others: version 1.0.26 can loop for ever on malicious
+    // descriptors, also on those of a device that is plugged in later.
+    (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
+    libusb_context* made = nullptr;
+    if (const UsbResult result = libusb_init(&made); result != UsbCode::Success)
+        return result;
+    const LibusbContext context(made);
+    libusb_device_handle* opened = nullptr;
+    if (const UsbResult result = libusb_wrap_sys_device(made, node, &opened); result != UsbCode::Success)
+        return result;
+    const LibusbHandle handle(opened);
+    return transfer(opened, request, bytes);
+}
