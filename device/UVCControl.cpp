@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -25,6 +26,11 @@ UsbControlRequest controlRequest(std::uint8_t requestType, UVCRequest request, i
             .wLength = static_cast<std::uint16_t>(length),
             .pData = data,
             .wLenDone = 0};
+}
+
+bool fits(int length, std::span<const std::uint8_t> buffer) {
+    return length >= 0 && static_cast<std::size_t>(length) <= buffer.size()
+           && length <= std::numeric_limits<std::uint16_t>::max();
 }
 
 std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> service) {
@@ -104,9 +110,9 @@ std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInte
     return std::move(found.object);
 }
 
-std::uint8_t UVCCameraControl::getInterfaceNumberFromInterface(UsbInterface& interface) {
+std::uint8_t UVCCameraControl::getInterfaceNumberFromInterface(UsbInterface& asked) {
     std::uint8_t number = 0;
-    const UsbResult result = interface.GetInterfaceNumber(number);
+    const UsbResult result = asked.GetInterfaceNumber(number);
     if (result != UsbCode::Success)
         systemLog("Unable to get interface number (0x%08x)\n", static_cast<unsigned>(result));
     return 0;
@@ -129,15 +135,18 @@ bool UVCCameraControl::setData(std::int64_t data, int length, int selector, int 
     std::array<std::uint8_t, sizeof data> bytes{};
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<std::uint8_t>(static_cast<std::uint64_t>(data) >> (8 * i));
-    return setCurrent(bytes.data(), length, selector, unit);
+    return setCurrent(bytes, length, selector, unit);
 }
 
 bool UVCCameraControl::getDataFor(UVCRequest request, int length, int selector, int unit,
                                   std::span<std::uint8_t> ret) {
-    return sendControlRequest(controlRequest(kGetFromInterface, request, length, selector, unit, ret.data()));
+    return fits(length, ret)
+           && sendControlRequest(
+               controlRequest(kGetFromInterface, request, length, selector, unit, ret.data()));
 }
 
-bool UVCCameraControl::setCurrent(std::uint8_t* data, int length, int selector, int unit) {
-    return sendControlRequest(
-        controlRequest(kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data));
+bool UVCCameraControl::setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit) {
+    return fits(length, data)
+           && sendControlRequest(
+               controlRequest(kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data.data()));
 }

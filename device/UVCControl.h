@@ -25,6 +25,11 @@ struct UVCRange {
 /// Finds the capture device on the bus and carries class requests to the units of its VideoControl
 /// interface. Requests are synchronous; the interface is never held exclusively, so capture software goes on
 /// beside it. Failures are log lines and false results, nothing throws.
+///
+/// Some of the lines belong to steps that can't fail on Linux, where sysfs is all that is read before the
+/// first request: "QueryInterface returned", "Unable to create a plug-in", "Couldn’t create a device
+/// interface" and "Unable to get interface number". "IOCreatePlugInInterfaceForService returned" then means
+/// that no such device is plugged in, always with `NoDevice`.
 class UVCCameraControl {
 public:
     UVCCameraControl() = default;
@@ -40,18 +45,22 @@ public:
 
     /// The VideoControl interface of a device, absent if it has none or it can't be had. The name's spelling
     /// "Inferace" is part of the interface.
-    [[nodiscard]] static std::unique_ptr<UsbInterface>
-    getControlInferaceWithDeviceInterface(UsbDevice& device);
+    [[nodiscard]] std::unique_ptr<UsbInterface> getControlInferaceWithDeviceInterface(UsbDevice& device);
     /// Asks the interface for its number and drops it: requests carry interface number 0, always.
     /// Returns 0.
-    static std::uint8_t getInterfaceNumberFromInterface(UsbInterface& interface);
+    std::uint8_t getInterfaceNumberFromInterface(UsbInterface& asked);
 
-    /// Carries one request as it stands. After a failure the interface is closed but kept, and the next
-    /// request is tried on it again. Blocks, 5 seconds at most.
+    /// Sends one request as it stands. After a failure the interface is closed but kept, and the next
+    /// request is tried on it again. Blocks as long as `UsbInterface::ControlRequest`. On Linux requests of
+    /// more than 64 bytes are refused.
     [[nodiscard]] bool sendControlRequest(UsbControlRequest request);
+
+    // A length that is negative, beyond the caller's data or more than wLength holds: false, and nothing is
+    // sent or logged.
+
     /// SET_CUR of the low `length` (1 to 8) bytes of `data`, little-endian.
     [[nodiscard]] bool setData(std::int64_t data, int length, int selector, int unit);
-    /// A GET of `length` bytes into `ret`, which holds at least as many and is left alone by a failure.
+    /// A GET of `length` bytes into the start of `ret`, which is left alone by a failure.
     [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit,
                                   std::span<std::uint8_t> ret);
 
@@ -60,8 +69,9 @@ public:
 
     /// 1 for each limit that the device answered, 0 for one that it did not.
     [[nodiscard]] UVCRange getRangeForControl(const UVCControlInfo& control);
-    /// Linear; a source range of zero width gives what floating point gives (infinity or NaN).
-    [[nodiscard]] static float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);
+    /// Linear, each step rounded to single precision. A source range of zero width gives what floating point
+    /// gives (infinity or NaN).
+    [[nodiscard]] float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);
     [[nodiscard]] float getValueForControl(const UVCControlInfo& control);
     [[nodiscard]] bool setValue(float value, const UVCControlInfo& control);
     /// First byte of the vendor status block; no defined value after a failed read.
@@ -87,8 +97,8 @@ public:
     [[nodiscard]] bool getAutoWhiteBalance();
 
 protected:
-    /// SET_CUR of the first `length` bytes at `data`.
-    [[nodiscard]] bool setCurrent(std::uint8_t* data, int length, int selector, int unit);
+    /// SET_CUR of the first `length` bytes of `data`.
+    [[nodiscard]] bool setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit);
 
 private:
     [[nodiscard]] bool getAndDrop(UVCRequest request, const UVCControlInfo& control);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -38,10 +39,14 @@ constexpr std::array<UVCControlInfo, 10> uvc_controls{{
 constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
 constexpr int kAutoExposureOff = 1; // manual
 
-constexpr std::size_t kLargestControl = 4; // bytes
-
 int asInt(std::uint32_t number) {
     return static_cast<int>(number);
+}
+
+/// A step's result in single precision, also where the processor calculates with more (i387).
+float single(float result) {
+    const volatile float stored = result;
+    return stored;
 }
 
 /// Toward zero; what no 32-bit integer can hold becomes the nearest one, NaN becomes 0.
@@ -60,7 +65,9 @@ std::int32_t truncated(float value) {
 
 /// The returned bytes are dropped: only whether the device answered is used.
 bool UVCCameraControl::getAndDrop(UVCRequest request, const UVCControlInfo& control) {
-    std::array<std::uint8_t, kLargestControl> scratch{};
+    if (control.size > std::numeric_limits<std::uint16_t>::max())
+        return false; // no request is that long
+    std::vector<std::uint8_t> scratch(control.size);
     return getDataFor(request, asInt(control.size), asInt(control.selector), asInt(control.unit), scratch);
 }
 
@@ -73,7 +80,8 @@ UVCRange UVCCameraControl::getRangeForControl(const UVCControlInfo& control) {
 }
 
 float UVCCameraControl::mapValue(float value, float fromMin, float fromMax, float toMin, float toMax) {
-    return (value - fromMin) / (fromMax - fromMin) * (toMax - toMin) + toMin;
+    const float share = single(single(value - fromMin) / single(fromMax - fromMin));
+    return single(single(share * single(toMax - toMin)) + toMin);
 }
 
 float UVCCameraControl::getValueForControl(const UVCControlInfo& control) {
@@ -89,9 +97,10 @@ bool UVCCameraControl::setValue(float value, const UVCControlInfo& control) {
 }
 
 std::uint8_t UVCCameraControl::getExtension() {
-    const auto& [unit, selector, size] = uvc_controls[Status];
-    std::array<std::uint8_t, kLargestControl> block{};
-    (void)getDataFor(UVCRequest::GET_CUR, asInt(size), asInt(selector), asInt(unit), block); // byte only
+    constexpr UVCControlInfo kStatus = uvc_controls[Status];
+    std::array<std::uint8_t, kStatus.size> block{};
+    (void)getDataFor(UVCRequest::GET_CUR, asInt(kStatus.size), asInt(kStatus.selector), asInt(kStatus.unit),
+                     block); // byte only
     return block[0];
 }
 

@@ -5,6 +5,6 @@
 /// A UVC device with units that take blocks of bytes.
 class CUvcBaseControl : public UVCCameraControl {
 public:
-    /// SET_CUR of the first `length` bytes of `data`.
+    /// SET_CUR of the first `length` bytes of `data`. A length that does not fit: false, and nothing is sent.
     [[nodiscard]] bool SetData2(std::span<std::uint8_t> data, int length, int selector, int unit);
 };

@@ -18,7 +18,6 @@ struct VolumeField {
 /// One field of the settings block. The device acts only on the field that the command byte names.
 struct SettingsField {
     std::uint8_t command;
-    std::size_t byte; ///< its first
     const char* readFailure;
     const char* writeFailure;
 };
@@ -41,12 +40,15 @@ constexpr VolumeField kHdmi{1, "HDMI vol", "setHaedphone", "GetHdmiVolume"};
 constexpr VolumeField kAux{2, "AUX vol", "setAuxVolume", "GetHdmiVolume"};
 
 // The clock and the bit rate report a failed read as "setData" too.
-constexpr SettingsField kClock{2, 2, "getExtension_SyncRtc..setData Fail!\n",
+constexpr SettingsField kClock{2, "getExtension_SyncRtc..setData Fail!\n",
                                "getExtension_SyncRtc..setData Fail!\n"};
-constexpr SettingsField kBitRate{4, 8, "getExtension_setBitRate..setData Fail! \n",
+constexpr SettingsField kBitRate{4, "getExtension_setBitRate..setData Fail! \n",
                                  "getExtension_setBitRate..setData Fail! \n"};
-constexpr SettingsField kHdcp{16, 9, "getExtension_setHdcpState..getData Fail! \n",
+constexpr SettingsField kHdcp{16, "getExtension_setHdcpState..getData Fail! \n",
                               "getExtension_setHdcpState..setData Fail! \n"};
+
+constexpr std::size_t kBitRateByte = 8;
+constexpr std::size_t kHdcpByte = 9;
 
 constexpr double kClockTolerance = 2.0; // seconds, inclusive
 constexpr double kSettlingTime = 1.0;   // seconds the device needs to take its clock or gather its versions
@@ -168,17 +170,17 @@ bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
         systemLog("%s", kBitRate.readFailure);
         return false;
     }
-    logBitRate(block[kBitRate.byte]);
+    logBitRate(block[kBitRateByte]);
     const std::uint8_t levels = lowByte(h264 << 4 | (forMJEPG & 15));
     systemLog("new video bit rate index : %d \n", levels);
-    block[kBitRate.byte] = levels;
+    block[kBitRateByte] = levels;
     return writeSettings(kBitRate, block);
 }
 
 bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG) {
     SettingsBlock block{};
     const bool read = readBlock(kSettings, block);
-    const std::uint8_t levels = block[kBitRate.byte];
+    const std::uint8_t levels = block[kBitRateByte];
     logBitRate(levels);
     if (!read)
         systemLog("getExtension_getBitRate..getData Fail! \n");
@@ -194,19 +196,19 @@ bool CVn318UvcController::SetHdcpState(int state) {
         return false;
     }
     const std::uint8_t stored = lowByte(state);
-    systemLog("[Get old]HDCP state : %d,\n", block[kHdcp.byte]);
+    systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
     systemLog("new HDCP state value : %d \n", stored);
     if (stored > 1)
         return false; // the guard against anything but on and off; it is meant to say nothing
-    block[kHdcp.byte] = stored;
+    block[kHdcpByte] = stored;
     return writeSettings(kHdcp, block);
 }
 
 bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
     SettingsBlock block{};
     const bool read = readBlock(kSettings, block);
-    systemLog("[Get old]HDCP state : %d,\n", block[kHdcp.byte]);
-    state = read ? block[kHdcp.byte] : 0;
+    systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
+    state = read ? block[kHdcpByte] : 0;
     if (!read)
         systemLog("getExtension_getHdcpState..getData Fail! \n");
     else if (state == 1)

@@ -121,12 +121,12 @@ TEST_F(Transport, InterfaceNumberIsAskedForAndDropped) {
     device().videoControlInterface = 2;
     const auto service = bus.firstService(kVendor, kProduct);
     const auto object = service.object->createPlugIn().object->QueryInterface().object;
-    const auto interface = UVCCameraControl::getControlInferaceWithDeviceInterface(*object);
+    const auto interface = control.getControlInferaceWithDeviceInterface(*object);
     ASSERT_TRUE(interface);
-    EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
+    EXPECT_EQ(control.getInterfaceNumberFromInterface(*interface), 0);
     EXPECT_THAT(SimulatedHost::take(), IsEmpty());
     bus.failStep(UsbStep::InterfaceNumber, UsbCode::NoDevice);
-    EXPECT_EQ(UVCCameraControl::getInterfaceNumberFromInterface(*interface), 0);
+    EXPECT_EQ(control.getInterfaceNumberFromInterface(*interface), 0);
     EXPECT_THAT(SimulatedHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
 }
 
@@ -161,6 +161,20 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
         ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
             "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
             "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
+}
+
+TEST_F(Transport, LengthsThatDoNotFitAreRefusedWithoutAWord) {
+    ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
+    SimulatedHost::take();
+    std::vector<std::uint8_t> block(0x20000);
+    for (const auto& [length, size] : {std::pair(-1, 7U), {8, 7U}, {0x10007, 0x20000U}}) {
+        EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, length, 13, 3, std::span(block).first(size))) << length;
+        EXPECT_FALSE(control.SetData2(std::span(block).first(size), length, 13, 3)) << length;
+        EXPECT_FALSE(control.setData(1, length == 8 ? 9 : length, 13, 3)) << length;
+    }
+    EXPECT_EQ(control.getRangeForControl({3, 13, 0x10007}).max, 0);
+    EXPECT_THAT(SimulatedHost::take(), IsEmpty());
+    EXPECT_TRUE(std::isinf(control.getValueForControl({3, 12, 26}))); // the longest block is read without its limits
 }
 
 struct CameraControl {
@@ -232,10 +246,11 @@ TEST_F(Transport, AutomaticModes) {
 }
 
 TEST_F(Transport, ScalesInSinglePrecision) {
-    EXPECT_EQ(UVCCameraControl::mapValue(0.5F, 0, 1, 10, 20), 15.0F);
-    EXPECT_EQ(UVCCameraControl::mapValue(3, 1, 5, 0, 1), 0.5F);
-    EXPECT_EQ(UVCCameraControl::mapValue(1, 0, 3, 0, 5), 1.66666675F); // divided before it is multiplied
-    EXPECT_TRUE(std::isinf(UVCCameraControl::mapValue(3, 1, 1, 0, 1)));
+    EXPECT_EQ(control.mapValue(0.5F, 0, 1, 10, 20), 15.0F);
+    EXPECT_EQ(control.mapValue(3, 1, 5, 0, 1), 0.5F);
+    EXPECT_EQ(control.mapValue(1, 0, 3, 0, 5), 1.66666675F); // divided before it is multiplied
+    EXPECT_EQ(control.mapValue(1, 0, 3, 3, 8), 4.66666698F); // with more digits on the way 4.66666651
+    EXPECT_TRUE(std::isinf(control.mapValue(3, 1, 1, 0, 1)));
     const auto [min, max] = control.getRangeForControl({2, 4, 2}); // no interface
     EXPECT_EQ(min, 0);
     EXPECT_EQ(max, 0);
