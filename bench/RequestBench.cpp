@@ -1,16 +1,18 @@
 // What one block read and one change of a setting cost through the program's layers, beside the bare kernel
-// calls on the same device: run it where tavro-virtual-device is attached to the kernel's UVC driver
-// (scripts/bench does).
+// calls on the same device, which open a node that they know, send one request and close it: run it where
+// tavro-virtual-device is attached (scripts/bench does).
 //
 //     request-bench NODE [Google Benchmark's options]
 //
-// NODE is the device's capture node, for the bare calls. Heap allocations of the whole process are counted,
-// those of libraries too. Log lines are put together as always, but not delivered: what the system log and
-// standard error cost is in none of the figures, neither the times nor the allocations.
+// NODE is the device's capture node, or without the kernel's UVC driver its node in usbfs. Heap allocations
+// of the whole process are counted, those of libraries too. Log lines are put together as always, but not
+// delivered: what the system log and standard error cost is in none of the figures, neither the times nor the
+// allocations.
 
 #include "VN318UvcController.h"
 #include "host/Clock.h"
 #include "host/Log.h"
+#include "host/OpenFile.h"
 
 #include <benchmark/benchmark.h>
 
@@ -19,8 +21,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include <fcntl.h>
+#include <linux/usbdevice_fs.h>
 #include <linux/uvcvideo.h>
 #include <sys/ioctl.h>
 
@@ -30,13 +34,24 @@ constexpr std::uint8_t kSetCur = 0x01;
 constexpr std::uint8_t kGetCur = 0x81;
 
 std::atomic<std::size_t> allocations{0}; // libraries may have threads of their own
-int node = -1;
+const char* node = "";
 std::unique_ptr<CVn318UvcController> controller;
 std::array<std::uint8_t, 7> audio{};
 
 bool query(std::uint8_t request) {
+    const OpenFile file(::open(node, O_RDWR | O_CLOEXEC));
+    if (std::string_view(node).starts_with("/dev/bus/usb/")) {
+        usbdevfs_ctrltransfer transfer{static_cast<std::uint8_t>(0x21 | (request & 0x80)),
+                                       request,
+                                       13 << 8,
+                                       3 << 8,
+                                       audio.size(),
+                                       5000,
+                                       audio.data()};
+        return ::ioctl(file.get(), USBDEVFS_CONTROL, &transfer) == static_cast<int>(audio.size());
+    }
     uvc_xu_control_query audioQuery{3, 13, request, audio.size(), audio.data()};
-    return ::ioctl(node, UVCIOC_CTRL_QUERY, &audioQuery) == 0;
+    return ::ioctl(file.get(), UVCIOC_CTRL_QUERY, &audioQuery) == 0;
 }
 
 template <class Request>
@@ -122,10 +137,11 @@ void sleepForTimeInterval(double /*seconds*/) {
 }
 
 int main(int argc, char** argv) {
-    node = argc > 1 ? ::open(argv[1], O_RDWR | O_CLOEXEC) : -1;
+    node = argc > 1 ? argv[1] : "";
     controller = CVn318UvcController::CreateInstance();
-    // The first request chooses the way.
-    if (node < 0 || !controller || !controller->getDataFor(UVCRequest::GET_CUR, audio.size(), 13, 3, audio)) {
+    // The first request finds the node.
+    if (!query(kGetCur) || !controller
+        || !controller->getDataFor(UVCRequest::GET_CUR, audio.size(), 13, 3, audio)) {
         (void)std::fprintf(stderr, "usage: request-bench NODE [OPTION...], with the device attached\n");
         return EXIT_FAILURE;
     }
@@ -134,7 +150,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     // A fixed number, so that every run does the same.
-    constexpr benchmark::IterationCount kIterations = 2000;
+    constexpr benchmark::IterationCount kIterations = 500;
     benchmark::RegisterBenchmark("read_bare", readBare)->Iterations(kIterations);
     benchmark::RegisterBenchmark("read_through_layers", readThroughLayers)->Iterations(kIterations);
     benchmark::RegisterBenchmark("change_bare", changeBare)->Iterations(kIterations);
