@@ -9,6 +9,8 @@
 #include <QLabel>
 #include <QWidget>
 
+#include <vector>
+
 DescriptionLoader::DescriptionLoader() {
     clearPluginPaths(); // what a window is made of is in this program
 }
@@ -24,10 +26,14 @@ QWidget* DescriptionLoader::loadFile(const QString& path) {
         if (const QVariant image = label->property("image"); image.isValid())
             label->setPixmap(mainBundle::imageNamed(image.toString()));
     }
+    // Found before the first is told: it may delete children of its own, as a pop-up does with its list.
+    std::vector<MadeFromDescription*> found;
     for (QWidget* control : window->findChildren<QWidget*>()) {
         if (auto* made = dynamic_cast<MadeFromDescription*>(control))
-            made->didDecode();
+            found.push_back(made);
     }
+    for (MadeFromDescription* made : found)
+        made->didDecode();
     return window;
 }
 
