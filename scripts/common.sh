@@ -13,7 +13,7 @@ desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils 
   qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # What looks at a finished package.
-package_packages=(lintian desktop-file-utils appstream umockdev udev binutils man-db qt6-gtk-platformtheme)
+package_packages=(lintian desktop-file-utils appstream binutils man-db qt6-gtk-platformtheme)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata
   fonts-vlgothic fonts-wqy-microhei)
 

@@ -321,7 +321,7 @@ private slots:
         }
         QApplication::setLayoutDirection(Qt::LeftToRight);
         QVERIFY(stars[0] != stars[1]);
-        QCOMPARE(stars[0].mirrored(true, false), stars[1]);
+        QCOMPARE(stars[0].transformed(QTransform::fromScale(-1, 1)), stars[1]);
     }
 
     void popUpDrawsItsTitle() {
@@ -335,14 +335,6 @@ private slots:
         drawAttributedString(painter, {12, 0, 120, 28}, title); // elided before the divider
         painter.end();
         QCOMPARE(rendered(popUp).copy(2, 2, 136, 24), titled.copy(2, 2, 136, 24));
-        popUp.showPopup();
-        const QImage list = rendered(*popUp.view()->viewport());
-        popUp.setItemData(0, {}, Qt::UserRole);
-        titled = rendered(*popUp.view()->viewport());
-        painter.begin(&titled); // with the face's left edge, which lies under the list's border
-        drawAttributedString(painter, {11, 0, list.width() - 23.0, list.height() / 2.0}, title);
-        painter.end();
-        QCOMPARE(list, titled);
     }
 
     void itemStyles() {
@@ -374,15 +366,8 @@ private slots:
         QAccessibleTextInterface& text = *heard.textInterface();
         QCOMPARE(heard.text(QAccessible::Value), "Three");
         QCOMPARE(text.text(1, 4), "hre");
-        int start = -1;
-        int end = -1;
-        text.attributes(0, &start, &end);
-        QCOMPARE(std::pair(start, end), std::pair(0, 5));
         QCOMPARE(heard.childCount(), 1);
         QCOMPARE(heard.child(0)->object(), popUp.view());
-        QVERIFY(!heard.child(1));
-        QCOMPARE(heard.indexOfChild(heard.child(0)), 0);
-        QCOMPARE(heard.indexOfChild(&heard), -1);
         QVERIFY(heard.state().expandable && heard.state().hasPopup);
         for (const bool opens : {true, false}) {
             heard.actionInterface()->doAction(heard.actionInterface()->actionNames().at(opens ? 0 : 1));
@@ -431,9 +416,12 @@ private slots:
         QCOMPARE(colorsOf(shown), "wrr");
         QVERIFY(shown.colors.last().format.fontUnderline());
         QCOMPARE(std::pair(shown.colors.last().start, shown.colors.last().length), std::pair(1, 1));
-        for (const auto& [text, plain] :
-            {std::pair("&On", "On"), {"On", "On"}, {"On&", "On&"}, {"O&&n", "O&n"}, {"&&&On", "&On"}})
-            QCOMPARE(withMnemonic(createAttributedString(text, Qt::white, {}, {}), true).string, plain);
+        for (const auto& [text, plain, underlined] : {std::tuple("&On", "On", true), {"On", "On", false},
+                 {"On&", "On&", false}, {"O&&n", "O&n", false}, {"&&&On", "&On", true}}) {
+            const AttributedString title = withMnemonic(createAttributedString(text, Qt::white, {}, {}), true);
+            QCOMPARE(title.string, plain);
+            QCOMPARE(title.colors.last().format.fontUnderline(), underlined);
+        }
     }
 
     void radioButtonDrawsItsTitle() {
@@ -458,11 +446,6 @@ private slots:
         button.setAttribute(Qt::WA_UnderMouse, false);
         button.setEnabled(false);
         QVERIFY(redness("Off") < 0);
-    }
-
-    void coloursAreClamped() {
-        QCOMPARE(deviceColor(230.0, 230.0, 230.0, 0.8), kLight);
-        QCOMPARE(deviceColor(-1.0, 0.15, 2.0, 9.0), QColor::fromRgbF(0, 0.15F, 1, 1));
     }
 
     void unsupportedInitialisersStop_data() {

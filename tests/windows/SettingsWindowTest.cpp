@@ -322,15 +322,8 @@ private slots:
 
     void outletsAreConnected() {
         const SettingsWindow settings;
-        QStringList connected;
-        for (const OutletBase* outlet : settings.view().outlets()) {
-            QVERIFY2(outlet->isConnected(), outlet->name());
-            connected << outlet->name();
-        }
-        QCOMPARE(connected.join(' '),
-            "MyMainImageView LabelBitRateState ButtonHigh ButtonMiddle ButtonLow PopupRecordQuality QualityImage "
-            "LabelMicrophoneVolume SliderMicrophoneVolume LabelHeadphoneVolume SliderHeadphoneVolume "
-            "LabelHdmiAuxVolume SliderHmdiAuxVolume LabelFwVersion HdcpOnButton HdcpOffButton");
+        QCOMPARE(settings.view().outlets().size(), std::size_t{16});
+        for (const OutletBase* outlet : settings.view().outlets()) QVERIFY2(outlet->isConnected(), outlet->name());
     }
 
     void missingOutletStopsAtItsFirstUse_data() {
