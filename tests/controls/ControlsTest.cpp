@@ -2,7 +2,6 @@
 
 #include "ApplicationMain.h"
 #include "AttributedRadioButton.h"
-#include "Colors.h"
 #include "CustomSliderCell.h"
 #include "ImageViews.h"
 #include "OpenWindow.h"

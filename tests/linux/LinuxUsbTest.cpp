@@ -15,6 +15,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
@@ -32,9 +33,9 @@ const FakePlug kKernel{.interfaceProtocol = 1, .driver = "uvcvideo", .captureNod
 /// character device is taken for node 4 of the video devices, or for the one set here.
 dev_t fakeCaptureDevice = makedev(81, 4);
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
-extern "C" int __real_fstat(int descriptor, struct stat* status);
 extern "C" int __wrap_fstat(int descriptor, struct stat* status) {
-    const int result = __real_fstat(descriptor, status);
+    // Past umockdev, which makes devices of files in some versions.
+    const auto result = static_cast<int>(::syscall(SYS_fstat, descriptor, status));
     if (result == 0 && S_ISCHR(status->st_mode)) status->st_rdev = fakeCaptureDevice;
     const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor));
     if (const auto found = path.find("/dev/bus/usb/"); found != std::string::npos && S_ISREG(status->st_mode)) {
