@@ -8,6 +8,7 @@
 
 #include <QAbstractItemView>
 #include <QAccessible>
+#include <QStyleFactory>
 
 #include <array>
 #include <functional>
@@ -137,7 +138,7 @@ const std::vector<std::tuple<const char*, PopUpAction, int>> kPopUpActions{
         [](const Hands& h) {
             h.popUp.setFont(QFont("DejaVu Sans", 30));
             h.popUp.setPalette(Qt::yellow);
-            h.popUp.setStyle(QApplication::style());
+            h.popUp.setStyle(QStyleFactory::create("Windows"));
             for (const auto type : {QEvent::LanguageChange, QEvent::LocaleChange, QEvent::ScreenChangeInternal}) {
                 QEvent change(type);
                 QCoreApplication::sendEvent(&h.popUp, &change);
