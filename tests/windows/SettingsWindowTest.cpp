@@ -138,7 +138,9 @@ const std::vector<std::tuple<const char*, PopUpAction, int>> kPopUpActions{
         [](const Hands& h) {
             h.popUp.setFont(QFont("DejaVu Sans", 30));
             h.popUp.setPalette(Qt::yellow);
-            h.popUp.setStyle(QStyleFactory::create("Windows"));
+            QStyle* other = QStyleFactory::create("Windows");
+            other->setParent(&h.popUp);
+            h.popUp.setStyle(other);
             for (const auto type : {QEvent::LanguageChange, QEvent::LocaleChange, QEvent::ScreenChangeInternal}) {
                 QEvent change(type);
                 QCoreApplication::sendEvent(&h.popUp, &change);
