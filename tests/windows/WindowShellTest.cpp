@@ -242,12 +242,6 @@ private slots:
         QTEST(end.status, "status");
     }
 
-    void closingTheWindowEndsTheProgram() {
-        SettingsWindow settings;
-        QTimer::singleShot(0, &settings.window(), &QWidget::close);
-        QCOMPARE(QApplication::exec(), 0);
-    }
-
     void qtsTranslationsComeWithOursOnly() {
         const QTemporaryDir folder;
         const auto before = qApp->findChildren<QTranslator*>();
