@@ -22,9 +22,10 @@ def is_dragged_by_its_picture(desktop):
     left, top, width, height = desktop.place(window)
     desktop.point(left + 300, top + 30)
     desktop.press()
+    desktop.point(left + 320, top + 30)  # farther than the drag distance, so the move begins there
     time.sleep(0.5)  # until the window manager has taken the move over
     for step in range(1, 11):
-        desktop.point(left + 300 + 10 * step, top + 30 + 5 * step)
+        desktop.point(left + 320 + 10 * step, top + 30 + 5 * step)
         time.sleep(0.05)
     desktop.press(False)
     wait_for("move", lambda: desktop.place(window) == (left + 100, top + 50, width, height), 5)
