@@ -86,7 +86,7 @@ bool ModalRun::isHeldKey(QObject* object, QEvent* event) const {
         return false;
     const auto* widget = qobject_cast<QWidget*>(object);
     const auto& key = static_cast<QKeyEvent&>(*event);
-    return widget && widget->window() == &m_window && key.isAutoRepeat()
+    return widget != nullptr && widget->window() == &m_window && key.isAutoRepeat()
            && std::ranges::find(kEndingKeys, key.key()) != kEndingKeys.end();
 }
 
@@ -130,7 +130,7 @@ void runModalForWindow(QWidget& window) {
 }
 
 bool isBehindModalRun(const QWidget& control) {
-    return ModalRun::innermost && ModalRun::innermost->makesInert(control);
+    return ModalRun::innermost != nullptr && ModalRun::innermost->makesInert(control);
 }
 
 bool dropBehindModalRun(const QWidget& control) {
