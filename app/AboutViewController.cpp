@@ -1,7 +1,7 @@
 #include "AboutViewController.h"
 
-#include "windows/Bundle.h"
-#include "windows/ModalRun.h"
+#include "Bundle.h"
+#include "ModalRun.h"
 
 void AboutViewController::viewDidLoad() {
     ContentController::viewDidLoad();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "windows/ContentController.h"
+#include "ContentController.h"
 
 #include <QLabel>
 

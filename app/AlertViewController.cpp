@@ -1,6 +1,6 @@
 #include "AlertViewController.h"
 
-#include "windows/ModalRun.h"
+#include "ModalRun.h"
 
 void AlertViewController::dismissAlertWindow(QObject* /*sender*/) {
     stopModal();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "windows/ContentController.h"
+#include "ContentController.h"
 
 /// Controls the window that says that the device can't be reached.
 class AlertViewController : public ContentController {

@@ -1,7 +1,7 @@
 #include "AppDelegate.h"
 
-#include "windows/ModalRun.h"
-#include "windows/WindowDescription.h"
+#include "ModalRun.h"
+#include "WindowDescription.h"
 
 void AppDelegate::ShowAboutWindow(QObject* /*sender*/) {
     const WindowDescription description(QStringLiteral("Main"));

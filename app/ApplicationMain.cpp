@@ -4,14 +4,14 @@
 #include "Accessibility.h"
 #include "AlertViewController.h"
 #include "AppDelegate.h"
+#include "Bundle.h"
 #include "CustomSliderCell.h"
+#include "DescribedClasses.h"
+#include "FatalStop.h"
 #include "ImageViews.h"
+#include "Log.h"
 #include "ViewController.h"
-#include "host/FatalStop.h"
-#include "host/Log.h"
-#include "windows/Bundle.h"
-#include "windows/DescribedClasses.h"
-#include "windows/WindowDescription.h"
+#include "WindowDescription.h"
 
 #include <QApplication>
 #include <QIcon>

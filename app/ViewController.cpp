@@ -1,10 +1,10 @@
 #include "ViewController.h"
 
+#include "Bundle.h"
 #include "Colors.h"
-#include "host/FatalStop.h"
-#include "windows/Bundle.h"
-#include "windows/ModalRun.h"
-#include "windows/WindowDescription.h"
+#include "FatalStop.h"
+#include "ModalRun.h"
+#include "WindowDescription.h"
 
 #include <QSignalBlocker>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "AttributedRadioButton.h"
+#include "ContentController.h"
 #include "CustomPopUpButton.h"
 #include "ImageViews.h"
 #include "VN318UvcController.h"
-#include "windows/ContentController.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -9,10 +9,10 @@
 // delivered: what the system log and standard error cost is in none of the figures, neither the times nor the
 // allocations.
 
+#include "Clock.h"
+#include "Log.h"
+#include "OpenFile.h"
 #include "VN318UvcController.h"
-#include "host/Clock.h"
-#include "host/Log.h"
-#include "host/OpenFile.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,5 +1,5 @@
 #include "ApplicationMain.h"
-#include "host/Clock.h"
+#include "Clock.h"
 
 std::time_t hostTime() {
     return std::time(nullptr);

@@ -1,10 +1,10 @@
 #include "CustomPopUpButton.h"
 
 #include "Colors.h"
+#include "FatalStop.h"
+#include "ModalRun.h"
 #include "PopUpGeometry.h"
 #include "PopUpList.h"
-#include "host/FatalStop.h"
-#include "windows/ModalRun.h"
 
 #include <QAccessible>
 #include <QSignalBlocker>

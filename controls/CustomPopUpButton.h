@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AttributedString.h"
-#include "windows/MadeFromDescription.h"
+#include "DescribedClasses.h"
 
 #include <QComboBox>
 #include <QStringList>

@@ -1,9 +1,9 @@
 #include "CustomSliderCell.h"
 
 #include "AttributedString.h"
+#include "Bundle.h"
 #include "Colors.h"
-#include "host/FatalStop.h"
-#include "windows/Bundle.h"
+#include "FatalStop.h"
 
 #include <QApplication>
 #include <QFontMetricsF>

@@ -1,6 +1,6 @@
 #include "UVCControl.h"
 
-#include "host/Log.h"
+#include "Log.h"
 
 #include <array>
 #include <cstddef>
@@ -8,12 +8,6 @@
 #include <utility>
 
 namespace {
-
-constexpr std::uint16_t kVideoClass = 14;          // UVC 1.5, A.1
-constexpr std::uint16_t kVideoControlSubClass = 1; // UVC 1.5, A.2
-constexpr std::uint8_t kGetFromInterface = 0xA1;   // device to host, class, interface
-constexpr std::uint8_t kSetToInterface = 0x21;     // host to device, class, interface
-constexpr std::uint8_t kControlPipe = 0;
 
 /// The low byte of wIndex, the interface's number, stays 0 also where VideoControl carries another number:
 /// that is what the device is made for.
@@ -86,8 +80,7 @@ void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
 }
 
 std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInterface(UsbDevice& device) {
-    const auto interfaces = device.CreateInterfaceIterator(
-        {.bInterfaceClass = kVideoClass, .bInterfaceSubClass = kVideoControlSubClass});
+    const auto interfaces = device.CreateInterfaceIterator(Uvc::kVideoClass, Uvc::kVideoControlSubClass);
     if (interfaces.result != UsbCode::Success || !interfaces.object)
         return nullptr;
     const auto service = interfaces.object->next();
@@ -123,7 +116,7 @@ bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
         systemLog("CameraControl Error: No interface to send request");
         return false;
     }
-    if (interface->ControlRequest(kControlPipe, request) == UsbCode::Success)
+    if (interface->ControlRequest(request) == UsbCode::Success)
         return true;
     // The close's result is logged, not the request's: people's saved logs are read by it.
     const UsbResult closed = interface->USBInterfaceClose();
@@ -133,8 +126,7 @@ bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
 
 bool UVCCameraControl::setData(std::int64_t data, int length, int selector, int unit) {
     std::array<std::uint8_t, sizeof data> bytes{};
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-        bytes[i] = static_cast<std::uint8_t>(static_cast<std::uint64_t>(data) >> (8 * i));
+    Uvc::storeLittleEndian(static_cast<std::uint64_t>(data), bytes);
     return setCurrent(bytes, length, selector, unit);
 }
 
@@ -142,11 +134,22 @@ bool UVCCameraControl::getDataFor(UVCRequest request, int length, int selector, 
                                   std::span<std::uint8_t> ret) {
     return fits(length, ret)
            && sendControlRequest(
-               controlRequest(kGetFromInterface, request, length, selector, unit, ret.data()));
+               controlRequest(Uvc::kGetFromInterface, request, length, selector, unit, ret.data()));
 }
 
 bool UVCCameraControl::setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit) {
     return fits(length, data)
-           && sendControlRequest(
-               controlRequest(kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data.data()));
+           && sendControlRequest(controlRequest(Uvc::kSetToInterface, UVCRequest::SET_CUR, length, selector,
+                                                unit, data.data()));
+}
+
+bool UVCCameraControl::getDataFor(UVCRequest request, const UVCControlInfo& control,
+                                  std::span<std::uint8_t> ret) {
+    return getDataFor(request, static_cast<int>(control.size), static_cast<int>(control.selector),
+                      static_cast<int>(control.unit), ret);
+}
+
+bool UVCCameraControl::setData(std::int64_t data, const UVCControlInfo& control) {
+    return setData(data, static_cast<int>(control.size), static_cast<int>(control.selector),
+                   static_cast<int>(control.unit));
 }

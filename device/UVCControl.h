@@ -1,15 +1,13 @@
 #pragma once
 
-#include "usb/Usb.h"
+#include "Usb.h"
+#include "Uvc.h"
 
 #include <cstdint>
 #include <memory>
 #include <span>
 
-/// UVC request codes (UVC 1.5, A.8).
-enum class UVCRequest : std::uint8_t { SET_CUR = 0x01, GET_CUR = 0x81, GET_MIN = 0x82, GET_MAX = 0x83 };
-
-/// Where a standard control lives and how long its value is.
+/// Where a control is and how long its value is.
 struct UVCControlInfo {
     std::uint32_t unit;
     std::uint32_t selector;
@@ -22,9 +20,9 @@ struct UVCRange {
     std::int64_t max;
 };
 
-/// Finds the capture device on the bus and carries class requests to the units of its VideoControl
-/// interface. Requests are synchronous; the interface is never held exclusively, so capture software goes on
-/// beside it. Failures are log lines and false results, nothing throws.
+/// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface.
+/// Requests are synchronous; the interface is never held exclusively, so capture software continues beside
+/// it. Failures are log lines and false results, nothing throws.
 ///
 /// Some of the lines belong to steps that can't fail on Linux, where sysfs is all that is read before the
 /// first request: "QueryInterface returned", "Unable to create a plug-in", "Couldn’t create a device
@@ -65,7 +63,7 @@ public:
                                   std::span<std::uint8_t> ret);
 
     // Standard camera controls on a scale from 0.0 to 1.0. They take the success flags of their requests for
-    // the device's values; that is how they have always behaved, and it stays.
+    // the device's values; callers get the same numbers from every release.
 
     /// 1 for each limit that the device answered, 0 for one that it did not.
     [[nodiscard]] UVCRange getRangeForControl(const UVCControlInfo& control);
@@ -99,6 +97,10 @@ public:
 protected:
     /// SET_CUR of the first `length` bytes of `data`.
     [[nodiscard]] bool setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit);
+    // The same for the whole value of a control.
+    [[nodiscard]] bool getDataFor(UVCRequest request, const UVCControlInfo& control,
+                                  std::span<std::uint8_t> ret);
+    [[nodiscard]] bool setData(std::int64_t data, const UVCControlInfo& control);
 
 private:
     [[nodiscard]] bool getAndDrop(UVCRequest request, const UVCControlInfo& control);

@@ -1,5 +1,5 @@
 // The standard camera controls of UVCCameraControl. Units 1 and 2 are the camera terminal and the processing
-// unit, selectors those of UVC 1.5, A.9.4 and A.9.5; neither is looked up in the device's descriptors.
+// unit; neither is looked up in the device's descriptors.
 
 #include "UVCControl.h"
 
@@ -24,24 +24,20 @@ enum ControlRow {
 };
 
 constexpr std::array<UVCControlInfo, 10> uvc_controls{{
-    {1, 2, 1},  // CT_AE_MODE_CONTROL
-    {1, 4, 4},  // CT_EXPOSURE_TIME_ABSOLUTE_CONTROL
-    {2, 2, 2},  // PU_BRIGHTNESS_CONTROL
-    {2, 3, 2},  // PU_CONTRAST_CONTROL
-    {2, 4, 2},  // PU_GAIN_CONTROL
-    {2, 7, 2},  // PU_SATURATION_CONTROL
-    {2, 8, 2},  // PU_SHARPNESS_CONTROL
-    {2, 10, 2}, // PU_WHITE_BALANCE_TEMPERATURE_CONTROL
-    {2, 11, 1}, // PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL
+    {1, Uvc::CT_AE_MODE_CONTROL, 1},
+    {1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4},
+    {2, Uvc::PU_BRIGHTNESS_CONTROL, 2},
+    {2, Uvc::PU_CONTRAST_CONTROL, 2},
+    {2, Uvc::PU_GAIN_CONTROL, 2},
+    {2, Uvc::PU_SATURATION_CONTROL, 2},
+    {2, Uvc::PU_SHARPNESS_CONTROL, 2},
+    {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2},
+    {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1},
     {3, 10, 4}, // the vendor's status block
 }};
 
 constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
 constexpr int kAutoExposureOff = 1; // manual
-
-int asInt(std::uint32_t number) {
-    return static_cast<int>(number);
-}
 
 /// A step's result in single precision, also where the processor calculates with more (i387).
 float single(float result) {
@@ -68,11 +64,11 @@ bool UVCCameraControl::getAndDrop(UVCRequest request, const UVCControlInfo& cont
     if (control.size > std::numeric_limits<std::uint16_t>::max())
         return false; // no request is that long
     std::vector<std::uint8_t> scratch(control.size);
-    return getDataFor(request, asInt(control.size), asInt(control.selector), asInt(control.unit), scratch);
+    return getDataFor(request, control, scratch);
 }
 
 // The limits are the requests' success flags, not the device's numbers: so a responding device's range is 1
-// to 1. Kept as it is.
+// to 1.
 UVCRange UVCCameraControl::getRangeForControl(const UVCControlInfo& control) {
     const std::int64_t min = getAndDrop(UVCRequest::GET_MIN, control) ? 1 : 0;
     const std::int64_t max = getAndDrop(UVCRequest::GET_MAX, control) ? 1 : 0;
@@ -93,23 +89,21 @@ float UVCCameraControl::getValueForControl(const UVCControlInfo& control) {
 bool UVCCameraControl::setValue(float value, const UVCControlInfo& control) {
     const auto [min, max] = getRangeForControl(control);
     const float mapped = mapValue(value, 0.0F, 1.0F, static_cast<float>(min), static_cast<float>(max));
-    return setData(truncated(mapped), asInt(control.size), asInt(control.selector), asInt(control.unit));
+    return setData(truncated(mapped), control);
 }
 
 std::uint8_t UVCCameraControl::getExtension() {
     constexpr UVCControlInfo kStatus = uvc_controls[Status];
     std::array<std::uint8_t, kStatus.size> block{};
-    (void)getDataFor(UVCRequest::GET_CUR, asInt(kStatus.size), asInt(kStatus.selector), asInt(kStatus.unit),
-                     block); // byte only
+    (void)getDataFor(UVCRequest::GET_CUR, kStatus, block); // byte only
     return block[0];
 }
 
 bool UVCCameraControl::setAutoExposure(bool enabled) {
-    const auto& [unit, selector, size] = uvc_controls[AutoExposure];
-    return setData(enabled ? kAutoExposureOn : kAutoExposureOff, asInt(size), asInt(selector), asInt(unit));
+    return setData(enabled ? kAutoExposureOn : kAutoExposureOff, uvc_controls[AutoExposure]);
 }
 
-// Compares the success flag, not the mode, with 8: always false. Kept as it is.
+// Compares the success flag, not the mode, with 8: always false.
 bool UVCCameraControl::getAutoExposure() {
     const int answered = getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoExposure]) ? 1 : 0;
     return answered == kAutoExposureOn;
@@ -161,11 +155,10 @@ float UVCCameraControl::getWhiteBalance() {
 }
 
 bool UVCCameraControl::setAutoWhiteBalance(bool enabled) {
-    const auto& [unit, selector, size] = uvc_controls[AutoWhiteBalance];
-    return setData(enabled ? 1 : 0, asInt(size), asInt(selector), asInt(unit));
+    return setData(enabled ? 1 : 0, uvc_controls[AutoWhiteBalance]);
 }
 
-// True whenever the device answers, whatever its setting. Kept as it is.
+// True whenever the device answers, whatever its setting.
 bool UVCCameraControl::getAutoWhiteBalance() {
     return getAndDrop(UVCRequest::GET_CUR, uvc_controls[AutoWhiteBalance]);
 }

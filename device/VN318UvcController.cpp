@@ -1,7 +1,7 @@
 #include "VN318UvcController.h"
 
-#include "host/Clock.h"
-#include "host/Log.h"
+#include "Clock.h"
+#include "Log.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -24,9 +24,9 @@ struct SettingsField {
 
 namespace {
 
-constexpr const ControlBlock& kSettings = UvcControls2[1];
-constexpr const ControlBlock& kVersions = UvcControls2[2];
-constexpr const ControlBlock& kAudio = UvcControls2[3];
+constexpr const UVCControlInfo& kSettings = UvcControls2[1];
+constexpr const UVCControlInfo& kVersions = UvcControls2[2];
+constexpr const UVCControlInfo& kAudio = UvcControls2[3];
 
 using SettingsBlock = std::array<std::uint8_t, kSettings.size>;
 using VersionBlock = std::array<std::uint8_t, kVersions.size>;
@@ -95,13 +95,12 @@ std::unique_ptr<CVn318UvcController> CVn318UvcController::CreateInstance() {
     return controller;
 }
 
-bool CVn318UvcController::readBlock(const ControlBlock& control, std::span<std::uint8_t> block) {
-    return getDataFor(UVCRequest::GET_CUR, static_cast<int>(block.size()), static_cast<int>(control.selector),
-                      static_cast<int>(control.unit), block);
+bool CVn318UvcController::readBlock(const UVCControlInfo& control, std::span<std::uint8_t> block) {
+    return getDataFor(UVCRequest::GET_CUR, control, block);
 }
 
-bool CVn318UvcController::writeBlock(const ControlBlock& control, std::span<std::uint8_t> block) {
-    return SetData2(block, static_cast<int>(block.size()), static_cast<int>(control.selector),
+bool CVn318UvcController::writeBlock(const UVCControlInfo& control, std::span<std::uint8_t> block) {
+    return SetData2(block, static_cast<int>(control.size), static_cast<int>(control.selector),
                     static_cast<int>(control.unit));
 }
 

@@ -12,12 +12,7 @@
 using FirmwareVersionRecord = std::array<std::uint8_t, 12>;
 
 /// The device's blocks: each is the current value of one control, and the device refuses any other length.
-struct ControlBlock {
-    std::uint32_t unit;
-    std::uint32_t selector;
-    std::uint32_t size; ///< bytes
-};
-inline constexpr std::array<ControlBlock, 4> UvcControls2{{
+inline constexpr std::array<UVCControlInfo, 4> UvcControls2{{
     {3, 10, 4},  // status
     {3, 11, 13}, // settings: command byte, clock, bit rate, HDCP
     {3, 12, 26}, // firmware versions
@@ -67,8 +62,8 @@ public:
     [[nodiscard]] static std::unique_ptr<CVn318UvcController> CreateInstance();
 
 private:
-    [[nodiscard]] bool readBlock(const ControlBlock& control, std::span<std::uint8_t> block);
-    [[nodiscard]] bool writeBlock(const ControlBlock& control, std::span<std::uint8_t> block);
+    [[nodiscard]] bool readBlock(const UVCControlInfo& control, std::span<std::uint8_t> block);
+    [[nodiscard]] bool writeBlock(const UVCControlInfo& control, std::span<std::uint8_t> block);
     [[nodiscard]] bool setVolume(const VolumeField& field, int volume);
     [[nodiscard]] bool getVolume(const VolumeField& field, std::uint8_t& volume);
     [[nodiscard]] bool writeSettings(const SettingsField& field, std::span<std::uint8_t> block);

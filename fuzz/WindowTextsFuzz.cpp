@@ -2,9 +2,9 @@
 
 #include "AppDelegate.h"
 #include "ApplicationMain.h"
-#include "SimulatedHost.h"
+#include "TestHost.h"
 #include "ViewController.h"
-#include "windows/WindowDescription.h"
+#include "WindowDescription.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -30,7 +30,7 @@ WindowController& openWindow() {
     static char* arguments[] = {name, nullptr};
     static auto* application = new QApplication(count, arguments); // lives as long as the fuzzer
     setUpApplication(*application);
-    SimulatedHost::reset();
+    TestHost::reset();
     static AppDelegate delegate;
     static auto controller =
         WindowDescription(QStringLiteral("Main"))
@@ -74,6 +74,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     controller.contentController()->viewDidLoad();
     expectShown(*controller.window());
     device().requests.clear();
-    SimulatedHost::take();
+    TestHost::take();
     return 0;
 }

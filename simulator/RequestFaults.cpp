@@ -9,12 +9,12 @@ bool matches(const RequestKind& kind, const UsbControlRequest& request) {
 
 } // namespace
 
-std::optional<RequestFault> RequestFaults::meet(const UsbControlRequest& request) {
-    std::optional<RequestFault> struck;
+std::optional<RequestFault> RequestFaults::takeDue(const UsbControlRequest& request) {
+    std::optional<RequestFault> due;
     for (Pending& pending : m_pending) {
-        if (matches(pending.kind, request) && --pending.countdown == 0 && !struck)
-            struck = pending.fault;
+        if (matches(pending.kind, request) && --pending.countdown == 0 && !due)
+            due = pending.fault;
     }
     std::erase_if(m_pending, [](const Pending& pending) { return pending.countdown == 0; });
-    return struck;
+    return due;
 }

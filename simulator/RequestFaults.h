@@ -1,6 +1,6 @@
 #pragma once
 
-#include "usb/Usb.h"
+#include "Usb.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,23 +12,23 @@ enum class RequestFault : std::uint8_t {
     TimeOut,   ///< no answer
     ShortData, ///< a GET answers fewer bytes than asked for; a SET is acted on, but not acknowledged in full
     Garbage,   ///< a GET answers bytes that mean nothing
-    Unplug,    ///< the device goes away while the request is under way
+    Unplug,    ///< the device is unplugged during the request
 };
 
-/// Requests that a fault waits for; an empty field matches every request.
+/// The requests that a fault applies to; an empty field matches every request.
 struct RequestKind {
     std::optional<std::uint8_t> request;  ///< bRequest
     std::optional<std::uint8_t> selector; ///< high byte of wValue
 };
 
-/// Faults that wait for their requests.
+/// Faults that are due at later requests.
 class RequestFaults {
 public:
-    /// The n-th request of a kind from now on (1 is the next) meets the fault, once.
+    /// The n-th request of a kind from now on (1 is the next) has the fault, once.
     void add(RequestKind kind, unsigned n, RequestFault fault) { m_pending.push_back({kind, n, fault}); }
     void clear() { m_pending.clear(); }
-    /// Counts a request. The fault that it meets, absent if it meets none.
-    [[nodiscard]] std::optional<RequestFault> meet(const UsbControlRequest& request);
+    /// Counts a request. The fault that is due for it, absent if none is.
+    [[nodiscard]] std::optional<RequestFault> takeDue(const UsbControlRequest& request);
 
 private:
     struct Pending {

@@ -1,22 +1,15 @@
 #include "SimulatedDevice.h"
 
-#include "host/Clock.h"
+#include "Clock.h"
+#include "Uvc.h"
 
 #include <algorithm>
 #include <ctime>
 
 namespace {
 
-constexpr std::uint8_t kClassGet = 0xA1;
-constexpr std::uint8_t kClassSet = 0x21;
-constexpr std::uint8_t kSetCur = 0x01;
-constexpr std::uint8_t kGetCur = 0x81;
-constexpr std::uint8_t kGetMin = 0x82;
-constexpr std::uint8_t kGetMax = 0x83;
-constexpr std::uint8_t kGetRes = 0x84;
-constexpr std::uint8_t kGetLen = 0x85;
-constexpr std::uint8_t kGetInfo = 0x86;
-constexpr std::uint8_t kGetDef = 0x87;
+using Uvc::selectorOf;
+using Uvc::unitOf;
 
 constexpr std::uint8_t kReadable = 1; // of an answer to GET_INFO (UVC 1.5, 4.1.2)
 constexpr std::uint8_t kReadableAndSettable = 3;
@@ -32,37 +25,25 @@ enum Command : std::uint8_t { SetClock = 2, SetBitRate = 4, SetHdcp = 16 };
 constexpr std::size_t kClockBytes = 6;
 constexpr std::array<std::uint8_t, kClockBytes> kClockAtPowerOn{0, 1, 1, 0, 0, 0};
 
-std::uint8_t unitOf(const UsbControlRequest& request) {
-    return static_cast<std::uint8_t>(request.wIndex >> 8);
-}
-
-std::uint8_t selectorOf(const UsbControlRequest& request) {
-    return static_cast<std::uint8_t>(request.wValue >> 8);
-}
-
-std::array<std::uint8_t, 8> setupPacket(const UsbControlRequest& request) {
-    const auto low = [](std::uint16_t word) { return static_cast<std::uint8_t>(word); };
-    const auto high = [](std::uint16_t word) { return static_cast<std::uint8_t>(word >> 8); };
-    return {request.bmRequestType, request.bRequest,     low(request.wValue),  high(request.wValue),
-            low(request.wIndex),   high(request.wIndex), low(request.wLength), high(request.wLength)};
+UVCRequest codeOf(const UsbControlRequest& request) {
+    return static_cast<UVCRequest>(request.bRequest);
 }
 
 std::vector<std::uint8_t> littleEndian(std::uint32_t value, std::size_t size) {
     std::vector<std::uint8_t> bytes(size);
-    for (std::size_t i = 0; i < size; ++i)
-        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
+    Uvc::storeLittleEndian(value, bytes);
     return bytes;
 }
 
-std::uint32_t valueFor(std::uint8_t request, const SimulatedControl& control) {
+std::uint32_t valueFor(UVCRequest request, const SimulatedControl& control) {
     switch (request) {
-    case kGetMin:
+    case UVCRequest::GET_MIN:
         return control.minimum;
-    case kGetMax:
+    case UVCRequest::GET_MAX:
         return control.maximum;
-    case kGetRes:
+    case UVCRequest::GET_RES:
         return control.resolution;
-    case kGetDef:
+    case UVCRequest::GET_DEF:
         return control.atPowerOn;
     default:
         return control.current;
@@ -89,15 +70,15 @@ std::optional<UsbResult> forcedResult(RequestFault fault) {
 
 SimulatedDevice::SimulatedDevice()
     : controls{
-        {1, 2, 1, 8, 1, 8, 9, 8},                // auto-exposure mode
-        {1, 4, 4, 156, 3, 2047, 1, 156},         // exposure time, 100 microseconds
-        {2, 2, 2, 128, 0, 255, 1, 128},          // brightness
-        {2, 3, 2, 32, 0, 64, 1, 32},             // contrast
-        {2, 4, 2, 16, 0, 100, 1, 16},            // gain
-        {2, 7, 2, 64, 0, 128, 1, 64},            // saturation
-        {2, 8, 2, 3, 0, 7, 1, 3},                // sharpness
-        {2, 10, 2, 4600, 2800, 6500, 100, 4600}, // white balance temperature, kelvin
-        {2, 11, 1, 1, 0, 1, 1, 1},               // white balance temperature, automatic
+        {1, Uvc::CT_AE_MODE_CONTROL, 1, 8, 1, 8, 9, 8},
+        {1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4, 156, 3, 2047, 1, 156}, // 100 microseconds
+        {2, Uvc::PU_BRIGHTNESS_CONTROL, 2, 128, 0, 255, 1, 128},
+        {2, Uvc::PU_CONTRAST_CONTROL, 2, 32, 0, 64, 1, 32},
+        {2, Uvc::PU_GAIN_CONTROL, 2, 16, 0, 100, 1, 16},
+        {2, Uvc::PU_SATURATION_CONTROL, 2, 64, 0, 128, 1, 64},
+        {2, Uvc::PU_SHARPNESS_CONTROL, 2, 3, 0, 7, 1, 3},
+        {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2, 4600, 2800, 6500, 100, 4600}, // kelvin
+        {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1, 1, 0, 1, 1, 1},
     } {
     setClock(kClockAtPowerOn);
 }
@@ -133,7 +114,7 @@ UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (!m_plugged)
         return UsbCode::NoDevice;
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    const std::optional<RequestFault> fault = m_faults.meet(request);
+    const std::optional<RequestFault> fault = m_faults.takeDue(request);
     if (fault == RequestFault::Unplug)
         unplug();
     const std::optional<UsbResult> forced = fault ? forcedResult(*fault) : std::nullopt;
@@ -142,7 +123,7 @@ UsbResult SimulatedDevice::control(UsbControlRequest& request) {
         m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     const bool carried = !isGet || result == UsbCode::Success;
-    requests.push_back({setupPacket(request),
+    requests.push_back({Uvc::setupPacket(request),
                         carried ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(),
                         result});
     if (onRequest)
@@ -186,14 +167,15 @@ SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request)
 
 /// Only the VideoControl interface has units: a request that names another interface is refused.
 std::vector<std::uint8_t> SimulatedDevice::answer(const UsbControlRequest& request) {
-    if (request.bmRequestType != kClassGet || (request.wIndex & 0xFF) != videoControlInterface
+    const UVCRequest code = codeOf(request);
+    if (request.bmRequestType != Uvc::kGetFromInterface || (request.wIndex & 0xFF) != videoControlInterface
         || (request.wValue & 0xFF) != 0)
         return {};
-    if (request.bRequest == kGetLen || request.bRequest == kGetInfo)
+    if (code == UVCRequest::GET_LEN || code == UVCRequest::GET_INFO)
         return answerAbout(request);
     if (const SimulatedControl* control = findControl(request))
-        return littleEndian(valueFor(request.bRequest, *control), control->size);
-    if (request.bRequest != kGetCur)
+        return littleEndian(valueFor(code, *control), control->size);
+    if (code != UVCRequest::GET_CUR)
         return {};
     fillInClock();
     return answerUnitControl(request);
@@ -221,9 +203,9 @@ std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& 
     }
     if (size == 0)
         return {};
-    if (request.bRequest == kGetLen && request.wLength == sizeof(std::uint16_t))
+    if (codeOf(request) == UVCRequest::GET_LEN && request.wLength == sizeof(std::uint16_t))
         return littleEndian(static_cast<std::uint32_t>(size), request.wLength);
-    if (request.bRequest == kGetInfo && request.wLength == sizeof(std::uint8_t))
+    if (codeOf(request) == UVCRequest::GET_INFO && request.wLength == sizeof(std::uint8_t))
         return {settable ? kReadableAndSettable : kReadable};
     return {};
 }
@@ -244,14 +226,12 @@ std::span<const std::uint8_t> SimulatedDevice::block(std::uint8_t selector) cons
 }
 
 bool SimulatedDevice::accept(const UsbControlRequest& request) {
-    if (request.bmRequestType != kClassSet || request.bRequest != kSetCur
+    if (request.bmRequestType != Uvc::kSetToInterface || codeOf(request) != UVCRequest::SET_CUR
         || (request.wIndex & 0xFF) != videoControlInterface || (request.wValue & 0xFF) != 0)
         return false;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     if (SimulatedControl* control = findControl(request)) {
-        control->current = 0;
-        for (std::size_t i = 0; i < bytes.size(); ++i)
-            control->current |= static_cast<std::uint32_t>(bytes[i]) << (8 * i);
+        control->current = Uvc::littleEndian<std::uint32_t>(bytes);
         return true;
     }
     if (unitOf(request) != kExtensionUnit)

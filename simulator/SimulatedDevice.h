@@ -1,7 +1,7 @@
 #pragma once
 
 #include "RequestFaults.h"
-#include "usb/Usb.h"
+#include "Usb.h"
 
 #include <array>
 #include <cstdint>
@@ -33,8 +33,8 @@ struct SimulatedControl {
     std::uint32_t atPowerOn;
 };
 
-/// A capture device that is not there: it answers control requests as the box does, whatever carries them.
-/// It keeps its settings while it is unplugged and loses its clock, as a box without a battery does.
+/// Answers control requests as the box does, whatever their transport. It keeps its settings while it is
+/// unplugged and loses its clock, as a box without a battery does.
 class SimulatedDevice {
 public:
     SimulatedDevice();
@@ -54,9 +54,9 @@ public:
     std::array<std::uint8_t, 7> audio{0x6D, 255, 200, 176, 0x92, 128, 0xE4};
     std::vector<SimulatedControl> controls; ///< the standard ones of units 1 and 2
 
-    /// Carries one request. A failed GET leaves its buffer alone.
+    /// Answers one request. A failed GET leaves its buffer alone.
     UsbResult control(UsbControlRequest& request);
-    /// The n-th request of a kind from now on (1 is the next) meets a fault; every fault strikes once.
+    /// The n-th request of a kind from now on (1 is the next) has the fault, once.
     void addFault(RequestKind kind, unsigned n, RequestFault fault) { m_faults.add(kind, n, fault); }
     void clearFaults() { m_faults.clear(); }
 

@@ -21,3 +21,12 @@ std::string wireText(const RecordedRequest& request) {
         text += " ! " + std::to_string(request.result);
     return text;
 }
+
+std::string settingsText(const SimulatedDevice& device) {
+    std::array<char, 160> text{};
+    (void)std::snprintf(text.data(), text.size(), // always fits
+                        "bit rate H.264 %d MJPEG %d, HDCP %d, microphone %d, headphone %d, HDMI %d, AUX %d",
+                        device.settings[8] >> 4, device.settings[8] & 15, device.settings[9], device.audio[3],
+                        device.audio[5], device.audio[1], device.audio[2]);
+    return text.data();
+}

@@ -12,3 +12,6 @@
 /// hex, for instance "a1 81 00 0d 00 03 07 00 | 6d ff c8 b0 92 80 e4". " ! -9" follows a failed one, with the
 /// code of its failure.
 [[nodiscard]] std::string wireText(const RecordedRequest& request);
+
+/// The settings that the device has: "bit rate H.264 1 MJPEG 1, HDCP 0, microphone 176, ...".
+[[nodiscard]] std::string settingsText(const SimulatedDevice& device);

@@ -1,8 +1,9 @@
-// The program on a simulated device. Every request is printed as it crosses the wire, and at the end what the
-// device then holds.
+// The program on a simulated device. Prints every request as it crosses the wire, and at the end the settings
+// that the device then has.
 
 #include "ApplicationMain.h"
 #include "SimulatedBus.h"
+#include "Uvc.h"
 #include "WireText.h"
 
 #include <cstdio>
@@ -11,14 +12,14 @@
 namespace {
 
 const char* requestName(std::uint8_t request) {
-    switch (request) {
-    case 0x01:
+    switch (static_cast<UVCRequest>(request)) {
+    case UVCRequest::SET_CUR:
         return "SET_CUR";
-    case 0x81:
+    case UVCRequest::GET_CUR:
         return "GET_CUR";
-    case 0x82:
+    case UVCRequest::GET_MIN:
         return "GET_MIN";
-    case 0x83:
+    case UVCRequest::GET_MAX:
         return "GET_MAX";
     default:
         return "unknown";
@@ -29,15 +30,11 @@ void printRequest(const RecordedRequest& request) {
     std::printf("%s unit %d selector %2d  setup %s  data %s", requestName(request.setup[1]), request.unit(),
                 request.selector(), hexText(request.setup).c_str(), hexText(request.data).c_str());
     std::printf(request.result == UsbCode::Success ? "\n" : "  failed: %d\n", request.result);
-    (void)std::fflush(stdout); // whoever watches through a pipe sees it at once
+    (void)std::fflush(stdout); // a reader of a pipe gets it at once
 }
 
 void printDevice() {
-    const SimulatedDevice& device = *SimulatedBus::instance().devices.front();
-    std::printf(
-        "device holds: bit rate H.264 %d MJPEG %d, HDCP %d, microphone %d, headphone %d, HDMI %d, AUX %d\n",
-        device.settings[8] >> 4, device.settings[8] & 15, device.settings[9], device.audio[3],
-        device.audio[5], device.audio[1], device.audio[2]);
+    std::printf("device holds: %s\n", settingsText(*SimulatedBus::instance().devices.front()).c_str());
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-#include "host/FatalStop.h"
+#include "FatalStop.h"
 
-#include "host/Log.h"
+#include "Log.h"
 
 #include <array>
 #include <cstdarg>

@@ -1,4 +1,4 @@
-#include "host/Clock.h"
+#include "Clock.h"
 
 #include <chrono>
 #include <thread>

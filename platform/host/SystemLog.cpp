@@ -1,4 +1,4 @@
-#include "host/Log.h"
+#include "Log.h"
 
 #include <algorithm>
 #include <array>

@@ -7,7 +7,7 @@
 using UsbResult = std::int32_t;
 
 /// The failures that all implementations share. The numbers are libusb's, so that a code in a saved log
-/// means the same whatever carried the request.
+/// means the same whatever the transport was.
 namespace UsbCode {
 inline constexpr UsbResult Success = 0;
 inline constexpr UsbResult InputOutput = -1; ///< also: fewer bytes came than were asked for
@@ -37,20 +37,11 @@ struct UsbControlRequest {
     std::uint16_t wIndex;
     std::uint16_t wLength;  ///< bytes of the data stage
     std::uint8_t* pData;    ///< wLength bytes to send, or room for as many; untouched by a failed GET
-    std::uint32_t wLenDone; ///< bytes carried
+    std::uint32_t wLenDone; ///< bytes transferred
 };
 
 /// Bit 7 of bmRequestType: the data stage goes from the device to the host.
 inline constexpr std::uint8_t kUsbDeviceToHost = 0x80;
-
-/// Which interfaces an iterator shall meet (USB 2.0, 9.6.5); `kMatchAny` leaves a field open.
-struct UsbFindInterfaceRequest {
-    static constexpr std::uint16_t kMatchAny = 0xFFFF;
-    std::uint16_t bInterfaceClass = kMatchAny;
-    std::uint16_t bInterfaceSubClass = kMatchAny;
-    std::uint16_t bInterfaceProtocol = kMatchAny;
-    std::uint16_t bAlternateSetting = kMatchAny;
-};
 
 // Access goes in the same steps for devices and for their interfaces: a service is something seen on the
 // bus, its plug-in can be asked for the object, and the object is what one works with. Nothing is opened
@@ -87,11 +78,11 @@ class UsbInterface {
 public:
     virtual ~UsbInterface() = default;
     [[nodiscard]] virtual UsbResult GetInterfaceNumber(std::uint8_t& number) = 0;
-    /// Sends one request on `pipe` (always 0 here). Blocks until it is done: 5 seconds at most, and up to 5
-    /// more for each question that the kernel's driver asks on its own: two before it uses a control for the
-    /// first time since the device was plugged in (how long it is, and what it can do), one after a refusal
-    /// (why). Works again after `USBInterfaceClose`.
-    [[nodiscard]] virtual UsbResult ControlRequest(std::uint8_t pipe, UsbControlRequest& request) = 0;
+    /// Sends one request on the control pipe. Blocks until it is done: 5 seconds at most, and up to 5 more
+    /// for each question that the kernel's driver asks on its own: two before it uses a control for the first
+    /// time since the device was plugged in (how long it is, and what it can do), one after a refusal (why).
+    /// Works again after `USBInterfaceClose`.
+    [[nodiscard]] virtual UsbResult ControlRequest(UsbControlRequest& request) = 0;
     /// Closes what a failed request has left open. When nothing was open the result says why.
     virtual UsbResult USBInterfaceClose() = 0;
 };
@@ -103,8 +94,9 @@ public:
     /// chain of hubs, the root hub's first; the rest is 0. Of a port number only the low 4 bits count, so
     /// that ports 1 and 17 of one hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
+    /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), of whatever protocol.
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>>
-    CreateInterfaceIterator(const UsbFindInterfaceRequest& request) = 0;
+    CreateInterfaceIterator(std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) = 0;
 };
 
 /// All that is plugged in, looked up afresh at every call.

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "OpenFile.h"
 #include "UsbIpSession.h"
-#include "host/OpenFile.h"
 
 #include <cstdint>
 #include <list>

@@ -1,7 +1,7 @@
 #include "VhciPort.h"
 
+#include "OpenFile.h"
 #include "UsbIpMessages.h"
-#include "host/OpenFile.h"
 
 #include <array>
 #include <cerrno>

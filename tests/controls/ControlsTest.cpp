@@ -134,7 +134,7 @@ class ControlsTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { SimulatedHost::reset(); }
+    void init() { TestHost::reset(); }
 
     void ticks() {
         using enum TickSpacing;

@@ -2,9 +2,9 @@
 // drawn, and a focus that shows. Prints the figures.
 
 #include "ApplicationMain.h"
+#include "Bundle.h"
+#include "OpenWindow.h"
 #include "PopUpGeometry.h"
-#include "windows/Bundle.h"
-#include "windows/OpenWindow.h"
 
 #include <QAbstractItemView>
 #include <QKeySequence>
@@ -139,7 +139,7 @@ class ReadabilityTest : public QObject {
 
 private slots:
     void initTestCase() { setUpApplication(*qApp); }
-    void init() { SimulatedHost::reset(); }
+    void init() { TestHost::reset(); }
 
     void everyWordIsWhole_data() {
         QTest::addColumn<QString>("language");

@@ -1,7 +1,7 @@
 // The settings that the device keeps: every byte that goes over the wire and every log line, in order. What
 // happens when requests fail is in faults/.
 
-#include "SimulatedHost.h"
+#include "TestHost.h"
 #include "VN318UvcController.h"
 
 #include <gmock/gmock.h>
@@ -28,12 +28,12 @@ Bytes with(Bytes block, const std::vector<std::pair<std::size_t, int>>& changes)
 class Controller : public testing::Test {
 protected:
     Controller() {
-        SimulatedHost::reset();
+        TestHost::reset();
         device().audio = {0x6D, 11, 22, 33, 0x92, 55, 0xE4};
         device().settings[8] = 0x21;
         device().settings[9] = 1;
         controller = CVn318UvcController::CreateInstance();
-        EXPECT_THAT(SimulatedHost::take(), ElementsAre("log call camera CreateInstance"));
+        EXPECT_THAT(TestHost::take(), ElementsAre("log call camera CreateInstance"));
     }
 
     std::unique_ptr<CVn318UvcController> controller;
@@ -41,23 +41,23 @@ protected:
 
 TEST_F(Controller, AuxVolume) {                 // which no window reads
     EXPECT_TRUE(controller->SetAuxVolume(300)); // the low 8 bits count
-    EXPECT_THAT(SimulatedHost::take(),
+    EXPECT_THAT(TestHost::take(),
         ElementsAre(get(13, kAudio), "log [Get old]AUX vol = 22,\n", set(13, with(kAudio, {{2, 44}}))));
     std::uint8_t volume = 9;
     EXPECT_TRUE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 44);
     device().addFault(kAnyGet, 1, RequestFault::Stall);
-    SimulatedHost::take();
+    TestHost::take();
     EXPECT_FALSE(controller->GetAuxVolume(volume));
     EXPECT_EQ(volume, 0);
-    EXPECT_THAT(SimulatedHost::takeLog(),
+    EXPECT_THAT(TestHost::takeLog(),
         ElementsAre("log CameraControl Error: Control request failed: 00000000", "log [Get old]AUX vol = 0,\n",
             "log getExtension_GetHdmiVolume..getData Fail! \n"));
 }
 
 TEST_F(Controller, BitRateLevelsAreFourBits) {
     EXPECT_TRUE(controller->SetBitRate(17, 34));
-    EXPECT_EQ(SimulatedHost::take().back(), set(11, with(kSettings, {{0, 4}, {8, 0x12}})));
+    EXPECT_EQ(TestHost::take().back(), set(11, with(kSettings, {{0, 4}, {8, 0x12}})));
     std::uint8_t h264 = 9;
     std::uint8_t mjpeg = 9;
     EXPECT_TRUE(controller->GetBitRate(h264, mjpeg));
@@ -68,11 +68,11 @@ TEST_F(Controller, BitRateLevelsAreFourBits) {
 TEST_F(Controller, HdcpState) {
     const std::string old = "log [Get old]HDCP state : 1,\n";
     EXPECT_TRUE(controller->SetHdcpState(256)); // the low 8 bits count
-    EXPECT_THAT(SimulatedHost::take(),
+    EXPECT_THAT(TestHost::take(),
         ElementsAre(
             get(11, kSettings), old, "log new HDCP state value : 0 \n", set(11, with(kSettings, {{0, 16}, {9, 0}}))));
     EXPECT_FALSE(controller->SetHdcpState(2)); // refused without a word
-    EXPECT_THAT(SimulatedHost::take(),
+    EXPECT_THAT(TestHost::take(),
         ElementsAre(
             get(11, with(kSettings, {{9, 0}})), "log [Get old]HDCP state : 0,\n", "log new HDCP state value : 2 \n"));
 }
@@ -109,12 +109,12 @@ TEST_F(Controller, ClockIsSetWhenMoreThanTwoSecondsApart) {
         {"SummerStandardTime", "Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "2.000000", {}}};
     for (const auto& [name, zone, host, deviceClock, interval, written] : rows) {
         SCOPED_TRACE(name);
-        SimulatedHost::take();
-        SimulatedHost::setTimeZone(zone);
-        SimulatedHost::instance().now = host;
+        TestHost::take();
+        TestHost::setTimeZone(zone);
+        TestHost::instance().now = host;
         device().setClock(deviceClock);
         EXPECT_TRUE(controller->SyncRtc());
-        const auto journal = SimulatedHost::take();
+        const auto journal = TestHost::take();
         ASSERT_EQ(journal.size(), interval != nullptr ? 3U : 6U);
         Bytes block = with(kSettings, {{0, 2}});
         std::ranges::copy(written, block.begin() + 2);

@@ -1,6 +1,6 @@
 // Finding the device and its interface, and what goes over the wire.
 
-#include "SimulatedHost.h"
+#include "TestHost.h"
 #include "UvcBaseClass.h"
 #include "VN318UvcController.h"
 
@@ -21,7 +21,7 @@ const std::string kNoInterface = "log CameraControl Error: No interface to send 
 
 class Transport : public testing::Test {
 protected:
-    Transport() { SimulatedHost::reset(); }
+    Transport() { TestHost::reset(); }
 
     bool readStatus() {
         std::array<std::uint8_t, 4> block{};
@@ -42,7 +42,7 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
     EXPECT_TRUE(readStatus());
     EXPECT_EQ(bus.devices[1]->requests.size(), 1U);
     EXPECT_TRUE(bus.devices[2]->requests.empty());
-    EXPECT_THAT(SimulatedHost::takeLog(), IsEmpty());
+    EXPECT_THAT(TestHost::takeLog(), IsEmpty());
 }
 
 /// Name, step, its result, whether a controller comes of it (which then has no interface), and the line after
@@ -50,6 +50,7 @@ TEST_F(Transport, TakesTheFirstDeviceWithItsIdentifiers) {
 using FailingStep = std::tuple<const char*, UsbStep, UsbResult, bool, const char*>;
 
 TEST_F(Transport, EachStepFailsWithItsLine) {
+    auto& bus = TestBus::instance();
     const std::vector<FailingStep> rows{// A row without a line ends the search without a word.
         {"DevicePlugIn", UsbStep::DevicePlugIn, UsbCode::Access, false,
             "IOCreatePlugInInterfaceForService returned 0xfffffffd."},
@@ -67,20 +68,20 @@ TEST_F(Transport, EachStepFailsWithItsLine) {
             "Couldn’t create a device interface for the interface (00000000)"}};
     for (const auto& [name, step, result, opens, line] : rows) {
         SCOPED_TRACE(name);
-        SimulatedBus::instance().clearFailures();
+        bus.failures.clear();
         ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct)); // which the failure takes away
-        SimulatedBus::instance().failStep(step, result);
+        bus.failures[step] = result;
         std::vector<std::string> expected{"release"};
         if (line != nullptr) expected.push_back(std::string("log CameraControl Error: ") + line);
         EXPECT_EQ(control.initWithVendorID(kVendor, kProduct), opens);
-        EXPECT_EQ(SimulatedHost::take(), expected);
+        EXPECT_EQ(TestHost::take(), expected);
         EXPECT_FALSE(readStatus());
-        EXPECT_THAT(SimulatedHost::take(), ElementsAre(kNoInterface));
+        EXPECT_THAT(TestHost::take(), ElementsAre(kNoInterface));
         expected.erase(expected.begin());
         control.initWithLocationID(device().locationID);
-        EXPECT_EQ(SimulatedHost::take(), expected);
+        EXPECT_EQ(TestHost::take(), expected);
         EXPECT_FALSE(readStatus());
-        SimulatedHost::take();
+        TestHost::take();
     }
 }
 
@@ -95,10 +96,10 @@ TEST_F(Transport, OpensByLocation) {
 
     for (const auto& [step, result] : {std::pair<UsbStep, UsbResult>(UsbStep::DeviceLocation, UsbCode::InputOutput),
              {UsbStep::AllServices, UsbCode::InputOutput}, {UsbStep::AllServices, UsbCode::Success}}) {
-        bus.failStep(step, result); // success that gives nothing
+        TestBus::instance().failures[step] = result; // success that gives nothing
         control.initWithLocationID(0x02130000);
         EXPECT_FALSE(readStatus());
-        bus.clearFailures();
+        TestBus::instance().failures.clear();
     }
     control.initWithLocationID(0x02140000); // nothing there
     EXPECT_FALSE(readStatus());
@@ -108,37 +109,37 @@ TEST_F(Transport, InterfaceNumberNeverReachesTheWire) {
     device().videoControlInterface = 2;
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_FALSE(readStatus()); // the device listens on 2, the request says 0
-    EXPECT_THAT(SimulatedHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9"));
+    EXPECT_THAT(TestHost::takeRequests(), ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9"));
 
     device().videoControlInterface.reset();
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     EXPECT_FALSE(readStatus());
-    EXPECT_THAT(SimulatedHost::take(), ElementsAre("release", kNoInterface));
+    EXPECT_THAT(TestHost::take(), ElementsAre("release", kNoInterface));
 }
 
 TEST_F(Transport, InterfaceNumberIsAskedForAndDropped) {
-    auto& bus = SimulatedBus::instance();
+    auto& bus = TestBus::instance();
     device().videoControlInterface = 2;
     const auto service = bus.firstService(kVendor, kProduct);
     const auto object = service.object->createPlugIn().object->QueryInterface().object;
     const auto interface = control.getControlInferaceWithDeviceInterface(*object);
     ASSERT_TRUE(interface);
     EXPECT_EQ(control.getInterfaceNumberFromInterface(*interface), 0);
-    EXPECT_THAT(SimulatedHost::take(), IsEmpty());
-    bus.failStep(UsbStep::InterfaceNumber, UsbCode::NoDevice);
+    EXPECT_THAT(TestHost::take(), IsEmpty());
+    bus.failures[UsbStep::InterfaceNumber] = UsbCode::NoDevice;
     EXPECT_EQ(control.getInterfaceNumberFromInterface(*interface), 0);
-    EXPECT_THAT(SimulatedHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
+    EXPECT_THAT(TestHost::take(), ElementsAre("log Unable to get interface number (0xfffffffc)\n"));
 }
 
 TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
-    auto& bus = SimulatedBus::instance();
+    auto& bus = TestBus::instance();
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
-    bus.failStep(UsbStep::InterfaceClose, UsbCode::NotFound);
+    bus.failures[UsbStep::InterfaceClose] = UsbCode::NotFound;
     device().addFault(kAnyGet, 1, RequestFault::TimeOut);
     std::array<std::uint8_t, 4> block{9, 9, 9, 9};
     EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(9, 9, 9, 9));
-    EXPECT_THAT(SimulatedHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
+    EXPECT_THAT(TestHost::takeLog(), ElementsAre("log CameraControl Error: Control request failed: fffffffb"));
     EXPECT_EQ(bus.closeCount, 1U);
     EXPECT_TRUE(control.getDataFor(UVCRequest::GET_CUR, 4, 10, 3, block));
     EXPECT_THAT(block, ElementsAre(0x51, 0x02, 0x83, 0x1C));
@@ -146,8 +147,8 @@ TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
 
 TEST_F(Transport, ClosesAndReleasesItsInterface) {
     EXPECT_TRUE(CUvcBaseControl().initWithVendorID(kVendor, kProduct));
-    EXPECT_EQ(SimulatedBus::instance().closeCount, 1U);
-    EXPECT_THAT(SimulatedHost::take(), ElementsAre("release"));
+    EXPECT_EQ(TestBus::instance().closeCount, 1U);
+    EXPECT_THAT(TestHost::take(), ElementsAre("release"));
 }
 
 TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
@@ -157,7 +158,7 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
     EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device does not know
     std::array<std::uint8_t, 7> block{1, 2, 3, 4, 5, 6, 7};
     EXPECT_TRUE(control.SetData2(block, 7, 13, 3));
-    EXPECT_THAT(SimulatedHost::takeRequests(),
+    EXPECT_THAT(TestHost::takeRequests(),
         ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 03 00 02 02 00 | 34 12",
             "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
             "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
@@ -165,7 +166,7 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
 
 TEST_F(Transport, LengthsThatDoNotFitAreRefusedWithoutAWord) {
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
-    SimulatedHost::take();
+    TestHost::take();
     std::vector<std::uint8_t> block(0x20000);
     for (const auto& [length, size] : {std::pair(-1, 7U), {8, 7U}, {0x10007, 0x20000U}}) {
         EXPECT_FALSE(control.getDataFor(UVCRequest::GET_CUR, length, 13, 3, std::span(block).first(size))) << length;
@@ -173,7 +174,7 @@ TEST_F(Transport, LengthsThatDoNotFitAreRefusedWithoutAWord) {
         EXPECT_FALSE(control.setData(1, length == 8 ? 9 : length, 13, 3)) << length;
     }
     EXPECT_EQ(control.getRangeForControl({3, 13, 0x10007}).max, 0);
-    EXPECT_THAT(SimulatedHost::take(), IsEmpty());
+    EXPECT_THAT(TestHost::take(), IsEmpty());
     EXPECT_TRUE(std::isinf(control.getValueForControl({3, 12, 26}))); // the longest block is read without its limits
 }
 
@@ -203,27 +204,27 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
         SCOPED_TRACE(row.name);
         const auto request = [&row](const char* start) { return std::string(start) + " " + row.address + " |"; };
         EXPECT_TRUE((control.*row.set)(0.25F));
-        auto requests = SimulatedHost::takeRequests();
+        auto requests = TestHost::takeRequests();
         ASSERT_EQ(requests.size(), 3U);
         EXPECT_THAT(requests[0], testing::StartsWith(request("a1 82")));
         EXPECT_THAT(requests[1], testing::StartsWith(request("a1 83")));
         EXPECT_EQ(requests[2], request("21 01") + " " + row.one);
         EXPECT_TRUE(std::isnan((control.*row.get)()));
         EXPECT_THAT(
-            SimulatedHost::takeRequests(), ElementsAre(testing::_, testing::_, testing::StartsWith(request("a1 81"))));
+            TestHost::takeRequests(), ElementsAre(testing::_, testing::_, testing::StartsWith(request("a1 81"))));
         // With the minimum refused the range is 0 to 1 and shows the scale's direction.
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
-        EXPECT_EQ(SimulatedHost::takeRequests().back(), request("21 01") + " " + row.one);
+        EXPECT_EQ(TestHost::takeRequests().back(), request("21 01") + " " + row.one);
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE((control.*row.set)(row.inverted ? 1.0F : 0.0F));
-        EXPECT_THAT(SimulatedHost::takeRequests().back(), testing::HasSubstr("| 00"));
+        EXPECT_THAT(TestHost::takeRequests().back(), testing::HasSubstr("| 00"));
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         device().addFault({.request = 0x81, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 1.0F : 0.0F);
-        SimulatedHost::take();
+        TestHost::take();
     }
 }
 
@@ -236,7 +237,7 @@ TEST_F(Transport, AutomaticModes) {
     EXPECT_FALSE(control.getAutoExposure());
     EXPECT_TRUE(control.getAutoWhiteBalance()); // the device's setting is 0 now
     EXPECT_EQ(control.getExtension(), 0x51);
-    EXPECT_THAT(SimulatedHost::takeRequests(),
+    EXPECT_THAT(TestHost::takeRequests(),
         ElementsAre("21 01 00 02 00 01 01 00 | 08", "21 01 00 02 00 01 01 00 | 01", "21 01 00 0b 00 02 01 00 | 01",
             "21 01 00 0b 00 02 01 00 | 00", "a1 81 00 02 00 01 01 00 | 01", "a1 81 00 0b 00 02 01 00 | 00",
             "a1 81 00 0a 00 03 04 00 | 51 02 83 1c"));
@@ -261,7 +262,7 @@ TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
     const auto sent = [this](float value) {
         device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
-        return SimulatedHost::takeRequests().back();
+        return TestHost::takeRequests().back();
     };
     EXPECT_THAT(sent(0x1p31F), testing::EndsWith("| ff ff ff 7f"));
     EXPECT_THAT(sent(-2.9F), testing::EndsWith("| fe ff ff ff"));

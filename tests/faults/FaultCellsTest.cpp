@@ -2,9 +2,9 @@
 // says, shows and leaves in the device against the model of the rules.
 
 #include "ApplicationMain.h"
+#include "Bundle.h"
 #include "Model.h"
 #include "OpenWindow.h"
-#include "windows/Bundle.h"
 
 #include <QSignalBlocker>
 
@@ -88,7 +88,7 @@ void prepareTrouble(Trouble trouble, int n, bool twice) {
 }
 
 void setUpDevices(Trouble trouble) {
-    SimulatedHost::reset();
+    TestHost::reset();
     const auto note = device().onRequest;
     if (trouble == Trouble::Another) {
         SimulatedBus::instance().devices.push_back(std::make_shared<SimulatedDevice>());
@@ -140,7 +140,7 @@ class AlertWitness : public QObject {
 public:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() == QEvent::Show && object->isWidgetType() && object->objectName() == "AlertWindow") {
-            SimulatedHost::instance().journal.emplace_back("alert");
+            TestHost::instance().journal.emplace_back("alert");
             QMetaObject::invokeMethod(object, "close", Qt::QueuedConnection);
         }
         return false;
@@ -151,7 +151,7 @@ public:
 
 extern "C" void __wrap_exit( // NOLINT(bugprone-reserved-identifier): the linker's name for it
     int status) {
-    throw Ended{status, SimulatedHost::take()};
+    throw Ended{status, TestHost::take()};
 }
 
 class FaultCellsTest : public QObject {
@@ -172,7 +172,7 @@ private:
         if (!starts) {
             settings.emplace();
             model.startUp();
-            if (SimulatedHost::take() != std::exchange(model.journal, {})) difference = "start-up";
+            if (TestHost::take() != std::exchange(model.journal, {})) difference = "start-up";
         }
         if (!starts) model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
         model.expectTrouble(trouble, n, twice);
@@ -185,7 +185,7 @@ private:
         try {
             if (starts) settings.emplace();
             else actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
-            journal = SimulatedHost::take();
+            journal = TestHost::take();
         } catch (const Ended& end) {
             status = end.status;
             journal = end.journal;
@@ -259,7 +259,7 @@ private slots:
             if (action < 5) meant[8] = device().settings[9] = static_cast<std::uint8_t>(below(2));
         };
         for (int turn = 0; turn < 10'000; ++turn) {
-            SimulatedHost::take();
+            TestHost::take();
             const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
             meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));
             device().clearFaults();

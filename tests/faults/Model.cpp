@@ -1,6 +1,6 @@
 #include "Model.h"
 
-#include "SimulatedHost.h"
+#include "TestHost.h"
 
 #include <algorithm>
 #include <cstdio>

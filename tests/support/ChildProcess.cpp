@@ -1,6 +1,6 @@
 #include "ChildProcess.h"
 
-#include "SimulatedHost.h"
+#include "TestHost.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -18,7 +18,7 @@ constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the fil
 
 [[noreturn]] void runPart(const std::function<void()>& part) {
     QFile journal(qEnvironmentVariable(kJournalVariable));
-    SimulatedHost::instance().journalCopy = journal.open(QIODevice::WriteOnly) ? journal.handle() : -1;
+    TestHost::instance().journalCopy = journal.open(QIODevice::WriteOnly) ? journal.handle() : -1;
     part();
     std::_Exit(99);
 }

@@ -2,9 +2,9 @@
 // requests fail is in faults/.
 
 #include "ApplicationMain.h"
+#include "Bundle.h"
 #include "OpenWindow.h"
 #include "SliderGeometry.h"
-#include "windows/Bundle.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
@@ -18,7 +18,7 @@ namespace {
 /// The requests as words like "GET 13" and "SET 11", failed ones with a "!".
 QString requestsInShort() {
     QStringList words;
-    for (const std::string& request : SimulatedHost::takeRequests()) {
+    for (const std::string& request : TestHost::takeRequests()) {
         const QString text = QString::fromStdString(request);
         words << (text.startsWith("a1") ? "GET " : "SET ") + QString::number(text.mid(9, 2).toInt(nullptr, 16))
                 + (text.contains('!') ? "!" : "");
@@ -163,7 +163,7 @@ private slots:
         setUpApplication(*qApp);
         QApplication::setDoubleClickInterval(5); // so long a press that opens a list is no click in it
     }
-    void init() { SimulatedHost::reset(); }
+    void init() { TestHost::reset(); }
 
     void startUpShowsTheDevice() {
         for (const auto& [levels, hdcp, stars, item] :
@@ -196,9 +196,9 @@ private slots:
     void startingUpAgainLetsGoOfTheDeviceFirst() {
         const SettingsWindow settings;
         settings.view().setRepresentedObject(5);
-        SimulatedHost::take();
+        TestHost::take();
         settings.view().viewDidLoad();
-        QCOMPARE(SimulatedHost::take().front(), "release");
+        QCOMPARE(TestHost::take().front(), "release");
         QCOMPARE(settings.view().representedObject(), 5);
     }
 
@@ -229,7 +229,7 @@ private slots:
             const SettingsWindow settings;
             auto& control = settings.control<QSlider>(slider);
             const auto held = [byte = byte] { return int{device().audio[byte]}; };
-            SimulatedHost::take();
+            TestHost::take();
             QTest::keyClick(&control, Qt::Key_Right);
             QCOMPARE(held(), 101);
             QCOMPARE(requestsInShort(), hasAux ? "GET 13, SET 13, GET 13, SET 13, GET 13" : "GET 13, SET 13, GET 13");
@@ -257,7 +257,7 @@ private slots:
         SettingsWindow settings;
         auto& on = settings.control<QRadioButton>("HdcpOnButton");
         auto& off = settings.control<QRadioButton>("HdcpOffButton");
-        SimulatedHost::take();
+        TestHost::take();
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2});
         QCOMPARE(requestsInShort(), "GET 11, SET 11, GET 11");
         QTest::mouseClick(&on, Qt::LeftButton, {}, {12, on.height() / 2}); // the selected one again
@@ -286,7 +286,7 @@ private slots:
         hands.popUp.setFocus();
         connect(&hands.popUp, &CustomPopUpButton::menuWillOpen, [&] { menu += 'o'; });
         connect(&hands.popUp, &CustomPopUpButton::menuDidClose, [&] { menu += 'c'; });
-        SimulatedHost::take();
+        TestHost::take();
         device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
             menu += menu.endsWith('!') ? "" : "!";
             note(request);
@@ -326,7 +326,8 @@ private slots:
     void outletsAreConnected() {
         const SettingsWindow settings;
         QCOMPARE(settings.view().outlets().size(), std::size_t{16});
-        for (const OutletBase* outlet : settings.view().outlets()) QVERIFY2(outlet->isConnected(), outlet->name());
+        for (const OutletBase* outlet : settings.view().outlets())
+            QVERIFY2(settings.window().findChild<QWidget*>(QString::fromLatin1(outlet->name())), outlet->name());
     }
 
     void missingOutletStopsAtItsFirstUse_data() {

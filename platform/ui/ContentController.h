@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Outlet.h"
+
+#include <QObject>
+#include <QVariant>
+
+/// Controls what is in a window. Made by the window description, which then connects the outlets to the
+/// window's controls, the controls' actions to the slots of those names, and calls `viewDidLoad`.
+class ContentController : public QObject {
+    Q_OBJECT
+
+public:
+    virtual void viewDidLoad() {}
+
+    [[nodiscard]] QVariant representedObject() const { return m_representedObject; }
+    virtual void setRepresentedObject(const QVariant& object) { m_representedObject = object; }
+
+    [[nodiscard]] const OutletList& outlets() const { return m_outlets; }
+
+protected:
+    OutletList m_outlets; ///< filled by the outlets themselves
+
+private:
+    QVariant m_representedObject;
+};

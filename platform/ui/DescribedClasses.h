@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMetaObject>
+#include <QMetaType>
+
+/// Makes a class known by name to window descriptions. Its constructor must be Q_INVOKABLE.
+template <class Class>
+void registerDescribedClass() {
+    qRegisterMetaType<Class*>();
+}
+
+/// What is known of a class by its name, absent if it has not been registered.
+inline const QMetaObject* describedClass(const QByteArray& name) {
+    return QMetaType::fromName(name + '*').metaObject();
+}
+
+/// A custom control that has something to do when it has been made from a description, its items included.
+class MadeFromDescription {
+public:
+    virtual ~MadeFromDescription() = default;
+    virtual void didDecode() = 0;
+};

@@ -1,0 +1,146 @@
+#include "ModalRun.h"
+
+#include <QAbstractSlider>
+#include <QApplication>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QMetaProperty>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QPushButton>
+#include <QWidget>
+#include <QWindow>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What a control of an inert window showed when the run began.
+struct ShownValue {
+    QPointer<QWidget> control;
+    QMetaProperty property; ///< the one that the user edits
+    QVariant value;
+};
+
+/// One modal run, from its window's appearance to its end.
+class ModalRun : public QObject {
+public:
+    explicit ModalRun(QWidget& window);
+    ~ModalRun() override { innermost = m_outer; }
+
+    void exec() { m_loop.exec(); }
+    void stop() { m_loop.quit(); }
+    [[nodiscard]] bool makesInert(const QWidget& control) const { return control.window() != &m_window; }
+    void restore(const QWidget& window) const;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+    static inline ModalRun* innermost = nullptr; // on the main thread, as all windows are
+
+private:
+    void rememberAndLetGo(QWidget& window);
+    [[nodiscard]] bool isHeldKey(QObject* object, QEvent* event) const;
+
+    QWidget& m_window;
+    QEventLoop m_loop;
+    ModalRun* m_outer;
+    std::vector<ShownValue> m_shown;
+};
+
+ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(innermost, this)) {
+    for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (other != &window)
+            rememberAndLetGo(*other);
+    }
+    qApp->installEventFilter(this);
+    QObject::connect(&window, &QObject::destroyed, &m_loop, &QEventLoop::quit);
+}
+
+/// The window's controls hear nothing of the mouse any more: a groove that is pressed would repeat for ever.
+void ModalRun::rememberAndLetGo(QWidget& window) {
+    for (QWidget* control : window.findChildren<QWidget*>()) {
+        if (auto* slider = qobject_cast<QAbstractSlider*>(control)) {
+            QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), slider->mapToGlobal(QPointF()),
+                                Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(slider, &release);
+        }
+        const QMetaProperty property = control->metaObject()->userProperty();
+        if (property.isValid())
+            m_shown.push_back({control, property, property.read(control)});
+    }
+}
+
+void ModalRun::restore(const QWidget& window) const {
+    for (const auto& [control, property, value] : m_shown) {
+        if (control && control->window() == &window)
+            (void)property.write(control, value); // it was read from there
+    }
+}
+
+/// The repeats of a key that was pressed in another window come here when this one gets the focus.
+bool ModalRun::isHeldKey(QObject* object, QEvent* event) const {
+    constexpr std::array kEndingKeys{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Space};
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)
+        return false;
+    const auto* widget = qobject_cast<QWidget*>(object);
+    const auto& key = static_cast<QKeyEvent&>(*event);
+    return widget != nullptr && widget->window() == &m_window && key.isAutoRepeat()
+           && std::ranges::find(kEndingKeys, key.key()) != kEndingKeys.end();
+}
+
+bool ModalRun::eventFilter(QObject* object, QEvent* event) {
+    // No invisible run may remain, however the window goes. Closing hides it, minimising is spontaneous.
+    if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous())
+        m_loop.quit();
+    if (!isHeldKey(object, event))
+        return false;
+    event->accept(); // for shortcuts too
+    return true;
+}
+
+/// Tells the window system which window this one stands before, so that it is placed there.
+void standBefore(QWidget& window, const QWidget* owner) {
+    if (!owner || !owner->windowHandle())
+        return;
+    (void)window.winId(); // makes the window handle
+    window.windowHandle()->setTransientParent(owner->windowHandle());
+}
+
+/// Texts that can be selected take the focus too, but the window begins at what ends it.
+void focusDefaultButton(const QWidget& window) {
+    for (QPushButton* button : window.findChildren<QPushButton*>()) {
+        if (button->isDefault())
+            button->setFocus();
+    }
+}
+
+} // namespace
+
+void runModalForWindow(QWidget& window) {
+    ModalRun run(window);
+    window.setWindowModality(Qt::ApplicationModal);
+    standBefore(window, QApplication::activeWindow());
+    focusDefaultButton(window);
+    window.show();
+    window.raise();
+    window.activateWindow();
+    run.exec();
+}
+
+bool isBehindModalRun(const QWidget& control) {
+    return ModalRun::innermost != nullptr && ModalRun::innermost->makesInert(control);
+}
+
+bool dropBehindModalRun(const QWidget& control) {
+    if (!isBehindModalRun(control))
+        return false;
+    ModalRun::innermost->restore(*control.window());
+    return true;
+}
+
+void stopModal() {
+    if (ModalRun::innermost)
+        ModalRun::innermost->stop();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "FatalStop.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <vector>
+
+/// A controller's reference to a control of its window, by the control's name. The window owns the control.
+class OutletBase {
+public:
+    virtual ~OutletBase() = default;
+    OutletBase(const OutletBase&) = delete;
+    OutletBase& operator=(const OutletBase&) = delete;
+
+    [[nodiscard]] const char* name() const { return m_name; }
+    /// Finds the control below `root`; one of another class does not count.
+    virtual void connectBelow(const QWidget& root) = 0;
+
+protected:
+    explicit OutletBase(const char* name) : m_name(name) {}
+
+private:
+    const char* m_name;
+};
+
+/// The outlets of one controller, in the order of their declaration.
+using OutletList = std::vector<OutletBase*>;
+
+template <class Control>
+class Outlet : public OutletBase {
+public:
+    /// Empty until the controller's window has been loaded.
+    Outlet(OutletList& outlets, const char* name) : OutletBase(name) { outlets.push_back(this); }
+
+    void connectBelow(const QWidget& root) override {
+        m_control = root.findChild<Control*>(QString::fromLatin1(name()));
+    }
+
+    /// The control. An outlet that is not connected is a fault of the window description: the program stops.
+    Control* operator->() const {
+        if (!m_control)
+            fatalStop("outlet %s is not connected", name());
+        return m_control.data();
+    }
+
+private:
+    QPointer<Control> m_control;
+};

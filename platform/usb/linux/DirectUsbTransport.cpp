@@ -1,0 +1,67 @@
+#include "ControlTransport.h"
+
+#include <libusb.h>
+
+#include <memory>
+
+static_assert(UsbCode::Success == LIBUSB_SUCCESS && UsbCode::InputOutput == LIBUSB_ERROR_IO
+              && UsbCode::Access == LIBUSB_ERROR_ACCESS && UsbCode::NoDevice == LIBUSB_ERROR_NO_DEVICE
+              && UsbCode::NotFound == LIBUSB_ERROR_NOT_FOUND && UsbCode::Busy == LIBUSB_ERROR_BUSY
+              && UsbCode::TimeOut == LIBUSB_ERROR_TIMEOUT && UsbCode::Stall == LIBUSB_ERROR_PIPE
+              && UsbCode::NotSupported == LIBUSB_ERROR_NOT_SUPPORTED
+              && UsbCode::NotSendable < LIBUSB_ERROR_OTHER);
+
+namespace {
+
+template <auto kFree>
+struct Free {
+    void operator()(auto* object) const { kFree(object); }
+};
+using Context = std::unique_ptr<libusb_context, Free<libusb_exit>>;
+using Handle = std::unique_ptr<libusb_device_handle, Free<libusb_close>>;
+
+constexpr unsigned kTimeout = 5000; // milliseconds, the kernel's own; 0 would wait for ever
+
+/// Made once, as it costs many times what a request does. It holds no device.
+UsbResult openLibusb(libusb_context*& opened) {
+    static Context context;
+    if (!context) {
+        // libusb gets our one device, and must not look at others: version 1.0.26 can loop for ever on
+        // malicious descriptors, also on those of a device that is plugged in later.
+        (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
+        libusb_context* made = nullptr;
+        if (const UsbResult result = libusb_init(&made); result != UsbCode::Success)
+            return result;
+        context.reset(made);
+    }
+    opened = context.get();
+    return UsbCode::Success;
+}
+
+UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+    // usbfs checks the interface that wIndex names, and would claim it by itself and keep it.
+    const int named = request.wIndex & 0xFF;
+    if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success)
+        return claimed;
+    const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
+                                             request.wIndex, bytes.data(),
+                                             static_cast<std::uint16_t>(bytes.size()), kTimeout);
+    (void)libusb_release_interface(device, named); // fails only when the device is gone
+    if (done < 0)
+        return done;
+    request.wLenDone = static_cast<std::uint32_t>(done);
+    return request.wLenDone == bytes.size() ? UsbCode::Success : UsbCode::InputOutput;
+}
+
+} // namespace
+
+UsbResult transferDirectly(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+    libusb_context* context = nullptr;
+    if (const UsbResult result = openLibusb(context); result != UsbCode::Success)
+        return result;
+    libusb_device_handle* opened = nullptr;
+    if (const UsbResult result = libusb_wrap_sys_device(context, node, &opened); result != UsbCode::Success)
+        return result;
+    const Handle handle(opened);
+    return transfer(opened, request, bytes);
+}

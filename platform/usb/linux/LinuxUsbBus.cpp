@@ -1,0 +1,115 @@
+#include "LinuxUsbInterface.h"
+#include "UsbChain.h"
+
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+using namespace udevSearch;
+
+namespace {
+
+std::uint8_t byteIn(const Device& device, const char* attribute, int base) {
+    return static_cast<std::uint8_t>(numberIn(device, attribute, base));
+}
+
+class LinuxDevice : public UsbDevice {
+public:
+    explicit LinuxDevice(PluggedDevice device) : m_device(std::move(device)) {}
+
+    UsbResult GetLocationID(std::uint32_t& location) override;
+    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t interfaceClass,
+                                                                std::uint8_t interfaceSubClass) override;
+
+private:
+    PluggedDevice m_device;
+};
+
+UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
+    location = std::uint32_t{m_device.bus} << 24;
+    const std::size_t dash = m_device.name.find('-'); // a root hub's name has none
+    std::string_view chain = m_device.name;
+    chain.remove_prefix(dash == std::string::npos ? chain.size() : dash + 1);
+    for (int shift = 20; shift >= 0 && !chain.empty(); shift -= 4) {
+        char* end = nullptr;
+        location |= (static_cast<unsigned>(std::strtoul(chain.data(), &end, 10)) & 0xFU) << shift;
+        chain.remove_prefix(static_cast<std::size_t>(end - chain.data()));
+        chain.remove_prefix(chain.starts_with('.') ? 1 : chain.size());
+    }
+    return UsbCode::Success;
+}
+
+UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(std::uint8_t interfaceClass,
+                                                                         std::uint8_t interfaceSubClass) {
+    const Udev context(udev_new());
+    const Device device = deviceAt(context, m_device.path);
+    if (!device)
+        return {UsbCode::NoDevice, nullptr};
+    auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
+    for (const std::string& path : foldersWith(context, "usb", "bInterfaceNumber", device.get())) {
+        const Device interface = deviceAt(context, path);
+        if (!interface || path.substr(0, path.rfind('/')) != m_device.path)
+            continue; // gone by now, or of a device behind this hub
+        if (byteIn(interface, "bInterfaceClass", 16) != interfaceClass
+            || byteIn(interface, "bInterfaceSubClass", 16) != interfaceSubClass)
+            continue;
+        iterator->add(std::make_unique<ChainService<UsbInterface>>(
+            [plugged = m_device, path, number = byteIn(interface, "bInterfaceNumber", 16)] {
+                return std::make_unique<LinuxUsbInterface>(plugged, path, number);
+            }));
+    }
+    return {UsbCode::Success, std::move(iterator)};
+}
+
+std::unique_ptr<UsbService<UsbDevice>> serviceOf(const Device& device, const std::string& path,
+                                                 std::shared_ptr<const SysfsFolder> folder) {
+    const PluggedDevice plugged{std::move(folder),
+                                path,
+                                orEmpty(udev_device_get_sysname(device.get())),
+                                orEmpty(udev_device_get_devnode(device.get())),
+                                udev_device_get_devnum(device.get()),
+                                numberIn(device, "busnum", 10)};
+    return std::make_unique<ChainService<UsbDevice>>(
+        [plugged] { return std::make_unique<LinuxDevice>(plugged); });
+}
+
+/// What is plugged in and meets the condition.
+template <class Condition>
+std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(Condition condition) {
+    const Udev context(udev_new());
+    std::vector<std::unique_ptr<UsbService<UsbDevice>>> found;
+    for (const std::string& path : foldersWith(context, "usb", "devnum")) {
+        auto folder = std::make_shared<const SysfsFolder>(path); // before all that is read by path
+        const Device device = deviceAt(context, path);
+        if (device && condition(device)) // or gone by now
+            found.push_back(serviceOf(device, path, std::move(folder)));
+    }
+    return found;
+}
+
+class LinuxUsbBus : public UsbBus {
+public:
+    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
+        auto found = services([&](const Device& device) {
+            return numberIn(device, "idVendor", 16) == vendor && numberIn(device, "idProduct", 16) == product;
+        });
+        if (found.empty())
+            return {UsbCode::NoDevice, nullptr};
+        return {UsbCode::Success, std::move(found.front())};
+    }
+
+    UsbYield<UsbIterator<UsbDevice>> allServices() override {
+        auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
+        for (auto& service : services([](const Device&) { return true; }))
+            iterator->add(std::move(service));
+        return {UsbCode::Success, std::move(iterator)};
+    }
+};
+
+} // namespace
+
+UsbBus& usbBus() {
+    static LinuxUsbBus bus;
+    return bus;
+}

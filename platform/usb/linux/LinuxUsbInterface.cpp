@@ -1,0 +1,137 @@
+#include "LinuxUsbInterface.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <span>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr std::size_t kMaxData = 64; // bytes; the device's longest block has 26
+constexpr std::string_view kKernelUvcDriver = "uvcvideo";
+constexpr std::string_view kClaimedByProgram = "usbfs"; // another program's request: over in a moment
+
+UsbResult resultOfOpen(int error) {
+    switch (error) {
+    case EACCES:
+    case EPERM:
+        return UsbCode::Access;
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+        return UsbCode::NoDevice;
+    case EBUSY:
+        return UsbCode::Busy;
+    default:
+        return UsbCode::InputOutput;
+    }
+}
+
+/// Opens without waiting, whatever the name leads to. `NoDevice`: to something else than the character device
+/// with this number.
+UsbResult openDeviceNode(const std::string& path, dev_t number, OpenFile& node) {
+    OpenFile file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file)
+        return resultOfOpen(errno);
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISCHR(status.st_mode) || status.st_rdev != number)
+        return UsbCode::NoDevice;
+    node = std::move(file);
+    return UsbCode::Success;
+}
+
+} // namespace
+
+UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
+    number = m_number;
+    return UsbCode::Success;
+}
+
+UsbResult LinuxUsbInterface::openNode(const std::string& path, dev_t number, const SysfsFolder& owner) {
+    OpenFile opened;
+    const UsbResult result = openDeviceNode(path, number, opened);
+    if (!owner.exists()) // it went before the node was opened, and the number may be another's
+        return UsbCode::NoDevice;
+    m_node = std::move(opened);
+    return result;
+}
+
+UsbResult LinuxUsbInterface::openCaptureNode() {
+    m_transport = transferThroughDriver;
+    return openNode(m_captureNode.path, m_captureNode.number, m_captureNode.folder);
+}
+
+UsbResult LinuxUsbInterface::openUsbNode() {
+    m_transport = transferDirectly;
+    return openNode(m_device.node, m_device.number, *m_device.folder);
+}
+
+LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
+    using namespace udevSearch;
+    const Udev context(udev_new());
+    const Device interface = deviceAt(context, m_path);
+    if (!interface)
+        return {};
+    for (const std::string& folder : foldersWith(context, "video4linux", "index", interface.get())) {
+        const Device node = deviceAt(context, folder);
+        // Index 0 captures; the node with index 1 carries metadata and answers no control request.
+        if (node && numberIn(node, "index", 10) == 0)
+            return {orEmpty(udev_device_get_devnode(node.get())), udev_device_get_devnum(node.get()),
+                    SysfsFolder(folder)};
+    }
+    return {};
+}
+
+UsbResult LinuxUsbInterface::selectTransport() {
+    // What an earlier request found nearly always holds, and a search costs many times what a request does.
+    if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success)
+        return UsbCode::Success;
+    m_captureNode = {};
+    const std::string driver = m_folder.driver();
+    if (driver.empty() || driver == kClaimedByProgram)
+        return openUsbNode();
+    CaptureNode found = findCaptureNode();
+    if (!m_device.folder->exists()) // another device may have been found on the port
+        return UsbCode::NoDevice;
+    // The driver fills in the interface's real number, and all our requests carry 0.
+    if (driver != kKernelUvcDriver || m_number != 0 || found.path.empty())
+        return UsbCode::NotSendable;
+    m_captureNode = std::move(found);
+    return openCaptureNode();
+}
+
+UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
+    if (request.wLength > kMaxData)
+        return UsbCode::NotSupported;
+    m_node = OpenFile(); // which a failed request has left open
+    m_notOpen = selectTransport();
+    if (m_notOpen != UsbCode::Success)
+        return m_notOpen;
+    // The answer of a failed request must not reach the caller: a block that is half zeros and then written
+    // back would wipe settings.
+    std::array<std::uint8_t, kMaxData> data{};
+    const std::span bytes = std::span(data).first(request.wLength);
+    const std::span caller(request.pData, request.wLength);
+    const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
+    if (!isGet)
+        std::ranges::copy(caller, bytes.begin());
+    const UsbResult result = m_transport(m_node.get(), request, bytes);
+    if (result != UsbCode::Success)
+        return result;
+    if (isGet)
+        std::ranges::copy(bytes, caller.begin());
+    (void)USBInterfaceClose();
+    return UsbCode::Success;
+}
+
+UsbResult LinuxUsbInterface::USBInterfaceClose() {
+    if (!m_node)
+        return m_notOpen;
+    m_node = OpenFile();
+    m_notOpen = UsbCode::NotFound;
+    return UsbCode::Success;
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "ControlTransport.h"
+#include "Sysfs.h"
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <sys/types.h>
+
+/// A device that is plugged in, as sysfs shows it.
+struct PluggedDevice {
+    std::shared_ptr<const SysfsFolder> folder; ///< tells whether it is still plugged in
+    std::string path;                          ///< of the folder
+    std::string name;                          ///< bus and chain of ports: "1-2.3"; of a root hub "usb1"
+    std::string node;                          ///< in usbfs
+    dev_t number = 0;                          ///< of the node
+    unsigned bus = 0;                          ///< from 1
+};
+
+/// One interface of a device of this computer. The device's node is open for the length of a request only,
+/// and after a failed one until the close: what stays open would keep the device from suspending, the driver
+/// from being unloaded and the node's name from coming back after a re-plug.
+///
+/// The transport is selected at each request: through the kernel's driver where that holds the interface and
+/// sends exactly our packet, directly where none holds it. The driver is never detached: that would end a
+/// recording. After a re-plug every request fails with `NoDevice`, whatever is on the port then.
+class LinuxUsbInterface : public UsbInterface {
+public:
+    /// `path` is the interface's folder in sysfs, `number` the one in its descriptor.
+    LinuxUsbInterface(PluggedDevice device, std::string path, std::uint8_t number)
+        : m_device(std::move(device)), m_path(std::move(path)), m_folder(m_path), m_number(number) {}
+
+    UsbResult GetInterfaceNumber(std::uint8_t& number) override;
+    UsbResult ControlRequest(UsbControlRequest& request) override;
+    UsbResult USBInterfaceClose() override;
+
+private:
+    /// The device node that the kernel's UVC driver made for the video of the interface.
+    struct CaptureNode {
+        std::string path;   ///< empty: none
+        dev_t number = 0;   ///< belongs to this node as long as its folder exists
+        SysfsFolder folder; ///< gone once the device is unplugged or the driver unbound
+    };
+    [[nodiscard]] CaptureNode findCaptureNode() const;
+
+    /// Each leaves its node open if the result is success.
+    [[nodiscard]] UsbResult selectTransport();
+    [[nodiscard]] UsbResult openCaptureNode();
+    [[nodiscard]] UsbResult openUsbNode();
+    [[nodiscard]] UsbResult openNode(const std::string& path, dev_t number, const SysfsFolder& owner);
+
+    PluggedDevice m_device;
+    std::string m_path;
+    SysfsFolder m_folder; ///< of m_path
+    std::uint8_t m_number;
+    CaptureNode m_captureNode; ///< found by an earlier request
+    OpenFile m_node;
+    ControlTransport m_transport = nullptr;  ///< for the open node
+    UsbResult m_notOpen = UsbCode::NotFound; ///< why no node is open
+};

@@ -1,4 +1,0 @@
-#include "windows/WindowController.h"
-
-WindowController::WindowController() = default;
-WindowController::~WindowController() = default;

@@ -1,0 +1,5 @@
+#include "SimulatedBus.h"
+
+UsbBus& usbBus() {
+    return SimulatedBus::instance();
+}

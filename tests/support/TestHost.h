@@ -1,0 +1,42 @@
+#pragma once
+
+#include "SimulatedBus.h"
+#include "TestBus.h"
+
+#include <ctime>
+#include <string>
+#include <vector>
+
+/// The host of tests and fuzzers: its time advances by sleeps only, which take none, and everything that
+/// happens is recorded in one journal, in order:
+///   "log TEXT"    a log message, its newline included
+///   "sleep 1.0"   a sleep, in seconds
+///   "release"     the release of an interface
+///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
+struct TestHost {
+    std::time_t now = 1'700'000'000;
+    std::vector<std::string> journal;
+    int journalCopy = -1; ///< file descriptor that gets every entry too, each with a NUL after it
+
+    [[nodiscard]] static TestHost& instance();
+
+    /// Starts anew: UTC, an empty journal, and one device on the simulated bus whose clock is in time.
+    static void reset();
+    /// Appends an entry to the journal.
+    static void note(const std::string& entry);
+    static void setTimeZone(const char* zone);
+    /// The journal so far, which is emptied. Only the requests, or only the log, if asked for.
+    static std::vector<std::string> take();
+    static std::vector<std::string> takeRequests();
+    static std::vector<std::string> takeLog();
+};
+
+/// The device on the simulated bus.
+[[nodiscard]] SimulatedDevice& device();
+
+/// A GET or SET of a block of unit 3 as the journal shows it.
+[[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
+[[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
+
+inline constexpr RequestKind kAnyGet{.request = 0x81, .selector = {}};
+inline constexpr RequestKind kAnySet{.request = 0x01, .selector = {}};
