@@ -53,15 +53,15 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// The end of the session and the end by SIGTERM are deliberate ends like any other. Nothing is saved and the
-/// device is not told, so there is nothing to wait for, also while a request to the device is under way.
+/// The end of the session and SIGTERM are deliberate ends. Nothing is saved and the device is not told, so
+/// there is nothing to wait for, not even for a request in progress.
 void endOnTerminate() {
     const auto end = [](int) { ::_exit(EXIT_SUCCESS); };
     (void)std::signal(SIGTERM, end); // fails for unknown signals only
-    // Whoever started the program with nohup wants it to outlive the terminal.
+    // Under nohup the program continues without its terminal.
     if (std::signal(SIGHUP, end) == SIG_IGN)
         (void)std::signal(SIGHUP, SIG_IGN);
-    (void)std::signal(SIGPIPE, SIG_IGN); // writing to a display that has gone is told by the write itself
+    (void)std::signal(SIGPIPE, SIG_IGN); // a write to a closed display reports the failure itself
 }
 
 /// Qt connects again when a Wayland compositor restarts, if the session asks for it as Plasma does. It can do
@@ -90,7 +90,7 @@ void registerApplicationClasses() {
 } // namespace
 
 void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    // The display may end first when a session ends; the toolkit would exit as after a fault.
+    // At the end of a session the display may close first; the toolkit would exit with a failure.
     if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke"))
         && !reconnectsAfter(message))
         ::_exit(EXIT_SUCCESS);
@@ -126,7 +126,7 @@ int applicationMain(int argc, char** argv) {
     delegate.applicationDidFinishLaunching();
     QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
                      &AppDelegate::applicationWillTerminate);
-    // By exit as everywhere, without taking the application down: Qt 6.4 then joins its Wayland event thread,
-    // which now and then waits for another reader that has gone, and the program would never end.
+    // By exit, as everywhere, without destroying the application: Qt 6.4 then joins its Wayland event thread,
+    // which sometimes waits for a reader that has ended, and the program would hang.
     std::exit(QApplication::exec());
 }

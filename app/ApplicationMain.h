@@ -6,14 +6,13 @@ class QApplication;
 class QMessageLogContext;
 class QString;
 
-/// Gives an application all that the windows of this program need: style, colours, resources, texts and the
-/// classes that their description names.
+/// Sets up what the windows of this program need: style, colours, resources, texts and the classes that their
+/// description names.
 void setUpApplication(QApplication& application);
 
-/// Where Qt's own messages go. The log is for what the program says of the device; of the toolkit it takes
-/// only what ends the program or stops it from working. Its warnings (a runtime folder, a theme, a bus that
-/// is not there) help nobody. The end of the display ends the program with status 0, unless Qt connects
-/// again.
+/// Handles Qt's own messages. Critical and fatal ones are written to the log, which is otherwise about the
+/// device; warnings (no runtime folder, no theme, no bus) are dropped. When the connection to the display
+/// ends, the program ends with status 0, unless Qt connects again.
 void logQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
 /// Runs the program: sets the application up, opens the window that "Main" describes and handles events until

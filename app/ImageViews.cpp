@@ -40,7 +40,7 @@ void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
     m_pressed = event->globalPosition();
 }
 
-// A hand is never quite still: a click alone must not move the window.
+// A click with a small movement must not move the window.
 void BackgroundImageView::mouseMoveEvent(QMouseEvent* event) {
     if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton))
         return QLabel::mouseMoveEvent(event);

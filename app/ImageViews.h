@@ -5,7 +5,7 @@
 #include <optional>
 
 /// A background picture that holds a window's controls and drags the window, also by labels and cards on it.
-/// The picture keeps its size and stands at its alignment; it fades into the window's colour.
+/// The picture keeps its size and its alignment; it fades into the window's colour.
 class BackgroundImageView : public QLabel {
     Q_OBJECT
 

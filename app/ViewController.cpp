@@ -24,7 +24,7 @@ std::uint8_t checkedByte(int value, const char* control) {
     return static_cast<std::uint8_t>(value);
 }
 
-/// Shows what the device reported; the user's action is not meant.
+/// Shows what the device reported, which is no action of the user.
 void show(const Outlet<QSlider>& slider, std::uint8_t volume) {
     const QSignalBlocker blocker(slider.operator->());
     slider->setValue(volume);
@@ -56,7 +56,7 @@ void ViewController::viewDidLoad() {
         alertAndQuit();
     callOrQuit([](CVn318UvcController& device) { return device.SyncRtc(); });
 
-    // From here on a failed read shows as 0: the device is there, and the next action will tell.
+    // From here on a failed read shows as 0: the device was reached, and the next action reports a failure.
     std::uint8_t h264 = 0;
     std::uint8_t mjpeg = 0;
     (void)device().GetBitRate(h264, mjpeg);
@@ -123,7 +123,7 @@ CVn318UvcController& ViewController::device() const {
 void ViewController::callOrQuit(const DeviceCall& call) {
     if (call(device()))
         return;
-    DeviceCtrl.reset(); // the old one is gone before the device is opened again
+    DeviceCtrl.reset(); // closed before the device is opened again
     DeviceCtrl = CVn318UvcController::CreateInstance();
     if (!DeviceCtrl || !call(*DeviceCtrl))
         alertAndQuit();
@@ -204,7 +204,7 @@ void ViewController::changeVolume(const Outlet<QSlider>& slider, VolumeWrite wri
                                   VolumeRead readBack) {
     const std::uint8_t chosen = checkedByte(slider->value(), slider.name());
     callOrQuit([&](CVn318UvcController& device) { return (device.*write)(chosen); });
-    // The extra write has no second try and no alert, unlike the first one; that is meant.
+    // The extra write has no second try and no alert, unlike the first one, on purpose.
     if (extraWrite)
         (void)(device().*extraWrite)(chosen);
     std::uint8_t reported = 0;

@@ -93,7 +93,7 @@ private:
     void switchHdcp(std::uint8_t state);
     void showVolumes();
     void fillRecordQuality(std::uint8_t level);
-    /// Who can't see the stars hears the title of their level.
+    /// Describes the stars for assistive technology by the title of their level.
     void describeStars(std::uint8_t level);
     void styleHdcpTitles();
 };

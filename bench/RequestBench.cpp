@@ -95,8 +95,8 @@ void logLine(benchmark::State& state) {
 
 } // namespace
 
-// The C library's own names for what stands behind malloc and its kin: what is defined here comes before the
-// C library's for every library in the process. What is freed goes to the C library as before.
+// glibc's internal names of malloc and the other allocation functions. The definitions here take precedence
+// over the C library's in every library of the process; free is not replaced.
 extern "C" {
 // NOLINTBEGIN(bugprone-reserved-identifier)
 void* __libc_malloc(std::size_t size);

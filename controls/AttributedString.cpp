@@ -72,7 +72,7 @@ AttributedString withMnemonic(const AttributedString& title, bool underline) {
     }
     if (underline && mnemonic >= 0) {
         QTextCharFormat format;
-        format.setFontUnderline(true); // its colour comes from the range that it stands in
+        format.setFontUnderline(true); // in the colour of the range around it
         shown.colors.append({static_cast<int>(mnemonic), 1, format});
     }
     return shown;

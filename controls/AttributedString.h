@@ -9,8 +9,8 @@
 #include <QString>
 #include <QTextLayout>
 
-/// A text in one font with colours for stretches of it. Stretches count 16-bit code units; where two overlap
-/// the later one holds.
+/// A text in one font with colours for ranges of it, counted in 16-bit code units. Where two overlap, the
+/// later one is drawn.
 struct AttributedString {
     QString string;
     QFont font;
@@ -27,8 +27,7 @@ Q_DECLARE_METATYPE(AttributedString)
 
 /// `fullString` in the title font and in `fullStringColor`, its first `subString` in `subStringColor`. The
 /// first colour spans as many code units as the string has user-perceived characters, so the end of a string
-/// with characters of several code units has no colour; that is how it has always been. A `subString` that
-/// does not occur colours nothing.
+/// with characters of several code units has no colour. A `subString` that does not occur colours nothing.
 [[nodiscard]] AttributedString createAttributedString(const QString& fullString,
                                                       const QColor& fullStringColor, const QString& subString,
                                                       const QColor& subStringColor);

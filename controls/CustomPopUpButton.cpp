@@ -64,7 +64,7 @@ public:
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
         option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
-        // The list stands over the face, within the border's pixel: the titles of both are aligned.
+        // The list covers the face but for the border's pixel: the titles of both are aligned.
         const QRectF box = QRectF(option.rect).adjusted(kTitleLeft - 1, 0, -kTitleLeft, 0);
         drawAttributedString(*painter, box, index.data(kAttributedTitle).value<AttributedString>());
     }
@@ -90,13 +90,13 @@ void CustomPopUpButton::didDecode() {
     view()->installEventFilter(this);
     setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
     // Before all handlers, so that they run after the list was closed in whatever order the toolkit does it.
-    connect(this, &QComboBox::activated, this, &CustomPopUpButton::tellThatMenuClosed);
+    connect(this, &QComboBox::activated, this, &CustomPopUpButton::emitMenuDidClose);
     connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::showCurrentRow);
     showCurrentRow();
 }
 
-/// In the list, which the toolkit leaves where the user has browsed to; screen readers read it there. The
-/// focus stays where it is, while the list alone would tell that it goes to the row.
+/// Selects the current item in the list: the toolkit leaves the selection where the user has browsed to, and
+/// screen readers read it there. The list alone would also report that the row has the focus.
 void CustomPopUpButton::showCurrentRow() {
     const QSignalBlocker blocker(view()->selectionModel());
     view()->setCurrentIndex(model()->index(currentIndex(), modelColumn(), rootModelIndex()));
@@ -148,15 +148,15 @@ void CustomPopUpButton::chooseItemAtIndex(int index) {
     emit activated(index);
 }
 
-void CustomPopUpButton::tellThatMenuClosed() {
+void CustomPopUpButton::emitMenuDidClose() {
     if (std::exchange(m_open, false))
         emit menuDidClose(view());
 }
 
-// Whoever closes the list: the user, the program, or the window system when another program is pressed.
+// The list is closed by the user, by the program, or by the window system after a click elsewhere.
 bool CustomPopUpButton::eventFilter(QObject* list, QEvent* event) {
     if (event->type() == QEvent::Hide) {
-        tellThatMenuClosed();
+        emitMenuDidClose();
         // Later: the toolkit may still have to take a choice from the row.
         QMetaObject::invokeMethod(this, &CustomPopUpButton::showCurrentRow, Qt::QueuedConnection);
     }

@@ -11,14 +11,13 @@ inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open list, whose 
 inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 
 /// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron.
-/// Its items' titles are attributed strings. A choice of the user is told by `activated`, once for each and
-/// for the current item too; nothing else tells it: neither browsing the open list nor the mouse wheel
-/// chooses.
+/// Its items' titles are attributed strings. Each choice of the user emits `activated` once, also for the
+/// current item. Browsing the open list and the mouse wheel choose nothing.
 class CustomPopUpButton : public QComboBox, public MadeFromDescription {
     Q_OBJECT
 
 public:
-    /// Where the style's own arrow stands; the chevrons are drawn in any case.
+    /// Where the style's own arrow is drawn; the chevrons are drawn in any case.
     enum class ArrowPosition : unsigned char { None, AtCenter };
 
     /// As window descriptions make it.
@@ -48,8 +47,8 @@ public:
 
     /// Opens the list. Does nothing while there are no items or a modal run makes this window inert.
     void showPopup() override;
-    /// The user chooses an item by assistive technology, the list being open or not. Closes the list first.
-    /// Does nothing if the item can't be chosen now.
+    /// A choice by assistive technology, with the list open or closed. Closes the list first. Does nothing if
+    /// the item can't be chosen now.
     void chooseItemAtIndex(int index);
 
 signals:
@@ -63,7 +62,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void tellThatMenuClosed();
+    void emitMenuDidClose();
     void showCurrentRow();
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;

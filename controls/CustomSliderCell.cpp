@@ -92,8 +92,8 @@ void DrawnSlider::initStyleOption(QStyleOptionSlider* option) const {
 QRect DrawnSlider::knob() const {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    return knobRect(QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(), knobWay(width()),
-                                                    option.upsideDown));
+    return knobRect(QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(),
+                                                    knobDistance(width()), option.upsideDown));
 }
 
 void DrawnSlider::drawKnob(QPainter& context) const {
@@ -140,7 +140,7 @@ void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
         drawValue(context);
 }
 
-/// Counts by itself: what a touchpad sends in small steps must add up exactly, in both directions.
+/// Adds up the small steps of a touchpad exactly, in both directions, which the toolkit does not.
 void DrawnSlider::wheelEvent(QWheelEvent* event) {
     event->accept();
     const bool fast = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier);

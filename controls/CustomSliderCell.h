@@ -7,9 +7,9 @@
 
 class QPainter;
 
-/// A slider in the dark style: a thin white bar with a row of ticks above it. While it is pointed at
-/// or has the focus it shows its value above the knob. Handling is the toolkit's, but for the wheel. Ticks
-/// follow the bar that was drawn last.
+/// A slider in the dark style: a thin white bar with a row of ticks above it. It shows its value above the
+/// knob while the pointer is over it or it has the focus. Handling is the toolkit's, except for the wheel.
+/// Ticks follow the bar that was drawn last.
 class DrawnSlider : public QSlider {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
 
 protected:
     DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(parent), m_spacing(spacing) {
-        setAttribute(Qt::WA_Hover); // is drawn again when the pointer comes and goes
+        setAttribute(Qt::WA_Hover); // is drawn again when the pointer enters and leaves
     }
 
     void paintEvent(QPaintEvent* event) override;
@@ -42,7 +42,7 @@ private:
     TickSpacing m_spacing;
     double m_gWidth = 0;
     double m_radiusW = kKnobAllowance;
-    int m_wheelRest = 0; ///< what the wheel has turned short of a whole step; of a notch times its steps
+    int m_wheelRest = 0; ///< turn of the wheel short of a whole step, in units of a notch times its steps
 };
 
 /// With ticks at every twentieth of its travel.

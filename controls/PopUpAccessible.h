@@ -4,8 +4,8 @@
 
 #include <QAccessibleWidget>
 
-/// What assistive technology hears of a pop-up: its name, and the chosen title as its text. The toolkit's own
-/// interface gives the title as the name, and leaves the name to who follows the label.
+/// The accessible interface of a pop-up: its name, and the chosen title as its text. The toolkit's own
+/// interface gives the title as the name.
 class PopUpAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit PopUpAccessible(CustomPopUpButton& popUp)

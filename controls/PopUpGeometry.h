@@ -2,8 +2,8 @@
 
 #include <array>
 
-// What the drawn pop-up looks like, in logical pixels of a face 160 wide and 28 high: paints and tests both
-// read it here. It does not follow the button's size.
+// The drawn pop-up's geometry in logical pixels, for painting and tests. It does not follow the button's
+// size.
 
 struct PopUpLine {
     double Ax, Ay, Bx, By;
@@ -14,7 +14,7 @@ inline constexpr double kPopUpHeight = 28.0;
 inline constexpr double kArrowAreaWidth = 21.0;
 inline constexpr double kDividerX = kPopUpWidth - kArrowAreaWidth;
 inline constexpr double kArrowCenter = kPopUpWidth - kArrowAreaWidth * 0.5;
-inline constexpr double kChevronShift = 1.75; // the tips stand left of the centre; that is meant
+inline constexpr double kChevronShift = 1.75; // the tips are left of the centre on purpose
 inline constexpr double kTitleLeft = 12.0;
 inline constexpr double kTitleRight = 132.0;
 

@@ -4,7 +4,7 @@
 
 #include <QListView>
 
-/// The list that a pop-up opens. A class of its own so that assistive technology can be told whose it is.
+/// The list that a pop-up opens. A class of its own so that its accessible interface finds the pop-up.
 class PopUpList : public QListView {
     Q_OBJECT
 

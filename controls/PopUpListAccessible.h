@@ -6,9 +6,8 @@
 
 #include <vector>
 
-/// What assistive technology hears of a pop-up's list, open or not: the items, one of them selected, which it
-/// can choose. The toolkit's own interface changes the list's selection instead, which is no choice of a
-/// level.
+/// The accessible interface of a pop-up's list, open or not: its items, one of them selected, can be chosen.
+/// The toolkit's own interface only moves the list's selection.
 class PopUpListAccessible : public QAccessibleWidget
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) // has no such interface before
     ,

@@ -23,7 +23,7 @@ QRectF barRect(int sliderWidth) {
 }
 
 std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpacing spacing) {
-    // The order of the arithmetic is kept so that the rounding stays what it is.
+    // The order of the arithmetic decides the rounding.
     const double run = barWidth + knobAllowance / (-1.35);
     const double step = spacing == TickSpacing::Twentieth ? run / 20.0 : run * 0.25;
     std::vector<double> positions;
@@ -45,7 +45,7 @@ QRect knobRect(int offset) {
     return {kSideInset + offset, kTravelTop + (kTravelHeight - kKnobSize) / 2, kKnobSize, kKnobSize};
 }
 
-int knobWay(int sliderWidth) {
+int knobDistance(int sliderWidth) {
     return knobTravel(sliderWidth).width() - kKnobSize;
 }
 

@@ -5,18 +5,17 @@
 
 #include <vector>
 
-// What the drawn sliders look like, in logical pixels of the slider: painting, hit area and tests all read it
-// here.
+// The drawn sliders' geometry in logical pixels, for painting, hit area and tests.
 
-/// How close the ticks stand.
+/// The distance between ticks.
 enum class TickSpacing : unsigned char { Twentieth, Quarter };
 
 /// The track inside a bar rectangle: as wide as it, but always 3 high.
 [[nodiscard]] QRectF trackRect(const QRectF& bar);
 
-/// Where the ticks stand over a bar of that width; they reach from `kTickTop` to `kTickBottom`. None on a
-/// bar that has not been drawn yet or is too narrow for the first, and only the first where the next would
-/// not stand to the right of it, or closer than anyone can see.
+/// Horizontal positions of the ticks over a bar of that width; they reach from `kTickTop` to `kTickBottom`.
+/// None for a bar that has not been drawn yet or is too narrow for the first; only the first where the next
+/// would be left of it or too close to see.
 [[nodiscard]] std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpacing spacing);
 
 inline constexpr double kKnobAllowance = 20.0;
@@ -36,7 +35,7 @@ inline constexpr int kKnobSize = 15;
 /// The knob that many pixels right of the left end of its travel. All of it can be grabbed.
 [[nodiscard]] QRect knobRect(int offset);
 /// How far the knob moves from end to end.
-[[nodiscard]] int knobWay(int sliderWidth);
+[[nodiscard]] int knobDistance(int sliderWidth);
 
-/// Where the value's text stands: above the ticks, centred over the knob and within the slider.
+/// The value's text: above the ticks, centred over the knob and within the slider.
 [[nodiscard]] QRectF valueRect(const QRect& knob, int sliderWidth, double textWidth);

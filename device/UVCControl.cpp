@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The low byte of wIndex, the interface's number, stays 0 also where VideoControl carries another number:
-/// that is what the device is made for.
+/// The low byte of wIndex, the interface's number, is 0 also where VideoControl has another number: that is
+/// what the device expects.
 UsbControlRequest controlRequest(std::uint8_t requestType, UVCRequest request, int length, int selector,
                                  int unit, std::uint8_t* data) {
     return {.bmRequestType = requestType,
@@ -49,7 +49,7 @@ std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> serv
 
 UVCCameraControl::~UVCCameraControl() {
     if (interface)
-        (void)interface->USBInterfaceClose(); // nobody is left to be told
+        (void)interface->USBInterfaceClose(); // nothing depends on it any more
 }
 
 bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t productID) {
@@ -87,7 +87,7 @@ std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInte
     if (!service)
         return nullptr;
     auto plugIn = service->createPlugIn();
-    // The release's result is the one looked at and logged: people's saved logs are read by it.
+    // The release's result decides and is logged, not the plug-in's: people's saved logs are read by it.
     const UsbResult released = service->release();
     if (released != UsbCode::Success || !plugIn.object) {
         systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n",

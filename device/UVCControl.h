@@ -35,21 +35,21 @@ public:
     UVCCameraControl(const UVCCameraControl&) = delete;
     UVCCameraControl& operator=(const UVCCameraControl&) = delete;
 
-    /// Takes the first device with these identifiers (low 32 bits). False: there is none, or it can't be
-    /// reached; drop the object. True with a device that has no VideoControl interface: every request fails.
+    /// Opens the first device with these identifiers (low 32 bits). False: there is none, or it can't be
+    /// reached; discard the object. True with a device that has no VideoControl interface: every request
+    /// fails.
     [[nodiscard]] bool initWithVendorID(std::int64_t vendorID, std::int64_t productID);
-    /// Takes the device at a location (`UsbDevice::GetLocationID`). None there: every request fails.
+    /// Opens the device at a location (`UsbDevice::GetLocationID`). None there: every request fails.
     void initWithLocationID(std::uint32_t locationID);
 
     /// The VideoControl interface of a device, absent if it has none or it can't be had. The name's spelling
     /// "Inferace" is part of the interface.
     [[nodiscard]] std::unique_ptr<UsbInterface> getControlInferaceWithDeviceInterface(UsbDevice& device);
-    /// Asks the interface for its number and drops it: requests carry interface number 0, always.
-    /// Returns 0.
+    /// Asks the interface for its number and returns 0: all requests have interface number 0.
     std::uint8_t getInterfaceNumberFromInterface(UsbInterface& asked);
 
-    /// Sends one request as it stands. After a failure the interface is closed but kept, and the next
-    /// request is tried on it again. Blocks as long as `UsbInterface::ControlRequest`. On Linux requests of
+    /// Sends one request unchanged. After a failure the interface is closed but kept, and the next request is
+    /// tried on it again. Blocks as long as `UsbInterface::ControlRequest`. On Linux requests of
     /// more than 64 bytes are refused.
     [[nodiscard]] bool sendControlRequest(UsbControlRequest request);
 

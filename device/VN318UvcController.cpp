@@ -32,8 +32,8 @@ using SettingsBlock = std::array<std::uint8_t, kSettings.size>;
 using VersionBlock = std::array<std::uint8_t, kVersions.size>;
 using AudioBlock = std::array<std::uint8_t, kAudio.size>;
 
-// The HDMI setter speaks with the headphone setter's lines, both spelt "Haedphone", and the AUX getter with
-// the HDMI getter's: people's saved logs are read by them.
+// The HDMI setter logs the headphone setter's lines, both spelt "Haedphone", and the AUX getter the HDMI
+// getter's: people's saved logs are read by them.
 constexpr VolumeField kMicrophone{3, "Mic gain", "SetMicrophoneVolume", "GetMicrophoneVolume"};
 constexpr VolumeField kHeadphone{5, "Headphone vol", "setHaedphone", "GetHeadphoneVolume"};
 constexpr VolumeField kHdmi{1, "HDMI vol", "setHaedphone", "GetHdmiVolume"};
@@ -59,7 +59,7 @@ std::uint8_t lowByte(int number) {
 }
 
 /// The device's clock as host time. The flag for daylight saving stays 0, standard time, so a host in
-/// daylight saving sees an hour's difference and sets the clock at every start; that is meant.
+/// daylight saving sees an hour's difference and sets the clock at every start, on purpose.
 std::time_t clockTime(const SettingsBlock& block) {
     std::tm calendar{};
     calendar.tm_year = block[2] + kDeviceEpoch;
@@ -198,7 +198,7 @@ bool CVn318UvcController::SetHdcpState(int state) {
     systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
     systemLog("new HDCP state value : %d \n", stored);
     if (stored > 1)
-        return false; // the guard against anything but on and off; it is meant to say nothing
+        return false; // neither on nor off: refused without a log line
     block[kHdcpByte] = stored;
     return writeSettings(kHdcp, block);
 }

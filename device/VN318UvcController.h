@@ -22,9 +22,9 @@ inline constexpr std::array<UVCControlInfo, 4> UvcControls2{{
 struct VolumeField;
 struct SettingsField;
 
-/// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all kept in
+/// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all stored in
 /// four blocks of extension unit 3 (docs/device.md). Nothing is cached; a setting is changed by reading its
-/// whole block, changing its field and writing the whole block back, so that nothing else is touched. A block
+/// whole block, changing its field and writing the whole block back, so that nothing else changes. A block
 /// that could not be read is never written.
 ///
 /// Every operation returns true on success. Getters set their out-arguments to 0 on failure. Setters store

@@ -16,7 +16,7 @@ constexpr std::uint8_t kReadableAndSettable = 3;
 constexpr std::uint8_t kNoError = 0; // of the error code control (UVC 1.5, 4.2.1.2)
 constexpr std::uint8_t kInvalidRequest = 7;
 
-constexpr std::uint8_t kInterfaceItself = 0; // stands where a unit would
+constexpr std::uint8_t kInterfaceItself = 0; // instead of a unit
 constexpr std::uint8_t kErrorCodeSelector = 2;
 constexpr std::uint8_t kExtensionUnit = 3;
 enum Selector : std::uint8_t { Status = 10, Settings = 11, Versions = 12, Audio = 13 };
@@ -50,7 +50,7 @@ std::uint32_t valueFor(UVCRequest request, const SimulatedControl& control) {
     }
 }
 
-/// The result that a fault forces on a request, absent if the request still has to be carried.
+/// The result that a fault forces on a request, absent if the request is still answered.
 std::optional<UsbResult> forcedResult(RequestFault fault) {
     switch (fault) {
     case RequestFault::Stall:
@@ -122,9 +122,9 @@ UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (unitOf(request) != kInterfaceItself)
         m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
-    const bool carried = !isGet || result == UsbCode::Success;
+    const bool hasData = !isGet || result == UsbCode::Success;
     requests.push_back({Uvc::setupPacket(request),
-                        carried ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(),
+                        hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(),
                         result});
     if (onRequest)
         onRequest(requests.back());

@@ -39,7 +39,7 @@ class SimulatedDevice {
 public:
     SimulatedDevice();
 
-    // What the bus sees of it.
+    // What the bus reports of it.
     std::uint16_t vendorID = TAVRO_USB_VENDOR_ID;
     std::uint16_t productID = TAVRO_USB_PRODUCT_ID;
     std::uint32_t locationID = 0x01100000;                 ///< bus 1, port 1
@@ -72,7 +72,7 @@ public:
 
     /// Every request that reached the device, refused ones included.
     std::vector<RecordedRequest> requests;
-    /// Told of every request after it was recorded.
+    /// Called for every request after it was recorded.
     std::function<void(const RecordedRequest&)> onRequest;
 
 private:

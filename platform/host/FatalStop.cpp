@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 void fatalStop(const char* format, ...) {
-    std::array<char, 512> reason{}; // a cut reason is better than an allocation on the way down
+    std::array<char, 512> reason{}; // a truncated reason is better than an allocation before an abort
     std::va_list arguments;
     va_start(arguments, format);
     (void)std::vsnprintf(reason.data(), reason.size(), format, arguments);

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/// Writes one line to the system log and, for who started the program from a terminal, to standard error.
+/// Writes one line to the system log and to standard error.
 /// printf-style; a trailing newline is not required and adds no empty line. What is longer than 1023 bytes is
 /// cut.
 [[gnu::format(printf, 1, 2)]] void systemLog(const char* format, ...);

@@ -7,7 +7,7 @@
 /// A file descriptor that closes itself.
 class OpenFile {
 public:
-    /// Takes it over; a negative one stands for none.
+    /// Owns the descriptor; a negative one means none.
     explicit OpenFile(int descriptor = -1) : m_descriptor(descriptor) {}
     OpenFile(OpenFile&& other) noexcept : m_descriptor(std::exchange(other.m_descriptor, -1)) {}
     OpenFile& operator=(OpenFile&& other) noexcept {
@@ -16,7 +16,7 @@ public:
     }
     ~OpenFile() {
         if (m_descriptor >= 0)
-            (void)::close(m_descriptor); // a descriptor is gone also when its close reports a failure
+            (void)::close(m_descriptor); // closes the descriptor even if it reports a failure
     }
     [[nodiscard]] int get() const { return m_descriptor; }
     explicit operator bool() const { return m_descriptor >= 0; }

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QVariant>
 
-/// Controls what is in a window. Made by the window description, which then connects the outlets to the
+/// Controls a window's content. Made by the window description, which then connects the outlets to the
 /// window's controls, the controls' actions to the slots of those names, and calls `viewDidLoad`.
 class ContentController : public QObject {
     Q_OBJECT

@@ -10,7 +10,7 @@ void registerDescribedClass() {
     qRegisterMetaType<Class*>();
 }
 
-/// What is known of a class by its name, absent if it has not been registered.
+/// The meta-object of a registered class, absent for any other name.
 inline const QMetaObject* describedClass(const QByteArray& name) {
     return QMetaType::fromName(name + '*').metaObject();
 }

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// What a control of an inert window showed when the run began.
+/// The value of a control of an inert window when the run began.
 struct ShownValue {
     QPointer<QWidget> control;
     QMetaProperty property; ///< the one that the user edits
@@ -40,7 +40,7 @@ public:
     static inline ModalRun* innermost = nullptr; // on the main thread, as all windows are
 
 private:
-    void rememberAndLetGo(QWidget& window);
+    void rememberAndRelease(QWidget& window);
     [[nodiscard]] bool isHeldKey(QObject* object, QEvent* event) const;
 
     QWidget& m_window;
@@ -52,14 +52,14 @@ private:
 ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(innermost, this)) {
     for (QWidget* other : QApplication::topLevelWidgets()) {
         if (other != &window)
-            rememberAndLetGo(*other);
+            rememberAndRelease(*other);
     }
     qApp->installEventFilter(this);
     QObject::connect(&window, &QObject::destroyed, &m_loop, &QEventLoop::quit);
 }
 
-/// The window's controls hear nothing of the mouse any more: a groove that is pressed would repeat for ever.
-void ModalRun::rememberAndLetGo(QWidget& window) {
+/// The window's controls get no mouse events any more: a pressed groove would repeat forever.
+void ModalRun::rememberAndRelease(QWidget& window) {
     for (QWidget* control : window.findChildren<QWidget*>()) {
         if (auto* slider = qobject_cast<QAbstractSlider*>(control)) {
             QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), slider->mapToGlobal(QPointF()),
@@ -91,7 +91,7 @@ bool ModalRun::isHeldKey(QObject* object, QEvent* event) const {
 }
 
 bool ModalRun::eventFilter(QObject* object, QEvent* event) {
-    // No invisible run may remain, however the window goes. Closing hides it, minimising is spontaneous.
+    // Hiding ends the run, however it was caused. Closing hides the window; minimising is spontaneous.
     if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous())
         m_loop.quit();
     if (!isHeldKey(object, event))
@@ -100,15 +100,15 @@ bool ModalRun::eventFilter(QObject* object, QEvent* event) {
     return true;
 }
 
-/// Tells the window system which window this one stands before, so that it is placed there.
-void standBefore(QWidget& window, const QWidget* owner) {
+/// Makes the window transient for its owner, so that the window system places it there.
+void makeTransient(QWidget& window, const QWidget* owner) {
     if (!owner || !owner->windowHandle())
         return;
     (void)window.winId(); // makes the window handle
     window.windowHandle()->setTransientParent(owner->windowHandle());
 }
 
-/// Texts that can be selected take the focus too, but the window begins at what ends it.
+/// Selectable texts take the focus too, but the button that ends the run has it first.
 void focusDefaultButton(const QWidget& window) {
     for (QPushButton* button : window.findChildren<QPushButton*>()) {
         if (button->isDefault())
@@ -121,7 +121,7 @@ void focusDefaultButton(const QWidget& window) {
 void runModalForWindow(QWidget& window) {
     ModalRun run(window);
     window.setWindowModality(Qt::ApplicationModal);
-    standBefore(window, QApplication::activeWindow());
+    makeTransient(window, QApplication::activeWindow());
     focusDefaultButton(window);
     window.show();
     window.raise();

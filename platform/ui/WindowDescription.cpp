@@ -45,7 +45,7 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
 }
 
 /// Makes windows from .ui files. A custom class that has not been registered is a fatal stop; QUiLoader alone
-/// would quietly put its base class in its place.
+/// would silently use its base class instead.
 class DescriptionLoader : public QUiLoader {
 public:
     DescriptionLoader() { clearPluginPaths(); } // all classes of our windows are in this program
@@ -90,8 +90,9 @@ QWidget* DescriptionLoader::createWidget(const QString& className, QWidget* pare
     return control;
 }
 
-/// A press of the selected button is an action too, which `toggled` does not tell; assistive technology
-/// toggles without a press, which `clicked` does not tell. A press tells both: the first is skipped then.
+/// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology
+/// toggles without a press, for which `clicked` is not emitted. A press emits both: `toggled` is skipped
+/// then.
 void connectRadioButton(QRadioButton& button, const std::function<void()>& act) {
     const auto pressing = std::make_shared<bool>(false);
     QObject::connect(&button, &QRadioButton::pressed, &button, [pressing] { *pressing = true; });
@@ -103,8 +104,8 @@ void connectRadioButton(QRadioButton& button, const std::function<void()>& act) 
     });
 }
 
-/// Runs `act` at every action of the user on a control, wherever it comes from: mouse, wheel, keys or
-/// assistive technology. A control of a kind that has no action is a fatal stop.
+/// Runs `act` at every action of the user on a control, by mouse, wheel, keys or assistive technology. A
+/// control of a kind that has no action is a fatal stop.
 void connectUserAction(QObject& control, const std::function<void()>& act) {
     if (auto* action = qobject_cast<QAction*>(&control))
         QObject::connect(action, &QAction::triggered, action, act);

@@ -12,7 +12,7 @@ namespace UsbCode {
 inline constexpr UsbResult Success = 0;
 inline constexpr UsbResult InputOutput = -1; ///< also: fewer bytes came than were asked for
 inline constexpr UsbResult Access = -3;      ///< the user has no rights on the device
-inline constexpr UsbResult NoDevice = -4;    ///< never there, or unplugged
+inline constexpr UsbResult NoDevice = -4;    ///< not attached, or unplugged
 inline constexpr UsbResult NotFound = -5;
 inline constexpr UsbResult Busy = -6;
 inline constexpr UsbResult TimeOut = -7;
@@ -22,7 +22,7 @@ inline constexpr UsbResult NotSupported = -12;
 inline constexpr UsbResult NotSendable = -100;
 } // namespace UsbCode
 
-/// Result of a step that makes an object. Look at both: a step can report success and still give nothing.
+/// Result of a step that makes an object. Check both: a step can report success and give no object.
 template <class Object>
 struct UsbYield {
     UsbResult result = UsbCode::NoDevice;
@@ -40,12 +40,12 @@ struct UsbControlRequest {
     std::uint32_t wLenDone; ///< bytes transferred
 };
 
-/// Bit 7 of bmRequestType: the data stage goes from the device to the host.
+/// Bit 7 of bmRequestType: the data stage is sent by the device.
 inline constexpr std::uint8_t kUsbDeviceToHost = 0x80;
 
-// Access goes in the same steps for devices and for their interfaces: a service is something seen on the
-// bus, its plug-in can be asked for the object, and the object is what one works with. Nothing is opened
-// before the first request. Destroying an object releases it.
+// Devices and their interfaces are accessed in the same steps: the bus lists services, a service makes a
+// plug-in, and the plug-in gives the object that requests are sent to. Nothing is opened before the first
+// request. Destroying an object releases it.
 
 /// Gives the object behind a service.
 template <class Object>
@@ -55,13 +55,13 @@ public:
     [[nodiscard]] virtual UsbYield<Object> QueryInterface() = 0;
 };
 
-/// Something seen on the bus.
+/// An entry of the bus.
 template <class Object>
 class UsbService {
 public:
     virtual ~UsbService() = default;
     [[nodiscard]] virtual UsbYield<UsbPlugIn<Object>> createPlugIn() = 0;
-    /// Gives the service back; what was made from it stays usable.
+    /// Releases the service; what was made from it remains usable.
     [[nodiscard]] virtual UsbResult release() = 0;
 };
 
@@ -73,7 +73,7 @@ public:
     [[nodiscard]] virtual std::unique_ptr<UsbService<Object>> next() = 0;
 };
 
-/// One interface of a device, used for requests on the control pipe only and never held exclusively.
+/// One interface of a device, for requests on the control pipe only and never opened exclusively.
 class UsbInterface {
 public:
     virtual ~UsbInterface() = default;
@@ -83,7 +83,7 @@ public:
     /// time since the device was plugged in (how long it is, and what it can do), one after a refusal (why).
     /// Works again after `USBInterfaceClose`.
     [[nodiscard]] virtual UsbResult ControlRequest(UsbControlRequest& request) = 0;
-    /// Closes what a failed request has left open. When nothing was open the result says why.
+    /// Closes the node that a failed request has left open. If none was open, the result is the reason.
     virtual UsbResult USBInterfaceClose() = 0;
 };
 

@@ -220,7 +220,7 @@ private slots:
 
     void valueIsShownOverTheKnob() {
         for (const auto& [value, left] : {std::tuple(0, 0.0), {128, 87.5}, {255, 176.0}}) {
-            const QRect knob = knobRect(knobWay(206) * value / 255);
+            const QRect knob = knobRect(knobDistance(206) * value / 255);
             QCOMPARE(valueRect(knob, 206, 30), QRectF(left, 2, 30, 16));
         }
         CustomSliderCell slider(nullptr);
@@ -235,7 +235,7 @@ private slots:
         slider.resize(206, 48);
         slider.setRange(0, 255);
         for (const int value : {0, 100, 255}) {
-            const QRect knob = knobRect(QStyle::sliderPositionFromValue(0, 255, value, knobWay(206)));
+            const QRect knob = knobRect(QStyle::sliderPositionFromValue(0, 255, value, knobDistance(206)));
             for (const auto& [point, grabbed] : {std::pair(knob.topLeft(), true), {knob.bottomRight(), true},
                      {knob.topLeft() - QPoint(1, 0), false}, {knob.bottomRight() + QPoint(1, 0), false}}) {
                 slider.setValue(value);

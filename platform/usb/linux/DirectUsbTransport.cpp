@@ -20,14 +20,14 @@ struct Free {
 using Context = std::unique_ptr<libusb_context, Free<libusb_exit>>;
 using Handle = std::unique_ptr<libusb_device_handle, Free<libusb_close>>;
 
-constexpr unsigned kTimeout = 5000; // milliseconds, the kernel's own; 0 would wait for ever
+constexpr unsigned kTimeout = 5000; // milliseconds, as in the kernel; 0 would disable it
 
 /// Made once, as it costs many times what a request does. It holds no device.
 UsbResult openLibusb(libusb_context*& opened) {
     static Context context;
     if (!context) {
-        // libusb gets our one device, and must not look at others: version 1.0.26 can loop for ever on
-        // malicious descriptors, also on those of a device that is plugged in later.
+        // libusb must not parse other devices: version 1.0.26 can loop forever on malicious descriptors, also
+        // on those of a device that is plugged in later.
         (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
         libusb_context* made = nullptr;
         if (const UsbResult result = libusb_init(&made); result != UsbCode::Success)
@@ -39,14 +39,14 @@ UsbResult openLibusb(libusb_context*& opened) {
 }
 
 UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
-    // usbfs checks the interface that wIndex names, and would claim it by itself and keep it.
+    // usbfs claims the interface of wIndex implicitly, logs that, and does not release it before the close.
     const int named = request.wIndex & 0xFF;
     if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success)
         return claimed;
     const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
                                              request.wIndex, bytes.data(),
                                              static_cast<std::uint16_t>(bytes.size()), kTimeout);
-    (void)libusb_release_interface(device, named); // fails only when the device is gone
+    (void)libusb_release_interface(device, named); // fails only if the device was unplugged
     if (done < 0)
         return done;
     request.wLenDone = static_cast<std::uint32_t>(done);

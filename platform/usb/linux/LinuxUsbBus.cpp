@@ -50,7 +50,7 @@ UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(std::ui
     for (const std::string& path : foldersWith(context, "usb", "bInterfaceNumber", device.get())) {
         const Device interface = deviceAt(context, path);
         if (!interface || path.substr(0, path.rfind('/')) != m_device.path)
-            continue; // gone by now, or of a device behind this hub
+            continue; // unplugged, or of a device behind this hub
         if (byteIn(interface, "bInterfaceClass", 16) != interfaceClass
             || byteIn(interface, "bInterfaceSubClass", 16) != interfaceSubClass)
             continue;
@@ -82,7 +82,7 @@ std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(Condition condition
     for (const std::string& path : foldersWith(context, "usb", "devnum")) {
         auto folder = std::make_shared<const SysfsFolder>(path); // before all that is read by path
         const Device device = deviceAt(context, path);
-        if (device && condition(device)) // or gone by now
+        if (device && condition(device)) // absent if unplugged
             found.push_back(serviceOf(device, path, std::move(folder)));
     }
     return found;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMaxData = 64; // bytes; the device's longest block has 26
 constexpr std::string_view kKernelUvcDriver = "uvcvideo";
-constexpr std::string_view kClaimedByProgram = "usbfs"; // another program's request: over in a moment
+constexpr std::string_view kClaimedByProgram = "usbfs"; // by another program, perhaps for one request only
 
 UsbResult resultOfOpen(int error) {
     switch (error) {
@@ -54,7 +54,7 @@ UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
 UsbResult LinuxUsbInterface::openNode(const std::string& path, dev_t number, const SysfsFolder& owner) {
     OpenFile opened;
     const UsbResult result = openDeviceNode(path, number, opened);
-    if (!owner.exists()) // it went before the node was opened, and the number may be another's
+    if (!owner.exists()) // unplugged before the node was opened, and the number may be another device's
         return UsbCode::NoDevice;
     m_node = std::move(opened);
     return result;
@@ -87,7 +87,8 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
 }
 
 UsbResult LinuxUsbInterface::selectTransport() {
-    // What an earlier request found nearly always holds, and a search costs many times what a request does.
+    // The node of an earlier request is nearly always valid, and a search costs many times as much as a
+    // request.
     if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success)
         return UsbCode::Success;
     m_captureNode = {};
@@ -97,7 +98,7 @@ UsbResult LinuxUsbInterface::selectTransport() {
     CaptureNode found = findCaptureNode();
     if (!m_device.folder->exists()) // another device may have been found on the port
         return UsbCode::NoDevice;
-    // The driver fills in the interface's real number, and all our requests carry 0.
+    // The driver inserts the interface's real number; all our requests have 0.
     if (driver != kKernelUvcDriver || m_number != 0 || found.path.empty())
         return UsbCode::NotSendable;
     m_captureNode = std::move(found);
@@ -107,7 +108,7 @@ UsbResult LinuxUsbInterface::selectTransport() {
 UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
     if (request.wLength > kMaxData)
         return UsbCode::NotSupported;
-    m_node = OpenFile(); // which a failed request has left open
+    m_node = OpenFile(); // closes what a failed request has left open
     m_notOpen = selectTransport();
     if (m_notOpen != UsbCode::Success)
         return m_notOpen;

@@ -19,12 +19,12 @@ struct PluggedDevice {
     unsigned bus = 0;                          ///< from 1
 };
 
-/// One interface of a device of this computer. The device's node is open for the length of a request only,
-/// and after a failed one until the close: what stays open would keep the device from suspending, the driver
-/// from being unloaded and the node's name from coming back after a re-plug.
+/// One interface of a device of this computer. The device's node is open during a request only, and after a
+/// failed one until the close: an open node keeps the device from suspending, the driver from being unloaded
+/// and the node's name from being used again after a re-plug.
 ///
-/// The transport is selected at each request: through the kernel's driver where that holds the interface and
-/// sends exactly our packet, directly where none holds it. The driver is never detached: that would end a
+/// The transport is selected at each request: through the kernel's driver if that is bound to the interface
+/// and sends exactly our packet, directly if none is bound. The driver is never detached: that would end a
 /// recording. After a re-plug every request fails with `NoDevice`, whatever is on the port then.
 class LinuxUsbInterface : public UsbInterface {
 public:

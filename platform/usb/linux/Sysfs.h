@@ -38,7 +38,7 @@ private:
     OpenFile m_folder;
 };
 
-/// Searches sysfs. An object that could not be made is empty, and finds nothing.
+/// Searches in sysfs. An object that could not be made is empty and finds nothing.
 namespace udevSearch {
 
 template <class Object, Object* (*kUnref)(Object*)>
@@ -49,12 +49,12 @@ using Udev = std::unique_ptr<udev, Unref<udev, udev_unref>>;
 using Enumerate = std::unique_ptr<udev_enumerate, Unref<udev_enumerate, udev_enumerate_unref>>;
 using Device = std::unique_ptr<udev_device, Unref<udev_device, udev_device_unref>>;
 
-/// What libudev does not know is a null pointer.
+/// libudev returns a null pointer for a missing value.
 inline std::string orEmpty(const char* text) {
     return text ? text : "";
 }
 
-/// The device of a folder, absent if it is gone.
+/// The device of a folder, absent if it was unplugged.
 inline Device deviceAt(const Udev& context, const std::string& folder) {
     return Device(context ? udev_device_new_from_syspath(context.get(), folder.c_str()) : nullptr);
 }
