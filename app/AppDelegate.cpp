@@ -1,12 +1,7 @@
 #include "AppDelegate.h"
 
-#include "ModalRun.h"
 #include "WindowDescription.h"
 
 void AppDelegate::ShowAboutWindow(QObject* /*sender*/) {
-    const WindowDescription description(QStringLiteral("Main"));
-    const auto controller =
-        description.instantiateWindowController(QStringLiteral("About Window Controller"));
-    if (QWidget* window = controller->window())
-        runModalForWindow(*window);
+    WindowDescription(QStringLiteral("Main")).runModal(QStringLiteral("About Window Controller"));
 }

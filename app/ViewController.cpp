@@ -3,7 +3,6 @@
 #include "Bundle.h"
 #include "Colors.h"
 #include "FatalStop.h"
-#include "ModalRun.h"
 #include "WindowDescription.h"
 
 #include <QSignalBlocker>
@@ -135,11 +134,7 @@ void ViewController::alertAndQuit() {
 }
 
 void ViewController::showAlertWindow(QObject* /*sender*/) {
-    const WindowDescription description(QStringLiteral("Main"));
-    const auto controller =
-        description.instantiateWindowController(QStringLiteral("Alert Window Controller"));
-    if (QWidget* window = controller->window())
-        runModalForWindow(*window);
+    WindowDescription(QStringLiteral("Main")).runModal(QStringLiteral("Alert Window Controller"));
 }
 
 void ViewController::QuitApp(QObject* /*sender*/) {

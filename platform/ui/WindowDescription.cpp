@@ -181,6 +181,12 @@ std::unique_ptr<WindowController> WindowDescription::instantiateWindowController
     return std::unique_ptr<WindowController>(windowController);
 }
 
+void WindowDescription::runModal(const QString& identifier) const {
+    const auto controller = instantiateWindowController(identifier);
+    if (QWidget* window = controller->window())
+        runModalForWindow(*window);
+}
+
 void WindowDescription::loadWindow(WindowController& controller, const QJsonObject& entry,
                                    QObject* responder) const {
     const QString file = entry[QStringLiteral("window")].toString();

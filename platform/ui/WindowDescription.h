@@ -27,6 +27,8 @@ public:
     /// The same for a controller that must be a window controller.
     [[nodiscard]] std::unique_ptr<WindowController>
     instantiateWindowController(const QString& identifier, QObject* responder = nullptr) const;
+    /// Loads a window and runs it modally. Does nothing if the description gives that controller none.
+    void runModal(const QString& identifier) const;
     /// The window that opens at the start.
     [[nodiscard]] QString initialController() const;
 
