@@ -30,19 +30,18 @@
 
 namespace {
 
-constexpr std::uint8_t kSetCur = 0x01;
-constexpr std::uint8_t kGetCur = 0x81;
-
 std::atomic<std::size_t> allocations{0}; // libraries may have threads of their own
 const char* node = "";
 std::unique_ptr<CVn318UvcController> controller;
 std::array<std::uint8_t, 7> audio{};
 
-bool query(std::uint8_t request) {
+bool query(UVCRequest request) {
+    const auto code = static_cast<std::uint8_t>(request);
     const OpenFile file(::open(node, O_RDWR | O_CLOEXEC));
     if (std::string_view(node).starts_with("/dev/bus/usb/")) {
-        usbdevfs_ctrltransfer transfer{static_cast<std::uint8_t>(0x21 | (request & 0x80)),
-                                       request,
+        const bool isGet = (code & kUsbDeviceToHost) != 0;
+        usbdevfs_ctrltransfer transfer{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface,
+                                       code,
                                        13 << 8,
                                        3 << 8,
                                        audio.size(),
@@ -50,7 +49,7 @@ bool query(std::uint8_t request) {
                                        audio.data()};
         return ::ioctl(file.get(), USBDEVFS_CONTROL, &transfer) == static_cast<int>(audio.size());
     }
-    uvc_xu_control_query audioQuery{3, 13, request, audio.size(), audio.data()};
+    uvc_xu_control_query audioQuery{3, 13, code, audio.size(), audio.data()};
     return ::ioctl(file.get(), UVCIOC_CTRL_QUERY, &audioQuery) == 0;
 }
 
@@ -65,15 +64,15 @@ void measure(benchmark::State& state, Request request) {
 }
 
 void readBare(benchmark::State& state) {
-    measure(state, [] { return query(kGetCur); });
+    measure(state, [] { return query(UVCRequest::GET_CUR); });
 }
 
 void changeBare(benchmark::State& state) {
     measure(state, [] {
-        if (!query(kGetCur))
+        if (!query(UVCRequest::GET_CUR))
             return false;
         audio[3] = static_cast<std::uint8_t>(audio[3] + 1);
-        return query(kSetCur);
+        return query(UVCRequest::SET_CUR);
     });
 }
 
@@ -140,7 +139,7 @@ int main(int argc, char** argv) {
     node = argc > 1 ? argv[1] : "";
     controller = CVn318UvcController::CreateInstance();
     // The first request finds the node.
-    if (!query(kGetCur) || !controller
+    if (!query(UVCRequest::GET_CUR) || !controller
         || !controller->getDataFor(UVCRequest::GET_CUR, audio.size(), 13, 3, audio)) {
         (void)std::fprintf(stderr, "usage: request-bench NODE [OPTION...], with the device attached\n");
         return EXIT_FAILURE;
