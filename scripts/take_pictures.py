@@ -1,19 +1,19 @@
 #!/usr/bin/env python3
-"""take_pictures.py BUILD FOLDER: pictures of the three windows in every language, at 100 % and 200 %, into FOLDER:
-LANGUAGE/SCALE/WINDOW.png."""
+"""take_pictures.py BUILD FOLDER: takes screenshots of the three windows in every language, at 100 % and 200 %, of the
+programs in BUILD. Needs the packages that scripts/screenshots installs; leaves FOLDER/LANGUAGE/SCALE/WINDOW.png."""
 
 import concurrent.futures
 import itertools
 import os
-import subprocess
 import sys
 import time
 
-from desktop import Program, X11
+sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)) + "/../tests/support")
+from desktop import Program, X11, arguments  # noqa: E402
 
 LANGUAGES = ["en", "de", "fr", "es", "ja", "zh_CN"]
 SCALES = [1, 2]
-BUILD, FOLDER = sys.argv[1:]
+BUILD, FOLDER = arguments(__doc__, 2)
 # The font of the design, as one of the desktops that Qt knows by itself gives it.
 LOOK = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_SESSION_VERSION": "5", "KDE_FULL_SESSION": "true"}
 FONT = "[General]\nfont=Inter,10.5,-1,5,50,0,0,0,0,0\n"
@@ -21,7 +21,7 @@ FONT = "[General]\nfont=Inter,10.5,-1,5,50,0,0,0,0,0\n"
 
 def take(desktop, window, path):
     time.sleep(0.7)  # it is drawn
-    subprocess.run(["import", "-window", window, path], env=desktop.env, check=True)
+    desktop.picture(window, path)
 
 
 def take_all(choice):

@@ -10,7 +10,7 @@ import traceback
 
 import gi
 
-from desktop import Program, X11, wait_for
+from desktop import Program, X11, arguments, wait_for
 
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi, GLib  # noqa: E402
@@ -128,11 +128,12 @@ def hear(desktop):
 
 
 def main():
+    [path] = arguments(__doc__, 1)
     if "TAVRO_OWN_BUS" not in os.environ:  # a bus of its own, which ends with it
         return subprocess.run(["dbus-run-session", "--", sys.executable, *sys.argv], stderr=subprocess.DEVNULL,
                               env=os.environ | {"TAVRO_OWN_BUS": "1", "NO_AT_BRIDGE": "0"}, check=False).returncode
     with X11() as desktop:
-        program = Program(desktop, sys.argv[1], QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        program = Program(desktop, path, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         program.window()
         try:
             reader = Reader(program)

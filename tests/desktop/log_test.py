@@ -6,18 +6,18 @@ import os
 import re
 import socket
 import subprocess
-import sys
 import threading
 import time
 
-from desktop import OWN_LINES, Program, X11
+from desktop import OWN_LINES, Program, X11, arguments
 
 SERVICE = "/dev/log"
+[PROGRAM] = arguments(__doc__, 1)
 
 
 def run(desktop):
     # Reasons to complain: no runtime folder, a theme that is not there, a bus that does not answer.
-    program = Program(desktop, sys.argv[1], XDG_RUNTIME_DIR="", QT_QPA_PLATFORMTHEME="none-such",
+    program = Program(desktop, PROGRAM, XDG_RUNTIME_DIR="", QT_QPA_PLATFORMTHEME="none-such",
                       DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
     desktop.focus(program.window())
     desktop.key("Return")
@@ -47,14 +47,14 @@ def from_own_service(desktop):
             ended.set()
             listener.join()
             os.unlink(SERVICE)
-    name = os.path.basename(sys.argv[1])
+    name = os.path.basename(PROGRAM)
     return printed, [re.sub(rf"^<\d+>\w+ +\d+ [\d:]+ {name}: ", "", line) for line in heard]
 
 
 def from_journal(desktop):
     program = run(desktop)
     time.sleep(1)
-    command = ["journalctl", "-o", "cat", "-t", os.path.basename(sys.argv[1]), f"_PID={program.pid}"]
+    command = ["journalctl", "-o", "cat", "-t", os.path.basename(PROGRAM), f"_PID={program.pid}"]
     return program.log(), subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()
 
 

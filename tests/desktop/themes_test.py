@@ -6,8 +6,9 @@ import re
 import subprocess
 import sys
 
-from desktop import X11
+from desktop import X11, arguments
 
+[TEST] = arguments(__doc__, 1)
 LOOKS = {
     "no theme": {},
     "200 %": {"QT_SCALE_FACTOR": "2"},
@@ -24,7 +25,7 @@ def least(lines, test):
 failed = 0
 with X11() as desktop:
     for look, environment in LOOKS.items():
-        run = subprocess.run([sys.argv[1]], env=desktop.env | environment, capture_output=True, text=True, check=False)
+        run = subprocess.run([TEST], env=desktop.env | environment, capture_output=True, text=True, check=False)
         lines = run.stdout.splitlines()
         failed += run.returncode != 0
         print(*(line + "\n" for line in lines if line.startswith("FAIL")), sep="", end="")

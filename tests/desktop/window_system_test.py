@@ -6,11 +6,12 @@ import signal
 import sys
 import time
 
-from desktop import DESKTOPS, Program, X11Session, wait_for
+from desktop import DESKTOPS, Program, X11Session, arguments, wait_for
 
-DEMO = sys.argv[1] + "/tavro-setup-tool-demo"
-TOOL = sys.argv[1] + "/tavro-setup-tool"  # finds no device here, and shows the alert
-RUNS = int(sys.argv[2]) if len(sys.argv) > 2 else 2
+FOLDER, RUNS = [*arguments(__doc__, 1, 2), "2"][:2]
+RUNS = int(RUNS)
+DEMO = FOLDER + "/tavro-setup-tool-demo"
+TOOL = FOLDER + "/tavro-setup-tool"  # finds no device here, and shows the alert
 AT_ONCE = 10
 ABOUT = "About Tavro Setup Tool"
 

@@ -1,4 +1,9 @@
-"""A desktop without a screen, X11 or Wayland, and a user's hands on it."""
+#!/usr/bin/env python3
+"""desktop.py COMMAND [ARGUMENT...]: runs the command with a display without a screen, an X11 server of its own that
+ends with it, and gives its status. Needs Xvfb; leaves nothing behind.
+
+As a module it is what everything uses that drives a window: displays without a screen, X11 or Wayland, a program on
+them, and a user's hands."""
 
 import json
 import os
@@ -7,11 +12,24 @@ import shutil
 import socket
 import struct
 import subprocess
+import sys
 import tempfile
 import time
 
 # What the program itself says; anything else on standard error is noise.
 OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |CameraControl Error:)")
+
+
+def arguments(text, least, most=None):
+    """The command line's arguments. Prints the text, which is a script's docstring, for --help, and ends if there are
+    not so many."""
+    given = sys.argv[1:]
+    if given[:1] in (["-h"], ["--help"]):
+        print(text)
+        sys.exit()
+    if not least <= len(given) <= (most or least):
+        sys.exit(text)
+    return given
 
 
 def wait_for(what, condition, seconds=60):
@@ -30,14 +48,18 @@ def output(*command, env=None):
 
 
 class Program:
-    """The program as it runs on a desktop; what it prints is in `requests()` and `log()`."""
+    """The program as it runs on a desktop; what it prints is in `requests()` and `log()`. With `in_journal` its
+    standard error passes for the journal's."""
 
-    def __init__(self, desktop, path, **environment):
+    def __init__(self, desktop, *command, in_journal=False, **environment):
         self.desktop = desktop
         self.folder = tempfile.mkdtemp(dir=desktop.folder)
         env = desktop.env | environment
         with open(self.folder + "/out", "w") as out, open(self.folder + "/err", "w") as err:
-            self.process = subprocess.Popen([path], env=env, stdout=out, stderr=err, start_new_session=True)
+            if in_journal:
+                status = os.fstat(err.fileno())
+                env["JOURNAL_STREAM"] = f"{status.st_dev}:{status.st_ino}"
+            self.process = subprocess.Popen(command, env=env, stdout=out, stderr=err, start_new_session=True)
         self.pid = self.process.pid
 
     def _read(self, name):
@@ -113,8 +135,8 @@ class Desktop:
         return output(*command, env=self.env)
 
 
-class X11(Desktop):
-    """Xvfb with a small window manager."""
+class Display(Desktop):
+    """Xvfb, without a window manager."""
 
     def start(self):
         read, write = os.pipe()
@@ -124,8 +146,6 @@ class X11(Desktop):
         with os.fdopen(read) as display:
             self.env["DISPLAY"] = ":" + display.readline().strip()
         self.env["QT_QPA_PLATFORM"] = "xcb"
-        self.serve("openbox")
-        wait_for("window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
     def windows(self, pid, title):
         return self.run("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name",
@@ -136,8 +156,7 @@ class X11(Desktop):
         return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     def focus(self, window):
-        self.run("xdotool", "windowactivate", window)
-        time.sleep(0.2)  # not longer: a window behind a modal one never gets it
+        self.run("xdotool", "windowfocus", "--sync", window)
 
     def key(self, *keys):
         self.run("xdotool", "key", "+".join(keys))
@@ -147,6 +166,22 @@ class X11(Desktop):
 
     def press(self, down=True):
         self.run("xdotool", "mousedown" if down else "mouseup", "1")
+
+    def picture(self, window, path):
+        subprocess.run(["import", "-window", window, path], env=self.env, check=True)
+
+
+class X11(Display):
+    """With a small window manager."""
+
+    def start(self):
+        super().start()
+        self.serve("openbox")
+        wait_for("window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+
+    def focus(self, window):
+        self.run("xdotool", "windowactivate", window)
+        time.sleep(0.2)  # not longer: a window behind a modal one never gets it
 
     def close(self, window):
         self.run("wmctrl", "-i", "-c", window)
@@ -262,3 +297,13 @@ class Wayland(Desktop):
 
 
 DESKTOPS = {"X11": X11, "Wayland": Wayland}
+
+
+def main():
+    with Display() as display:
+        environment = os.environ | {"DISPLAY": display.env["DISPLAY"]}
+        return subprocess.run(arguments(__doc__, 1, len(sys.argv)), env=environment, check=False).returncode
+
+
+if __name__ == "__main__":
+    sys.exit(main())
