@@ -65,8 +65,8 @@ constexpr void storeLittleEndian(std::uint64_t value, std::span<std::uint8_t> by
 template <std::unsigned_integral Number>
 constexpr Number littleEndian(std::span<const std::uint8_t> bytes) {
     Number value = 0;
-    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte)
-        value = static_cast<Number>(value << 8 | *byte);
+    for (std::size_t i = bytes.size(); i > 0; --i)
+        value = static_cast<Number>(value << 8 | bytes[i - 1]);
     return value;
 }
 

@@ -255,7 +255,7 @@ private slots:
                 for (int x = 0; x < with.width(); ++x) {
                     const double ratio = contrast(with.pixel(x, y), without.pixel(x, y));
                     best = std::max(best, ratio);
-                    seen += ratio >= kNoticeable;
+                    seen += ratio >= kNoticeable ? 1 : 0;
                 }
             }
             qInfo("contrast %5.2f focus of %s", best, qUtf8Printable(focused->objectName()));
