@@ -228,7 +228,7 @@ private slots:
             device().audio = {1, 100, 100, 100, 1, 100, 1};
             const SettingsWindow settings;
             auto& control = settings.control<QSlider>(slider);
-            const auto held = [byte = byte] { return int{device().audio[byte]}; };
+            const auto held = [at = byte] { return int{device().audio[at]}; };
             TestHost::take();
             QTest::keyClick(&control, Qt::Key_Right);
             QCOMPARE(held(), 101);
