@@ -1,6 +1,6 @@
 #include "CaptureDescriptors.h"
 
-#include "CapturePicture.h"
+#include "CaptureFrames.h"
 
 #include <algorithm>
 #include <string_view>
@@ -116,12 +116,12 @@ Bytes videoControl(const CaptureIdentity& identity) {
 Bytes frameDescriptor() {
     constexpr std::uint32_t kUnitsPerSecond = 10'000'000;
     const auto bitsPerSecond = [](std::uint32_t interval) {
-        return kPictureSize * 8 * (kUnitsPerSecond / interval);
+        return kFrameSize * 8 * (kUnitsPerSecond / interval);
     };
     Descriptor frame{ClassInterface, 5, 1, 0};
-    frame.word(kPictureWidth).word(kPictureHeight);
+    frame.word(kFrameWidth).word(kFrameHeight);
     frame.number(bitsPerSecond(kFrameIntervals[0])).number(bitsPerSecond(kFrameIntervals[1]));
-    frame.number(kPictureSize).number(kFrameIntervals[0]);
+    frame.number(kFrameSize).number(kFrameIntervals[0]);
     frame.byte({static_cast<std::uint8_t>(kFrameIntervals.size())});
     for (const std::uint32_t interval : {kFrameIntervals[1], kFrameIntervals[0]}) // shortest first
         frame.number(interval);

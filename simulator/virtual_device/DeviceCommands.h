@@ -2,9 +2,13 @@
 
 #include "SimulatedDevice.h"
 
-#include <string>
-#include <string_view>
+#include <QByteArray>
 
-/// Carries out one command line (docs/virtual-device.md) and answers with one line, without its end:
+#include <optional>
+
+/// A decimal number from `least` to `most` without sign or blanks, absent if it is none.
+[[nodiscard]] std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, unsigned most);
+
+/// Executes one command line (docs/virtual-device.md) and answers with one line, without its end:
 /// "ok", what was asked for, or "error: ...". What the client may have to be told follows from `plugged()`.
-[[nodiscard]] std::string carryOutCommand(std::string_view line, SimulatedDevice& device);
+[[nodiscard]] QByteArray carryOutCommand(const QByteArray& line, SimulatedDevice& device);

@@ -1,10 +1,12 @@
 #pragma once
 
-#include "ByteWriter.h"
 #include "CaptureDescriptors.h"
+
+#include <QDataStream>
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -43,21 +45,32 @@ using Message = std::variant<DeviceListRequest, ImportRequest, Submit, Unlink, M
 /// How a transfer ended. Status 0 is success, everything else a negative errno of the kernel.
 struct TransferEnd {
     std::int32_t status = 0;
-    std::uint32_t length = 0; ///< bytes carried
+    std::uint32_t length = 0; ///< bytes transferred
     Bytes data;               ///< `length` bytes when they go to the host
 };
 
 inline constexpr const char* kBusID = "1-1";
 inline constexpr std::uint32_t kBusNumber = 1;
-inline constexpr std::uint32_t kDeviceNumber = 2;
-inline constexpr std::uint32_t kDeviceID = kBusNumber << 16 | kDeviceNumber;
+inline constexpr std::uint32_t kDeviceAddress = 2;
+inline constexpr std::uint32_t kDeviceID = kBusNumber << 16 | kDeviceAddress;
 inline constexpr std::uint32_t kHighSpeed = 3; // as the kernel numbers speeds
 
-[[nodiscard]] Bytes deviceListReply(const CaptureIdentity& identity, bool attachable);
-[[nodiscard]] Bytes importReply(const CaptureIdentity& identity);
-[[nodiscard]] Bytes importRefusal();
-[[nodiscard]] Bytes submitReply(std::uint32_t sequence, const TransferEnd& end);
+/// In bytes: a control transfer can't be longer, and the stream's are shorter.
+inline constexpr std::uint32_t kMaxTransfer = 65536;
+/// In bytes: a transfer and its header.
+inline constexpr std::uint32_t kMaxMessage = 48 + kMaxTransfer;
+
+/// The next message of a client that has no device yet; absent, and nothing is read, if it is not complete.
+/// After `Malformed` there is no next. Streams are big-endian, as a `QDataStream` is unless told otherwise.
+[[nodiscard]] std::optional<Message> readOperation(QDataStream& client);
+/// The same of the client that has the device.
+[[nodiscard]] std::optional<Message> readTransfer(QDataStream& client);
+
+void writeDeviceList(QDataStream& client, const CaptureIdentity& identity, bool attachable);
+void writeImport(QDataStream& client, const CaptureIdentity& identity);
+void writeImportRefusal(QDataStream& client);
+void writeSubmitReply(QDataStream& client, std::uint32_t sequence, const TransferEnd& end);
 /// `takenBack`: it was still waiting, and no reply to it will follow.
-[[nodiscard]] Bytes unlinkReply(std::uint32_t sequence, bool takenBack);
+void writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool takenBack);
 
 } // namespace UsbIp

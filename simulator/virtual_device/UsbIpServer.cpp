@@ -3,96 +3,101 @@
 #include "DeviceCommands.h"
 #include "VhciPort.h"
 
+#include <QLocalSocket>
+#include <QNetworkProxy>
+#include <QTcpSocket>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <span>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr std::size_t kMostConnections = 8;
-constexpr std::size_t kLongestCommand = 4096; // bytes
-constexpr std::size_t kReadSize = 65536;
-
-bool wouldWait(ssize_t result) {
-    return result < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
-}
+constexpr std::size_t kMaxConnections = 8;
+constexpr qsizetype kMaxCommand = 4096; // bytes
 
 } // namespace
 
-std::string UsbIpServer::listen(std::uint16_t port) {
-    m_listener = OpenFile(::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    const int on = 1;
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (!m_listener || ::setsockopt(m_listener.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on) != 0
-        || ::bind(m_listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0
-        || ::listen(m_listener.get(), static_cast<int>(kMostConnections)) != 0)
-        return std::strerror(errno);
-    return {};
+void UsbIpServer::DeleteLater::operator()(QIODevice* socket) const {
+    socket->disconnect();
+    socket->deleteLater();
 }
 
-std::string UsbIpServer::attachToThisMachine() {
+UsbIpServer::UsbIpServer(VirtualCaptureDevice& device, int commands)
+    : m_device(device), m_commands(commands, QSocketNotifier::Read) {
+    m_listener.setProxy(QNetworkProxy::NoProxy); // whatever the environment says
+    m_frameTimer.setSingleShot(true);
+    m_frameTimer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_commands, &QSocketNotifier::activated, [this] { readCommands(); });
+    QObject::connect(&m_listener, &QTcpServer::newConnection, [this] { acceptConnections(); });
+    QObject::connect(&m_frameTimer, &QTimer::timeout, [this] { sendFrames(); });
+}
+
+QString UsbIpServer::listen(std::uint16_t port) {
+    return m_listener.listen(QHostAddress::LocalHost, port) ? QString() : m_listener.errorString();
+}
+
+QString UsbIpServer::attachToThisMachine() {
     m_attaches = true;
     std::array<int, 2> ends{};
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
         return std::strerror(errno);
-    OpenFile ours(ends[0]);
-    const OpenFile theirs(ends[1]);
-    if (std::string failure = attachToKernel(theirs.get()); !failure.empty())
-        return failure;
-    m_connections.push_back({std::move(ours), UsbIpSession(m_device)});
-    m_connections.back().session.importNow(UsbIpSession::Clock::now());
-    return {};
+    auto ours = std::make_unique<QLocalSocket>();
+    ours->setSocketDescriptor(ends[0]);
+    const QString failure = attachToKernel(ends[1]);
+    (void)::close(ends[1]); // the kernel has a reference of its own
+    if (failure.isEmpty())
+        addConnection(std::move(ours)).session.importNow(UsbIpSession::Clock::now());
+    return failure;
 }
 
-void UsbIpServer::run() {
-    while (true)
-        turn();
-}
-
-int UsbIpServer::patience(UsbIpSession::Clock::time_point now) const {
-    constexpr int kForEver = -1;
-    int milliseconds = kForEver;
-    for (const Connection& connection : m_connections) {
-        if (const auto due = connection.session.due()) {
-            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(*due - now).count();
-            milliseconds = static_cast<int>(std::clamp<std::int64_t>(wait, 0, 1000));
-        }
+void UsbIpServer::acceptConnections() {
+    while (auto* socket = m_listener.nextPendingConnection()) {
+        // Drop the oldest connection without the device; real clients ask at once. One at most has the
+        // device.
+        if (m_connections.size() >= kMaxConnections)
+            m_connections.erase(std::ranges::find_if(
+                m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // answers are small and waited for
+        addConnection(std::unique_ptr<QTcpSocket>(socket));
     }
-    return milliseconds;
 }
 
-void UsbIpServer::turn() {
-    std::vector<pollfd> waits{{m_commands.get(), POLLIN, 0}, {m_listener.get(), POLLIN, 0}};
-    for (const Connection& connection : m_connections) {
-        const int events = connection.session.output.empty() ? POLLIN : POLLIN | POLLOUT;
-        waits.push_back({connection.socket.get(), static_cast<short>(events), 0});
-    }
-    // A failure is an interruption by a signal, after which nothing is ready.
-    const int ready = ::poll(waits.data(), waits.size(), patience(UsbIpSession::Clock::now()));
-    auto wait = waits.begin() + 2;
+template <class Socket>
+UsbIpServer::Connection& UsbIpServer::addConnection(std::unique_ptr<Socket> owned) {
+    Socket* socket = owned.release();
+    Connection& connection = m_connections.emplace_back(socket, m_device);
+    socket->setReadBufferSize(UsbIp::kMaxMessage);
+    QObject::connect(socket, &Socket::readyRead, [this, socket, &connection] {
+        connection.session.receive(m_device.device().plugged() && !attached(), UsbIpSession::Clock::now());
+        sendFrames();
+        socket->flush(); // now: a client may close its end as soon as it has asked
+        dropEnded();
+    });
+    QObject::connect(socket, &Socket::bytesWritten, [this] { dropEnded(); });
+    QObject::connect(socket, &Socket::disconnected, [this, &connection] {
+        connection.lost = true;
+        dropEnded();
+    });
+    return connection;
+}
+
+/// Sends the frames that are due, and waits for the next one.
+void UsbIpServer::sendFrames() {
+    using namespace std::chrono;
+    const auto now = UsbIpSession::Clock::now();
+    m_frameTimer.stop();
     for (Connection& connection : m_connections) {
-        if (ready > 0 && (wait++->revents & (POLLIN | POLLHUP | POLLERR)) != 0)
-            readFrom(connection);
-        connection.session.proceed(UsbIpSession::Clock::now());
-        writeTo(connection);
+        connection.session.sendFrames(now);
+        if (const auto due = connection.session.due())
+            m_frameTimer.start(std::max(ceil<milliseconds>(*due - now), 0ms));
     }
-    dropEnded();
-    if (ready > 0 && waits[0].revents != 0)
-        readCommands();
-    if (ready > 0 && waits[1].revents != 0)
-        acceptConnection();
 }
 
 bool UsbIpServer::attached() const {
@@ -100,52 +105,12 @@ bool UsbIpServer::attached() const {
                                [](const Connection& connection) { return connection.session.imported(); });
 }
 
-void UsbIpServer::acceptConnection() {
-    OpenFile socket(::accept4(m_listener.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-    if (!socket)
-        return;
-    // Whoever means it has long asked, and who is merely silent must not keep others out. One of them at most
-    // has the device.
-    if (m_connections.size() >= kMostConnections)
-        m_connections.erase(std::ranges::find_if(
-            m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
-    const int on = 1;
-    // A request's answer is small and waited for; without this it is merely slower.
-    (void)::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    m_connections.push_back({std::move(socket), UsbIpSession(m_device)});
-}
-
-void UsbIpServer::readFrom(Connection& connection) {
-    std::array<std::uint8_t, kReadSize> bytes{};
-    const ssize_t count = ::recv(connection.socket.get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
-    if (wouldWait(count))
-        return;
-    if (count <= 0) {
-        connection.lost = true;
-        return;
-    }
-    connection.session.receive(std::span(bytes).first(static_cast<std::size_t>(count)),
-                               m_device.device().plugged() && !attached(), UsbIpSession::Clock::now());
-}
-
-void UsbIpServer::writeTo(Connection& connection) {
-    Bytes& output = connection.session.output;
-    if (output.empty() || connection.lost)
-        return;
-    const ssize_t count =
-        ::send(connection.socket.get(), output.data(), output.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-    if (count > 0)
-        output.erase(output.begin(), output.begin() + count);
-    else if (!wouldWait(count))
-        connection.lost = true;
-}
-
-/// A client that leaves has pulled the plug. On the loopback interface the device can be had again at once.
+/// A client that leaves has unplugged the device. On the loopback interface it can be attached again at once.
 void UsbIpServer::dropEnded() {
     const bool plugged = m_device.device().plugged();
     const bool wasAttached = attached();
     m_connections.remove_if([&](const Connection& connection) {
-        return connection.lost || (connection.session.ended() && connection.session.output.empty())
+        return connection.lost || (connection.session.ended() && connection.socket->bytesToWrite() == 0)
                || (connection.session.imported() && !plugged);
     });
     if (!wasAttached || attached() || !plugged)
@@ -156,30 +121,31 @@ void UsbIpServer::dropEnded() {
 }
 
 void UsbIpServer::readCommands() {
-    std::array<char, kLongestCommand> bytes{};
-    const ssize_t count = ::read(m_commands.get(), bytes.data(), bytes.size());
-    if (wouldWait(count))
+    std::array<char, kMaxCommand> bytes{};
+    // Not by QFile, which would wait until there are as many bytes.
+    const ssize_t count = ::read(static_cast<int>(m_commands.socket()), bytes.data(), bytes.size());
+    if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (count <= 0) {
-        m_commands = OpenFile(); // nobody is left to command
+        m_commands.setEnabled(false); // nobody is left to command
         return;
     }
-    m_commandBytes.append(bytes.data(), static_cast<std::size_t>(count));
-    for (auto end = m_commandBytes.find('\n'); end != std::string::npos; end = m_commandBytes.find('\n')) {
-        carryOut(m_commandBytes.substr(0, end));
-        m_commandBytes.erase(0, end + 1);
+    m_commandBytes.append(bytes.data(), count);
+    for (auto end = m_commandBytes.indexOf('\n'); end >= 0; end = m_commandBytes.indexOf('\n')) {
+        carryOut(m_commandBytes.first(end));
+        m_commandBytes.remove(0, end + 1);
     }
-    if (m_commandBytes.size() > kLongestCommand)
+    if (m_commandBytes.size() > kMaxCommand)
         m_commandBytes.clear();
 }
 
-void UsbIpServer::carryOut(const std::string& line) {
-    std::string answer = carryOutCommand(line, m_device.device());
+void UsbIpServer::carryOut(const QByteArray& line) {
+    QByteArray answer = carryOutCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
-        if (const std::string failure = attachToThisMachine(); !failure.empty())
-            answer = "error: " + failure;
+        if (const QString failure = attachToThisMachine(); !failure.isEmpty())
+            answer = "error: " + failure.toLocal8Bit();
     }
-    std::puts(answer.c_str());
+    std::puts(answer.constData());
     (void)std::fflush(stdout); // whoever waits for the answer through a pipe has it at once
 }

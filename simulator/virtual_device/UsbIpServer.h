@@ -1,52 +1,57 @@
 #pragma once
 
-#include "OpenFile.h"
 #include "UsbIpSession.h"
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QSocketNotifier>
+#include <QString>
+#include <QTcpServer>
+#include <QTimer>
 
 #include <cstdint>
 #include <list>
-#include <string>
-#include <vector>
+#include <memory>
 
-#include <poll.h>
-
-/// Serves one virtual device to one client at a time, and takes its commands. Everything runs in one loop.
-/// When too many are connected, the one that came first leaves, but never the one that has the device.
+/// Serves one virtual device to one client at a time, and takes its commands, in the thread's event loop.
+/// When too many are connected, the oldest connection is dropped, but never the one that has the device.
 class UsbIpServer {
 public:
-    /// `commands`: where command lines come from; their answers go to standard output.
-    UsbIpServer(VirtualCaptureDevice& device, OpenFile commands)
-        : m_device(device), m_commands(std::move(commands)) {}
+    /// `commands`: file descriptor that command lines come from; their answers go to standard output.
+    UsbIpServer(VirtualCaptureDevice& device, int commands);
 
     /// Serves on a TCP port of the loopback interface, and nowhere else. Empty on success, else what is
     /// wrong.
-    [[nodiscard]] std::string listen(std::uint16_t port);
+    [[nodiscard]] QString listen(std::uint16_t port);
     /// Plugs the device into this machine's kernel, now and after every "plug". Empty on success.
-    [[nodiscard]] std::string attachToThisMachine();
-    /// Never returns.
-    [[noreturn]] void run();
+    [[nodiscard]] QString attachToThisMachine();
 
 private:
+    /// A socket can't be deleted in one of its own signals.
+    struct DeleteLater {
+        void operator()(QIODevice* socket) const;
+    };
     struct Connection {
-        OpenFile socket;
+        Connection(QIODevice* owned, VirtualCaptureDevice& device) : socket(owned), session(*owned, device) {}
+        std::unique_ptr<QIODevice, DeleteLater> socket;
         UsbIpSession session;
         bool lost = false;
     };
 
-    void turn();
-    [[nodiscard]] int patience(UsbIpSession::Clock::time_point now) const;
-    void acceptConnection();
-    void readFrom(Connection& connection);
-    static void writeTo(Connection& connection);
+    void acceptConnections();
+    template <class Socket>
+    Connection& addConnection(std::unique_ptr<Socket> socket);
+    void sendFrames();
     void dropEnded();
     void readCommands();
-    void carryOut(const std::string& line);
+    void carryOut(const QByteArray& line);
     [[nodiscard]] bool attached() const;
 
     VirtualCaptureDevice& m_device;
-    OpenFile m_commands;
-    std::string m_commandBytes;
-    OpenFile m_listener;
+    QSocketNotifier m_commands;
+    QByteArray m_commandBytes;
+    QTcpServer m_listener;
+    QTimer m_frameTimer;
     bool m_attaches = false;
     std::list<Connection> m_connections;
 };

@@ -75,13 +75,13 @@ TransferEnd answered(Bytes bytes, std::uint16_t room) {
 
 } // namespace
 
-void VirtualCaptureDevice::reset(CapturePicture::Clock::time_point now) {
+void VirtualCaptureDevice::reset(CaptureFrames::Clock::time_point now) {
     m_frameInterval = kFrameIntervals[0];
-    m_picture.start(m_frameInterval, now);
+    m_frames.start(m_frameInterval, now);
 }
 
 std::optional<TransferEnd> VirtualCaptureDevice::control(const UsbIp::Submit& submit,
-                                                         CapturePicture::Clock::time_point now) {
+                                                         CaptureFrames::Clock::time_point now) {
     const Setup setup(submit.setup);
     // The client must not make one side believe in more bytes than the other has.
     if (submit.toHost != setup.toHost() && setup.length > 0)
@@ -160,7 +160,7 @@ TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
 }
 
 TransferEnd VirtualCaptureDevice::streamRequest(const Setup& setup, const Bytes& data,
-                                                CapturePicture::Clock::time_point now) {
+                                                CaptureFrames::Clock::time_point now) {
     const bool known = setup.valueHigh() == Probe || setup.valueHigh() == Commit;
     if (!known || setup.valueLow() != 0 || setup.index > 0xFF || setup.toHost() == (setup.request == SetCur))
         return stalled();
@@ -171,7 +171,7 @@ TransferEnd VirtualCaptureDevice::streamRequest(const Setup& setup, const Bytes&
         m_frameInterval =
             data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
         if (setup.valueHigh() == Commit)
-            m_picture.start(m_frameInterval, now);
+            m_frames.start(m_frameInterval, now);
         return {.status = 0, .length = setup.length, .data = {}};
     case GetCur:
     case GetMin:
@@ -191,8 +191,8 @@ Bytes VirtualCaptureDevice::streamParameters() const {
     Bytes bytes{0, 0, 1, 1}; // no hint, first format, first frame size
     appendLittleEndian(bytes, m_frameInterval, 4);
     bytes.resize(18);
-    appendLittleEndian(bytes, kPictureSize, 4);
-    appendLittleEndian(bytes, kLongestPayload, 4);
+    appendLittleEndian(bytes, kFrameSize, 4);
+    appendLittleEndian(bytes, kMaxPayload, 4);
     appendLittleEndian(bytes, 48'000'000, 4); // Hz, the clock of the VideoControl header
     bytes.resize(kParametersLength);
     return bytes;

@@ -1,18 +1,19 @@
 // A capture device for any Linux machine: the simulated one, served over USB/IP.
 
+#include "DeviceCommands.h"
 #include "UsbIpServer.h"
 #include "WireText.h"
 
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
-#include <string_view>
 
 #include <fcntl.h>
-#include <getopt.h>
 #include <unistd.h>
 
 namespace {
@@ -33,75 +34,49 @@ constexpr const char* kUsage =
     "Commands: fault stall|time-out|short|garbage|unplug get|set|get-len|get-info|any SELECTOR|any [N],\n"
     "clear, unplug, plug, show.\n";
 
-struct Options {
-    bool attach = false;
-    std::uint16_t port = 3240;
-    std::uint8_t videoControlInterface = 0;
-    const char* commands = nullptr;
-    const char* wireLog = nullptr;
-};
-
-[[noreturn]] void stop(const char* what, const char* why) {
-    (void)std::fprintf(stderr, "tavro-virtual-device: %s: %s\n", what, why);
+[[noreturn]] void stop(const QString& what, const QString& why) {
+    (void)std::fprintf(stderr, "tavro-virtual-device: %s: %s\n", qPrintable(what), qPrintable(why));
     std::exit(EXIT_FAILURE);
 }
 
-template <class Number>
-Number number(const char* text, Number least, Number most) {
-    Number value = 0;
-    const char* end = text + std::strlen(text);
-    const auto [last, error] = std::from_chars(text, end, value);
-    if (error != std::errc{} || last != end || value < least || value > most)
+unsigned number(const QString& text, unsigned least, unsigned most) {
+    const auto value = decimalNumber(text.toUtf8(), least, most);
+    if (!value)
         stop(text, "no such number");
-    return value;
+    return *value;
 }
 
-Options parse(int argc, char** argv) {
-    constexpr std::array<option, 7> kOptions{{{"attach", no_argument, nullptr, 'a'},
-                                              {"port", required_argument, nullptr, 'p'},
-                                              {"commands", required_argument, nullptr, 'c'},
-                                              {"wire-log", required_argument, nullptr, 'w'},
-                                              {"video-control-interface", required_argument, nullptr, 'i'},
-                                              {"help", no_argument, nullptr, 'h'},
-                                              {}}};
-    Options options;
-    for (int sign = 0; (sign = ::getopt_long(argc, argv, "", kOptions.data(), nullptr)) != -1;) {
-        if (sign == 'a')
-            options.attach = true;
-        else if (sign == 'p')
-            options.port = number<std::uint16_t>(optarg, 1, 65535);
-        else if (sign == 'c')
-            options.commands = optarg;
-        else if (sign == 'w')
-            options.wireLog = optarg;
-        else if (sign == 'i')
-            options.videoControlInterface = number<std::uint8_t>(optarg, 0, 1);
-        else {
-            (void)std::fputs(kUsage, sign == 'h' ? stdout : stderr);
-            std::exit(sign == 'h' ? EXIT_SUCCESS : EXIT_FAILURE);
-        }
+/// Ends the program if the options ask for help or can't be understood.
+void parseOptions(QCommandLineParser& parser) {
+    parser.addOptions({{"attach", {}},
+                       {"port", {}, "N", "3240"},
+                       {"commands", {}, "FIFO"},
+                       {"wire-log", {}, "FILE"},
+                       {"video-control-interface", {}, "N", "0"},
+                       {"help", {}}});
+    const bool understood = parser.parse(QCoreApplication::arguments());
+    if (!understood)
+        (void)std::fprintf(stderr, "tavro-virtual-device: %s\n", qPrintable(parser.errorText()));
+    if (!understood || parser.isSet("help")) {
+        (void)std::fputs(kUsage, understood ? stdout : stderr);
+        std::exit(understood ? EXIT_SUCCESS : EXIT_FAILURE);
     }
-    if (optind < argc)
-        stop(argv[optind], "takes options only");
-    return options;
+    if (const QStringList others = parser.positionalArguments(); !others.isEmpty())
+        stop(others.front(), "takes options only");
 }
 
-OpenFile openCommands(const char* path) {
-    if (!path)
-        return OpenFile(STDIN_FILENO);
-    // Open for writing too: it does not end when one who commands leaves.
-    OpenFile commands(::open(path, O_RDWR | O_NONBLOCK | O_CLOEXEC));
-    if (!commands)
+int openCommands(const QString& path) {
+    // Open for writing too: it does not end when a writer closes it.
+    const int commands = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (commands < 0)
         stop(path, std::strerror(errno));
     return commands;
 }
 
-void logWireTo(const char* path, SimulatedDevice& device) {
-    std::FILE* log = path ? std::fopen(path, "we") : nullptr; // open as long as the program runs
-    if (path && !log)
-        stop(path, std::strerror(errno));
+void logWireTo(const QString& path, SimulatedDevice& device) {
+    std::FILE* log = std::fopen(QFile::encodeName(path).constData(), "we"); // open until the program ends
     if (!log)
-        return;
+        stop(path, std::strerror(errno));
     device.onRequest = [log](const RecordedRequest& request) {
         (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure costs no more than the line
         (void)std::fflush(log);
@@ -111,16 +86,26 @@ void logWireTo(const char* path, SimulatedDevice& device) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const Options options = parse(argc, argv);
+    // Messages are English. Qt needs a UTF-8 locale and would warn of another.
+    qputenv("LC_ALL", "C.UTF-8");
+    qunsetenv("LANGUAGE");
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser options;
+    parseOptions(options);
+    const auto port = static_cast<std::uint16_t>(number(options.value("port"), 1, 65535));
     SimulatedDevice device;
-    device.videoControlInterface = options.videoControlInterface;
-    logWireTo(options.wireLog, device);
+    device.videoControlInterface =
+        static_cast<std::uint8_t>(number(options.value("video-control-interface"), 0, 1));
+    if (options.isSet("wire-log"))
+        logWireTo(options.value("wire-log"), device);
     VirtualCaptureDevice capture(device);
-    UsbIpServer server(capture, openCommands(options.commands));
-    const std::string failure = options.attach ? server.attachToThisMachine() : server.listen(options.port);
-    if (!failure.empty())
-        stop(options.attach ? "can't attach" : "can't listen", failure.c_str());
+    UsbIpServer server(capture,
+                       options.isSet("commands") ? openCommands(options.value("commands")) : STDIN_FILENO);
+    const bool attach = options.isSet("attach");
+    const QString failure = attach ? server.attachToThisMachine() : server.listen(port);
+    if (!failure.isEmpty())
+        stop(attach ? "can't attach" : "can't listen", failure);
     std::puts("ready");
     (void)std::fflush(stdout); // whoever started it through a pipe waits for this
-    server.run();
+    return QCoreApplication::exec();
 }

@@ -8,21 +8,21 @@
 
 // The one format that the virtual device streams: YUYV, on a bulk endpoint.
 
-inline constexpr std::uint16_t kPictureWidth = 160;  // pixels
-inline constexpr std::uint16_t kPictureHeight = 120; // pixels
-inline constexpr std::uint32_t kPictureSize = 2U * kPictureWidth * kPictureHeight;
+inline constexpr std::uint16_t kFrameWidth = 160;  // pixels
+inline constexpr std::uint16_t kFrameHeight = 120; // pixels
+inline constexpr std::uint32_t kFrameSize = 2U * kFrameWidth * kFrameHeight;
 /// Bytes of one payload, its header included. Kernels give a bulk transfer at most 32 packets of 512 bytes;
 /// with one payload in each, none has to be put together from several transfers.
-inline constexpr std::uint32_t kLongestPayload = 16384;
+inline constexpr std::uint32_t kMaxPayload = 16384;
 /// Frame intervals, in units of 100 ns; the first is the one to start with.
 inline constexpr std::array<std::uint32_t, 2> kFrameIntervals{666666, 333333};
 
-/// Colour bars with a line that moves down by one row a picture, cut into payloads at the pace of a camera.
-class CapturePicture {
+/// Colour bars with a line that moves down by one row per frame, cut into payloads at the pace of a camera.
+class CaptureFrames {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Begins with a whole picture, now.
+    /// Begins with a whole frame, now.
     void start(std::uint32_t frameInterval, Clock::time_point now);
     /// When the next payload may go out.
     [[nodiscard]] Clock::time_point due() const { return m_due; }
@@ -30,10 +30,10 @@ public:
     [[nodiscard]] Bytes nextPayload(std::size_t room, Clock::time_point now);
 
 private:
-    void endPicture(Clock::time_point now);
+    void endFrame(Clock::time_point now);
 
     Clock::time_point m_due;
     Clock::duration m_interval{};
-    std::size_t m_sent = 0; ///< bytes of the current picture
-    unsigned m_count = 0;   ///< pictures
+    std::size_t m_sent = 0; ///< bytes of the current frame
+    unsigned m_count = 0;   ///< frames
 };

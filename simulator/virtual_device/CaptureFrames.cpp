@@ -1,4 +1,4 @@
-#include "CapturePicture.h"
+#include "CaptureFrames.h"
 
 #include <algorithm>
 
@@ -6,7 +6,7 @@ namespace {
 
 // Payload header (UVC 1.5, 2.4.3.3).
 constexpr std::size_t kHeaderLength = 2;
-constexpr std::uint8_t kFrameIdentifier = 0x01; // toggles with every picture
+constexpr std::uint8_t kFrameIdentifier = 0x01; // toggles with every frame
 constexpr std::uint8_t kEndOfFrame = 0x02;
 constexpr std::uint8_t kEndOfHeader = 0x80;
 
@@ -25,13 +25,12 @@ constexpr std::array<Color, 8> kBars{{{235, 128, 128},
                                       {16, 128, 128}}};
 constexpr Color kLine{235, 128, 128};
 
-/// Byte `offset` of a picture, whose pixels go in pairs: luma, blue, luma, red.
-std::uint8_t pictureByte(std::size_t offset, unsigned count) {
-    constexpr std::size_t kRowSize = std::size_t{2} * kPictureWidth;
+/// Byte `offset` of a frame, whose pixels come in pairs: luma, blue, luma, red.
+std::uint8_t frameByte(std::size_t offset, unsigned count) {
+    constexpr std::size_t kRowSize = std::size_t{2} * kFrameWidth;
     const std::size_t row = offset / kRowSize;
     const std::size_t column = offset % kRowSize / 2;
-    const Color color =
-        row == count % kPictureHeight ? kLine : kBars.at(column * kBars.size() / kPictureWidth);
+    const Color color = row == count % kFrameHeight ? kLine : kBars.at(column * kBars.size() / kFrameWidth);
     if (offset % 2 == 0)
         return color.luma;
     return offset % 4 == 1 ? color.blue : color.red;
@@ -39,31 +38,31 @@ std::uint8_t pictureByte(std::size_t offset, unsigned count) {
 
 } // namespace
 
-void CapturePicture::start(std::uint32_t frameInterval, Clock::time_point now) {
+void CaptureFrames::start(std::uint32_t frameInterval, Clock::time_point now) {
     m_interval = std::chrono::nanoseconds(100) * frameInterval;
     m_due = now;
     m_sent = 0;
 }
 
-Bytes CapturePicture::nextPayload(std::size_t room, Clock::time_point now) {
-    const std::size_t most = std::min<std::size_t>(room, kLongestPayload);
+Bytes CaptureFrames::nextPayload(std::size_t room, Clock::time_point now) {
+    const std::size_t most = std::min<std::size_t>(room, kMaxPayload);
     if (most <= kHeaderLength)
         return {};
-    const std::size_t length = std::min(most - kHeaderLength, kPictureSize - m_sent);
-    const bool ends = m_sent + length == kPictureSize;
+    const std::size_t length = std::min(most - kHeaderLength, kFrameSize - m_sent);
+    const bool ends = m_sent + length == kFrameSize;
     Bytes payload{kHeaderLength, static_cast<std::uint8_t>(kEndOfHeader | (ends ? kEndOfFrame : 0)
                                                            | (m_count % 2 == 1 ? kFrameIdentifier : 0))};
     for (std::size_t i = 0; i < length; ++i)
-        payload.push_back(pictureByte(m_sent + i, m_count));
+        payload.push_back(frameByte(m_sent + i, m_count));
     m_sent += length;
     if (ends)
-        endPicture(now);
+        endFrame(now);
     return payload;
 }
 
-void CapturePicture::endPicture(Clock::time_point now) {
+void CaptureFrames::endFrame(Clock::time_point now) {
     m_sent = 0;
     ++m_count;
-    // Whoever fetched too slowly gets the next picture at its pace, not a heap of late ones.
+    // A client that fetches too slowly gets the next frame at the usual pace, not a burst of late ones.
     m_due = std::max(m_due, now - m_interval) + m_interval;
 }
