@@ -3,8 +3,8 @@
 namespace {
 
 bool matches(const RequestKind& kind, const UsbControlRequest& request) {
-    return (!kind.request || *kind.request == request.bRequest)
-           && (!kind.selector || *kind.selector == request.wValue >> 8);
+    return (!kind.request || *kind.request == static_cast<UVCRequest>(request.bRequest))
+           && (!kind.selector || *kind.selector == Uvc::selectorOf(request));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Usb.h"
+#include "Uvc.h"
 
 #include <cstdint>
 #include <optional>
@@ -17,7 +17,7 @@ enum class RequestFault : std::uint8_t {
 
 /// The requests that a fault applies to; an empty field matches every request.
 struct RequestKind {
-    std::optional<std::uint8_t> request;  ///< bRequest
+    std::optional<UVCRequest> request;
     std::optional<std::uint8_t> selector; ///< high byte of wValue
 };
 

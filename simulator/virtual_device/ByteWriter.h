@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Uvc.h"
+
 #include <cstdint>
 #include <initializer_list>
 #include <span>
@@ -12,8 +14,8 @@ inline void append(Bytes& bytes, std::span<const std::uint8_t> more) {
 }
 /// As USB's descriptors have their numbers.
 inline void appendLittleEndian(Bytes& bytes, std::uint32_t value, unsigned size) {
-    for (unsigned i = 0; i < size; ++i)
-        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    bytes.resize(bytes.size() + size);
+    Uvc::storeLittleEndian(value, std::span(bytes).last(size));
 }
 /// As USB/IP has its numbers.
 inline void appendBigEndian(Bytes& bytes, std::uint32_t value, unsigned size) {

@@ -8,25 +8,20 @@
 
 namespace {
 
-enum DescriptorType : std::uint8_t { // USB 2.0, 9.4; UVC 1.5, A.4
-    Device = 1,
-    Configuration = 2,
-    String = 3,
-    Interface = 4,
-    Endpoint = 5,
-    Qualifier = 6,
-    Association = 11,
-    ClassInterface = 0x24,
+using namespace DescriptorType;
+
+enum ClassCode : std::uint8_t { Video = Uvc::kVideoClass, Miscellaneous = 0xEF, VendorSpecific = 0xFF };
+enum VideoSubclass : std::uint8_t {
+    VideoControl = Uvc::kVideoControlSubClass,
+    VideoStreaming = 2,
+    VideoCollection = 3
 };
-enum ClassCode : std::uint8_t { Video = 14, Miscellaneous = 0xEF, VendorSpecific = 0xFF };
-enum VideoSubclass : std::uint8_t { VideoControl = 1, VideoStreaming = 2, VideoCollection = 3 };
 enum Entity : std::uint8_t { CameraTerminal = 1, ProcessingUnit = 2, ExtensionUnit = 3, OutputTerminal = 4 };
 
 constexpr std::array<std::string_view, 4> kStrings{"Tavro", "Tavro Virtual Device", "1", "Capture"};
 enum StringIndex : std::uint8_t { NoString, Manufacturer, Product, SerialNumber, Collection };
 
-constexpr std::uint32_t kClockFrequency = 48'000'000; // Hz
-constexpr std::uint16_t kBulkPacket = 512;            // bytes, the only size at high speed
+constexpr std::uint16_t kBulkPacket = 512; // bytes, the only size at high speed
 
 using Guid = std::array<std::uint8_t, 16>;
 constexpr Guid kYuy2{'Y', 'U', 'Y', '2', 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};

@@ -16,7 +16,21 @@ struct CaptureIdentity {
     }
 };
 
-inline constexpr std::uint8_t kStreamEndpoint = 1; // IN
+namespace DescriptorType { // USB 2.0, 9.4; UVC 1.5, A.4
+enum : std::uint8_t {
+    Device = 1,
+    Configuration = 2,
+    String = 3,
+    Interface = 4,
+    Endpoint = 5,
+    Qualifier = 6,
+    Association = 11,
+    ClassInterface = 0x24,
+};
+} // namespace DescriptorType
+
+inline constexpr std::uint32_t kClockFrequency = 48'000'000; // Hz, of the VideoControl interface
+inline constexpr std::uint8_t kStreamEndpoint = 1;           // IN
 inline constexpr std::uint8_t kConfigurationValue = 1;
 
 [[nodiscard]] Bytes deviceDescriptor(const CaptureIdentity& identity);

@@ -1,8 +1,9 @@
 #include "DeviceCommands.h"
 
+#include "WireText.h"
+
 #include <QByteArrayView>
 #include <QList>
-#include <QString>
 
 #include <algorithm>
 #include <array>
@@ -23,8 +24,11 @@ constexpr std::array<Named<RequestFault>, 5> kFaults{{{"stall", RequestFault::St
                                                       {"short", RequestFault::ShortData},
                                                       {"garbage", RequestFault::Garbage},
                                                       {"unplug", RequestFault::Unplug}}};
-constexpr std::array<Named<std::optional<std::uint8_t>>, 5> kRequests{
-    {{"set", 0x01}, {"get", 0x81}, {"get-len", 0x85}, {"get-info", 0x86}, {"any", std::nullopt}}};
+constexpr std::array<Named<std::optional<UVCRequest>>, 5> kRequests{{{"set", UVCRequest::SET_CUR},
+                                                                     {"get", UVCRequest::GET_CUR},
+                                                                     {"get-len", UVCRequest::GET_LEN},
+                                                                     {"get-info", UVCRequest::GET_INFO},
+                                                                     {"any", std::nullopt}}};
 
 template <class Table>
 const typename Table::value_type* find(const Table& table, QByteArrayView name) {
@@ -50,11 +54,7 @@ QByteArray addFault(const Words& words, SimulatedDevice& device) {
 }
 
 QByteArray describe(const SimulatedDevice& device) {
-    return QString::asprintf(
-               "%s: bit rate H.264 %d MJPEG %d, HDCP %d, microphone %d, headphone %d, HDMI %d, AUX %d",
-               device.plugged() ? "plugged" : "unplugged", device.settings[8] >> 4, device.settings[8] & 15,
-               device.settings[9], device.audio[3], device.audio[5], device.audio[1], device.audio[2])
-        .toLatin1();
+    return (device.plugged() ? "plugged: " : "unplugged: ") + QByteArray::fromStdString(settingsText(device));
 }
 
 } // namespace

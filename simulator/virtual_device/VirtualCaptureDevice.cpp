@@ -3,26 +3,12 @@
 #include <algorithm>
 #include <cerrno>
 
-struct VirtualCaptureDevice::Setup {
-    explicit Setup(const std::array<std::uint8_t, 8>& bytes)
-        : requestType(bytes[0]),
-          request(bytes[1]),
-          value(word(bytes[2], bytes[3])),
-          index(word(bytes[4], bytes[5])),
-          length(word(bytes[6], bytes[7])) {}
+struct VirtualCaptureDevice::Setup : UsbControlRequest {
+    explicit Setup(const Uvc::SetupPacket& packet) : UsbControlRequest(Uvc::requestOf(packet, nullptr)) {}
 
-    static std::uint16_t word(std::uint8_t low, std::uint8_t high) {
-        return static_cast<std::uint16_t>(low | high << 8);
-    }
-    [[nodiscard]] bool toHost() const { return (requestType & kUsbDeviceToHost) != 0; }
-    [[nodiscard]] std::uint8_t valueHigh() const { return static_cast<std::uint8_t>(value >> 8); }
-    [[nodiscard]] std::uint8_t valueLow() const { return static_cast<std::uint8_t>(value); }
-
-    std::uint8_t requestType;
-    std::uint8_t request;
-    std::uint16_t value;
-    std::uint16_t index;
-    std::uint16_t length;
+    [[nodiscard]] bool toHost() const { return (bmRequestType & kUsbDeviceToHost) != 0; }
+    [[nodiscard]] std::uint8_t valueHigh() const { return static_cast<std::uint8_t>(wValue >> 8); }
+    [[nodiscard]] std::uint8_t valueLow() const { return static_cast<std::uint8_t>(wValue); }
 };
 
 namespace {
@@ -32,7 +18,6 @@ using UsbIp::TransferEnd;
 // USB 2.0, 9.4
 constexpr std::uint8_t kTypeBits = 0x60;
 constexpr std::uint8_t kStandardType = 0x00;
-constexpr std::uint8_t kClassToInterface = 0x21;
 enum StandardRequest : std::uint8_t {
     GetStatus = 0,
     ClearFeature = 1,
@@ -46,15 +31,6 @@ enum StandardRequest : std::uint8_t {
 
 // UVC 1.5, 4.3.1.1; 34 bytes up to UVC 1.1
 enum StreamSelector : std::uint8_t { Probe = 1, Commit = 2 };
-enum StreamRequest : std::uint8_t {
-    SetCur = 0x01,
-    GetCur = 0x81,
-    GetMin = 0x82,
-    GetMax = 0x83,
-    GetLen = 0x85,
-    GetInfo = 0x86,
-    GetDef = 0x87,
-};
 constexpr std::uint32_t kParametersLength = 34;
 constexpr std::size_t kIntervalPlace = 4;
 
@@ -84,104 +60,100 @@ std::optional<TransferEnd> VirtualCaptureDevice::control(const UsbIp::Submit& su
                                                          CaptureFrames::Clock::time_point now) {
     const Setup setup(submit.setup);
     // The client must not make one side believe in more bytes than the other has.
-    if (submit.toHost != setup.toHost() && setup.length > 0)
+    if (submit.toHost != setup.toHost() && setup.wLength > 0)
         return stalled();
-    if (setup.toHost() ? submit.length < setup.length : submit.data.size() != setup.length)
+    if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength)
         return stalled();
-    if ((setup.requestType & kTypeBits) == kStandardType)
+    if ((setup.bmRequestType & kTypeBits) == kStandardType)
         return standardRequest(setup);
-    if ((setup.requestType & ~kUsbDeviceToHost) == kClassToInterface
-        && (setup.index & 0xFF) == identity().streamingInterface())
+    if ((setup.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface
+        && (setup.wIndex & 0xFF) == identity().streamingInterface())
         return streamRequest(setup, submit.data, now);
     return unitRequest(setup, submit.data);
 }
 
 std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup, const Bytes& data) {
     Bytes bytes = data;
-    bytes.resize(setup.length);
-    UsbControlRequest request{.bmRequestType = setup.requestType,
-                              .bRequest = setup.request,
-                              .wValue = setup.value,
-                              .wIndex = setup.index,
-                              .wLength = setup.length,
-                              .pData = bytes.data(),
-                              .wLenDone = 0};
+    bytes.resize(setup.wLength);
+    UsbControlRequest request = setup;
+    request.pData = bytes.data();
     const UsbResult result = m_device.control(request);
     m_device.requests.clear(); // it keeps them all, and this may run for weeks
     if (result == UsbCode::TimeOut || result == UsbCode::NoDevice)
         return std::nullopt;
     if (result == UsbCode::Stall)
         return stalled();
-    bytes.resize(setup.toHost() ? std::min<std::size_t>(request.wLenDone, setup.length) : 0);
+    bytes.resize(setup.toHost() ? std::min<std::size_t>(request.wLenDone, setup.wLength) : 0);
     return TransferEnd{.status = 0, .length = request.wLenDone, .data = std::move(bytes)};
 }
 
 TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
-    switch (setup.request) {
+    switch (setup.bRequest) {
     case GetDescriptor:
         return setup.toHost() ? descriptor(setup) : stalled();
     case GetStatus:
-        return setup.toHost() ? answered({0, 0}, setup.length) : stalled();
+        return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
     case GetConfiguration:
-        return setup.toHost() ? answered({kConfigurationValue}, setup.length) : stalled();
+        return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
     case GetInterface:
-        return setup.toHost() ? answered({0}, setup.length) : stalled();
+        return setup.toHost() ? answered({0}, setup.wLength) : stalled();
     case SetConfiguration:
     case SetInterface:
     case SetFeature:
     case ClearFeature:
-        return setup.toHost() || setup.length > 0 ? stalled() : done();
+        return setup.toHost() || setup.wLength > 0 ? stalled() : done();
     default:
         return stalled();
     }
 }
 
 TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
-    enum Type : std::uint8_t { Device = 1, Configuration = 2, String = 3, Qualifier = 6 };
     Bytes bytes;
     switch (setup.valueHigh()) {
-    case Device:
+    case DescriptorType::Device:
         bytes = deviceDescriptor(identity());
         break;
-    case Configuration:
+    case DescriptorType::Configuration:
         if (setup.valueLow() == 0)
             bytes = configurationDescriptor(identity());
         break;
-    case String:
+    case DescriptorType::String:
         bytes = stringDescriptor(setup.valueLow());
         break;
-    case Qualifier:
+    case DescriptorType::Qualifier:
         bytes = deviceQualifier();
         break;
     default:
         break;
     }
-    return bytes.empty() ? stalled() : answered(std::move(bytes), setup.length);
+    return bytes.empty() ? stalled() : answered(std::move(bytes), setup.wLength);
 }
 
 TransferEnd VirtualCaptureDevice::streamRequest(const Setup& setup, const Bytes& data,
                                                 CaptureFrames::Clock::time_point now) {
+    const auto code = static_cast<UVCRequest>(setup.bRequest);
     const bool known = setup.valueHigh() == Probe || setup.valueHigh() == Commit;
-    if (!known || setup.valueLow() != 0 || setup.index > 0xFF || setup.toHost() == (setup.request == SetCur))
+    if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF
+        || setup.toHost() == (code == UVCRequest::SET_CUR))
         return stalled();
-    switch (setup.request) {
-    case SetCur:
+    switch (code) {
+    case UVCRequest::SET_CUR:
         if (data.size() < kIntervalPlace + sizeof m_frameInterval)
             return stalled();
         m_frameInterval =
             data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
         if (setup.valueHigh() == Commit)
             m_frames.start(m_frameInterval, now);
-        return {.status = 0, .length = setup.length, .data = {}};
-    case GetCur:
-    case GetMin:
-    case GetMax:
-    case GetDef:
-        return answered(streamParameters(), setup.length);
-    case GetLen:
-        return answered({kParametersLength, 0}, setup.length);
-    case GetInfo:
-        return answered({3}, setup.length);
+        return {.status = 0, .length = setup.wLength, .data = {}};
+    case UVCRequest::GET_CUR:
+    case UVCRequest::GET_MIN:
+    case UVCRequest::GET_MAX:
+    case UVCRequest::GET_DEF:
+        return answered(streamParameters(), setup.wLength);
+    case UVCRequest::GET_LEN:
+        return answered({kParametersLength, 0}, setup.wLength);
+    case UVCRequest::GET_INFO:
+        return answered({3}, setup.wLength);
     default:
         return stalled();
     }
@@ -193,7 +165,7 @@ Bytes VirtualCaptureDevice::streamParameters() const {
     bytes.resize(18);
     appendLittleEndian(bytes, kFrameSize, 4);
     appendLittleEndian(bytes, kMaxPayload, 4);
-    appendLittleEndian(bytes, 48'000'000, 4); // Hz, the clock of the VideoControl header
+    appendLittleEndian(bytes, kClockFrequency, 4);
     bytes.resize(kParametersLength);
     return bytes;
 }

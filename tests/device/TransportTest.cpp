@@ -213,16 +213,16 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
         EXPECT_THAT(
             TestHost::takeRequests(), ElementsAre(testing::_, testing::_, testing::StartsWith(request("a1 81"))));
         // With the minimum refused the range is 0 to 1 and shows the scale's direction.
-        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_MIN, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE((control.*row.set)(row.inverted ? 0.0F : 1.0F));
         EXPECT_EQ(TestHost::takeRequests().back(), request("21 01") + " " + row.one);
-        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_MIN, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE((control.*row.set)(row.inverted ? 1.0F : 0.0F));
         EXPECT_THAT(TestHost::takeRequests().back(), testing::HasSubstr("| 00"));
-        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_MIN, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 0.0F : 1.0F);
-        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
-        device().addFault({.request = 0x81, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_MIN, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_CUR, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_EQ((control.*row.get)(), row.inverted ? 1.0F : 0.0F);
         TestHost::take();
     }
@@ -260,7 +260,7 @@ TEST_F(Transport, ScalesInSinglePrecision) {
 TEST_F(Transport, ValuesThatNoIntegerHoldsAreSentAsTheNearest) {
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     const auto sent = [this](float value) {
-        device().addFault({.request = 0x82, .selector = {}}, 1, RequestFault::Stall);
+        device().addFault({.request = UVCRequest::GET_MIN, .selector = {}}, 1, RequestFault::Stall);
         EXPECT_TRUE(control.setValue(value, {1, 4, 4}));
         return TestHost::takeRequests().back();
     };

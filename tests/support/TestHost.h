@@ -38,5 +38,5 @@ struct TestHost {
 [[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
 [[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
 
-inline constexpr RequestKind kAnyGet{.request = 0x81, .selector = {}};
-inline constexpr RequestKind kAnySet{.request = 0x01, .selector = {}};
+inline constexpr RequestKind kAnyGet{.request = UVCRequest::GET_CUR, .selector = {}};
+inline constexpr RequestKind kAnySet{.request = UVCRequest::SET_CUR, .selector = {}};
