@@ -9,7 +9,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.realpath(__file__)) + "/../tests/support")
-from desktop import Program, X11, arguments  # noqa: E402
+from desktop import Program, X11, arguments, wait_for  # noqa: E402
 
 LANGUAGES = ["en", "de", "fr", "es", "ja", "zh_CN"]
 SCALES = [1, 2]
@@ -38,8 +38,7 @@ def take_all(choice):
         take(desktop, settings, folder + "/settings-window.png")
         desktop.focus(settings)
         desktop.key("F1")
-        time.sleep(0.7)
-        about = next(w for w in desktop.windows(demo.pid, ".*") if w != settings)
+        about = wait_for("About window", lambda: [w for w in desktop.windows(demo.pid, ".*") if w != settings])[0]
         take(desktop, about, folder + "/about-window.png")
         demo.process.terminate()
         tool = Program(desktop, BUILD + "/tavro-setup-tool", **look)
