@@ -159,7 +159,8 @@ class Display(Desktop):
         self.run("xdotool", "windowfocus", "--sync", window)
 
     def key(self, *keys):
-        self.run("xdotool", "key", "+".join(keys))
+        # F1 by its code: the xdotool of newer systems presses Alt with it.
+        self.run("xdotool", "key", "+".join({"F1": "67"}.get(key, key) for key in keys))
 
     def point(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
