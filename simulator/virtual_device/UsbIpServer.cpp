@@ -50,7 +50,7 @@ QString UsbIpServer::attachToThisMachine() {
         return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
     ours->setSocketDescriptor(ends[0]);
-    const QString failure = attachToKernel(ends[1]);
+    QString failure = attachToKernel(ends[1]);
     (void)::close(ends[1]); // the kernel has a reference of its own
     if (failure.isEmpty())
         addConnection(std::move(ours)).session.importNow(UsbIpSession::Clock::now());

@@ -40,7 +40,7 @@ private:
 
     void acceptConnections();
     template <class Socket>
-    Connection& addConnection(std::unique_ptr<Socket> socket);
+    Connection& addConnection(std::unique_ptr<Socket> owned);
     void sendFrames();
     void dropEnded();
     void readCommands();

@@ -238,11 +238,9 @@ private slots:
     }
 
     void noSettingIsEverLost() {
-        const unsigned seed = qEnvironmentVariableIsSet("TAVRO_SEED") ? qEnvironmentVariable("TAVRO_SEED").toUInt()
-                                                                      : std::random_device()();
+        const unsigned seed = qEnvironmentVariable("TAVRO_SEED", QString::number(std::random_device()())).toUInt();
         qInfo("seed %u (TAVRO_SEED=%u repeats it)", seed, seed);
-        const int actions =
-            qEnvironmentVariableIsSet("TAVRO_ACTIONS") ? qEnvironmentVariableIntValue("TAVRO_ACTIONS") : 1000;
+        const int actions = qEnvironmentVariable("TAVRO_ACTIONS", QStringLiteral("1000")).toInt();
         std::mt19937 random(seed);
         const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
         setUpDevices(Trouble::None);
