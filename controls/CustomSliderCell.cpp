@@ -97,21 +97,21 @@ QRect DrawnSlider::knob() const {
 }
 
 void DrawnSlider::drawKnob(QPainter& context) const {
-    const QRectF knob = this->knob();
+    const QRectF box = knob();
     context.setBrush(palette().alternateBase());
     if (hasFocus()) {
         context.setPen(QPen(Qt::white, kFocusRingWidth));
-        context.drawRoundedRect(grown(knob, kFocusRingGap), kFocusRingRadius, kFocusRingRadius);
+        context.drawRoundedRect(grown(box, kFocusRingGap), kFocusRingRadius, kFocusRingRadius);
     } else {
         context.setPen(Qt::NoPen);
-        context.drawRoundedRect(grown(knob, kHaloWidth), kHaloRadius, kHaloRadius);
+        context.drawRoundedRect(grown(box, kHaloWidth), kHaloRadius, kHaloRadius);
     }
     context.setPen(kKnobOutline);
-    context.setBrush(knobGradient(knob, isEnabled()));
-    context.drawRoundedRect(grown(knob, -kOutlineInset), kKnobRadius, kKnobRadius);
+    context.setBrush(knobGradient(box, isEnabled()));
+    context.drawRoundedRect(grown(box, -kOutlineInset), kKnobRadius, kKnobRadius);
     context.setPen(kKnobGloss);
     context.setBrush(Qt::NoBrush);
-    context.drawRoundedRect(grown(knob, -kGlossInset), kKnobRadius, kKnobRadius);
+    context.drawRoundedRect(grown(box, -kGlossInset), kKnobRadius, kKnobRadius);
 }
 
 /// Of `value()`, which is what the device reported last, also while a drag is ahead of it.

@@ -52,8 +52,10 @@ QString UsbIpServer::attachToThisMachine() {
     ours->setSocketDescriptor(ends[0]);
     QString failure = attachToKernel(ends[1]);
     (void)::close(ends[1]); // the kernel has a reference of its own
-    if (failure.isEmpty())
-        addConnection(std::move(ours)).session.importNow(UsbIpSession::Clock::now());
+    if (failure.isEmpty()) {
+        Connection& connection = addConnection(std::move(ours));
+        connection.session.importNow(UsbIpSession::Clock::now());
+    }
     return failure;
 }
 
