@@ -62,6 +62,7 @@ constexpr void storeLittleEndian(std::uint64_t value, std::span<std::uint8_t> by
     }
 }
 
+/// The number of these bytes, as many as it has at the most.
 template <std::unsigned_integral Number>
 constexpr Number littleEndian(std::span<const std::uint8_t> bytes) {
     Number value = 0;

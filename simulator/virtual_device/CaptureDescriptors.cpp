@@ -10,12 +10,6 @@ namespace {
 
 using namespace DescriptorType;
 
-enum ClassCode : std::uint8_t { Video = Uvc::kVideoClass, Miscellaneous = 0xEF, VendorSpecific = 0xFF };
-enum VideoSubclass : std::uint8_t {
-    VideoControl = Uvc::kVideoControlSubClass,
-    VideoStreaming = 2,
-    VideoCollection = 3
-};
 enum Entity : std::uint8_t { CameraTerminal = 1, ProcessingUnit = 2, ExtensionUnit = 3, OutputTerminal = 4 };
 
 constexpr std::array<std::string_view, 4> kStrings{"Tavro", "Tavro Virtual Device", "1", "Capture"};

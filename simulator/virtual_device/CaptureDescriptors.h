@@ -29,6 +29,13 @@ enum : std::uint8_t {
 };
 } // namespace DescriptorType
 
+enum ClassCode : std::uint8_t { Video = Uvc::kVideoClass, Miscellaneous = 0xEF, VendorSpecific = 0xFF };
+enum VideoSubclass : std::uint8_t {
+    VideoControl = Uvc::kVideoControlSubClass,
+    VideoStreaming = 2,
+    VideoCollection = 3
+};
+
 inline constexpr std::uint32_t kClockFrequency = 48'000'000; // Hz, of the VideoControl interface
 inline constexpr std::uint8_t kStreamEndpoint = 1;           // IN
 inline constexpr std::uint8_t kConfigurationValue = 1;

@@ -67,7 +67,7 @@ std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, un
     return value;
 }
 
-QByteArray carryOutCommand(const QByteArray& line, SimulatedDevice& device) {
+QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device) {
     const Words words = line.simplified().split(' '); // of an empty line, one empty word
     const QByteArray& command = words.front();
     if (command == "fault")

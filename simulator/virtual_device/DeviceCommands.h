@@ -9,6 +9,6 @@
 /// A decimal number from `least` to `most` without sign or blanks, absent if it is none.
 [[nodiscard]] std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, unsigned most);
 
-/// Executes one command line (docs/virtual-device.md) and answers with one line, without its end:
-/// "ok", what was asked for, or "error: ...". What the client may have to be told follows from `plugged()`.
-[[nodiscard]] QByteArray carryOutCommand(const QByteArray& line, SimulatedDevice& device);
+/// Executes one command line (docs/virtual-device.md). The answer is one line without its end: "ok", what was
+/// asked for, or "error: ...".
+[[nodiscard]] QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device);

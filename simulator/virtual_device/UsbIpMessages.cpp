@@ -20,7 +20,7 @@ constexpr std::uint32_t kSubmit = 1;
 constexpr std::uint32_t kUnlink = 2;
 constexpr std::uint32_t kSubmitReply = 3;
 constexpr std::uint32_t kUnlinkReply = 4;
-constexpr std::uint32_t kNoPackets = 0xFFFFFFFF; // with 0 the other way to say: not isochronous
+constexpr std::uint32_t kNoPackets = 0xFFFFFFFF; // not isochronous, as 0 is too
 
 struct TransferHeader {
     std::uint32_t command = 0;
@@ -149,11 +149,9 @@ void UsbIp::writeDeviceList(QDataStream& client, const CaptureIdentity& identity
     if (!attachable)
         return;
     writeDevice(client, identity);
-    constexpr std::uint8_t kVideo = 14;
-    constexpr std::uint8_t kVendorSpecific = 0xFF;
     for (std::uint8_t number = 0; number < identity.videoControlInterface; ++number)
-        writeRaw(client, std::array<std::uint8_t, 4>{kVendorSpecific});
-    writeRaw(client, std::array<std::uint8_t, 8>{kVideo, 1, 0, 0, kVideo, 2, 0, 0});
+        writeRaw(client, std::array<std::uint8_t, 4>{VendorSpecific});
+    writeRaw(client, std::array<std::uint8_t, 8>{Video, VideoControl, 0, 0, Video, VideoStreaming, 0, 0});
 }
 
 void UsbIp::writeImport(QDataStream& client, const CaptureIdentity& identity) {

@@ -14,10 +14,10 @@
 
 namespace UsbIp {
 
-/// "Which devices do you have?"
+/// Asks for the list of devices.
 struct DeviceListRequest {};
 
-/// "Give me this one." From then on the connection carries transfers only.
+/// Asks for one device. After it the connection is for transfers only.
 struct ImportRequest {
     std::string busID;
 };
@@ -37,7 +37,7 @@ struct Unlink {
     std::uint32_t victim = 0; ///< sequence number of the transfer
 };
 
-/// Not USB/IP, or more than this device can be asked for. The connection is of no more use.
+/// Not USB/IP, or beyond the limits of this device. The connection can't be used any more.
 struct Malformed {};
 
 using Message = std::variant<DeviceListRequest, ImportRequest, Submit, Unlink, Malformed>;
@@ -70,7 +70,7 @@ void writeDeviceList(QDataStream& client, const CaptureIdentity& identity, bool 
 void writeImport(QDataStream& client, const CaptureIdentity& identity);
 void writeImportRefusal(QDataStream& client);
 void writeSubmitReply(QDataStream& client, std::uint32_t sequence, const TransferEnd& end);
-/// `takenBack`: it was still waiting, and no reply to it will follow.
+/// `takenBack`: the transfer was still pending and gets no reply.
 void writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool takenBack);
 
 } // namespace UsbIp

@@ -31,7 +31,7 @@ void UsbIpServer::DeleteLater::operator()(QIODevice* socket) const {
 
 UsbIpServer::UsbIpServer(VirtualCaptureDevice& device, int commands)
     : m_device(device), m_commands(commands, QSocketNotifier::Read) {
-    m_listener.setProxy(QNetworkProxy::NoProxy); // whatever the environment says
+    m_listener.setProxy(QNetworkProxy::NoProxy); // also if the environment names one
     m_frameTimer.setSingleShot(true);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_commands, &QSocketNotifier::activated, [this] { readCommands(); });
@@ -66,7 +66,8 @@ void UsbIpServer::acceptConnections() {
         if (m_connections.size() >= kMaxConnections)
             m_connections.erase(std::ranges::find_if(
                 m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // answers are small and waited for
+        socket->setSocketOption(QAbstractSocket::LowDelayOption,
+                                1); // small answers, for which the client waits
         addConnection(std::unique_ptr<QTcpSocket>(socket));
     }
 }
@@ -79,7 +80,7 @@ UsbIpServer::Connection& UsbIpServer::addConnection(std::unique_ptr<Socket> owne
     QObject::connect(socket, &Socket::readyRead, [this, socket, &connection] {
         connection.session.receive(m_device.device().plugged() && !attached(), UsbIpSession::Clock::now());
         sendFrames();
-        socket->flush(); // now: a client may close its end as soon as it has asked
+        socket->flush(); // at once: a client may close its end after a request
         dropEnded();
     });
     QObject::connect(socket, &Socket::bytesWritten, [this] { dropEnded(); });
@@ -129,25 +130,25 @@ void UsbIpServer::readCommands() {
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (count <= 0) {
-        m_commands.setEnabled(false); // nobody is left to command
+        m_commands.setEnabled(false); // no more commands can follow
         return;
     }
     m_commandBytes.append(bytes.data(), count);
     for (auto end = m_commandBytes.indexOf('\n'); end >= 0; end = m_commandBytes.indexOf('\n')) {
-        carryOut(m_commandBytes.first(end));
+        execute(m_commandBytes.first(end));
         m_commandBytes.remove(0, end + 1);
     }
     if (m_commandBytes.size() > kMaxCommand)
         m_commandBytes.clear();
 }
 
-void UsbIpServer::carryOut(const QByteArray& line) {
-    QByteArray answer = carryOutCommand(line, m_device.device());
+void UsbIpServer::execute(const QByteArray& line) {
+    QByteArray answer = executeCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())
             answer = "error: " + failure.toLocal8Bit();
     }
     std::puts(answer.constData());
-    (void)std::fflush(stdout); // whoever waits for the answer through a pipe has it at once
+    (void)std::fflush(stdout); // a reader of a pipe gets it at once
 }

@@ -44,7 +44,7 @@ private:
     void sendFrames();
     void dropEnded();
     void readCommands();
-    void carryOut(const QByteArray& line);
+    void execute(const QByteArray& line);
     [[nodiscard]] bool attached() const;
 
     VirtualCaptureDevice& m_device;

@@ -7,7 +7,7 @@
 
 namespace {
 
-// No kernel comes near these; a client that does is not one.
+// Far above what any kernel needs.
 constexpr std::size_t kMaxWaiting = 256;       // transfers
 constexpr qint64 kMaxOutput = qint64{4} << 20; // bytes that the client has not fetched
 
@@ -27,7 +27,7 @@ void UsbIpSession::receive(bool attachable, Clock::time_point now) {
         if (m_fetches.size() + m_neverAnswered.size() > kMaxWaiting || m_client.bytesToWrite() > kMaxOutput)
             m_ended = true;
     }
-    (void)m_client.readAll(); // nobody reads the rest
+    (void)m_client.readAll(); // discards the rest
 }
 
 void UsbIpSession::handle(const UsbIp::Message& message, bool attachable, Clock::time_point now) {

@@ -9,8 +9,8 @@
 
 class QIODevice;
 
-/// One client's connection, whatever transports its bytes. Robust against any client: what it may make the
-/// session keep is bounded, and what is not USB/IP ends it.
+/// One client's connection, independent of the socket. Robust against any client: what the session stores for
+/// it is limited, and anything but USB/IP ends it.
 class UsbIpSession {
 public:
     using Clock = CaptureFrames::Clock;
@@ -18,7 +18,7 @@ public:
     UsbIpSession(QIODevice& client, VirtualCaptureDevice& device)
         : m_client(client), m_input(&client), m_output(&client), m_device(device) {}
 
-    /// The device is the client's without its asking: the kernel was handed the connection.
+    /// Gives the client the device without a request: for the kernel, to which the connection was handed.
     void importNow(Clock::time_point now);
     [[nodiscard]] bool imported() const { return m_imported; }
     /// Handles what the client has sent. `attachable`: the device is plugged in and nobody else's.
@@ -28,7 +28,7 @@ public:
     /// When to call `sendFrames`, absent if no transfer waits for a frame.
     [[nodiscard]] std::optional<Clock::time_point> due() const;
 
-    /// Nothing more can come of it: send what is written and close.
+    /// No more messages are handled: close when all output is sent.
     [[nodiscard]] bool ended() const { return m_ended; }
 
 private:

@@ -59,7 +59,7 @@ void VirtualCaptureDevice::reset(CaptureFrames::Clock::time_point now) {
 std::optional<TransferEnd> VirtualCaptureDevice::control(const UsbIp::Submit& submit,
                                                          CaptureFrames::Clock::time_point now) {
     const Setup setup(submit.setup);
-    // The client must not make one side believe in more bytes than the other has.
+    // The client's lengths must agree with each other.
     if (submit.toHost != setup.toHost() && setup.wLength > 0)
         return stalled();
     if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength)
@@ -78,7 +78,7 @@ std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup,
     UsbControlRequest request = setup;
     request.pData = bytes.data();
     const UsbResult result = m_device.control(request);
-    m_device.requests.clear(); // it keeps them all, and this may run for weeks
+    m_device.requests.clear(); // it would store all of them
     if (result == UsbCode::TimeOut || result == UsbCode::NoDevice)
         return std::nullopt;
     if (result == UsbCode::Stall)

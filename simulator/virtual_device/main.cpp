@@ -78,7 +78,7 @@ void logWireTo(const QString& path, SimulatedDevice& device) {
     if (!log)
         stop(path, std::strerror(errno));
     device.onRequest = [log](const RecordedRequest& request) {
-        (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure costs no more than the line
+        (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure loses the line only
         (void)std::fflush(log);
     };
 }
@@ -106,6 +106,6 @@ int main(int argc, char** argv) {
     if (!failure.isEmpty())
         stop(attach ? "can't attach" : "can't listen", failure);
     std::puts("ready");
-    (void)std::fflush(stdout); // whoever started it through a pipe waits for this
+    (void)std::fflush(stdout); // a reader of a pipe gets it at once
     return QCoreApplication::exec();
 }

@@ -164,7 +164,7 @@ TEST_F(Transport, SendsLittleEndianValuesAndBlocks) {
             "21 01 00 0d 00 03 07 00 | 01 02 03 04 05 06 07"));
 }
 
-TEST_F(Transport, LengthsThatDoNotFitAreRefusedWithoutAWord) {
+TEST_F(Transport, LengthsThatDoNotFitAreRefusedSilently) {
     ASSERT_TRUE(control.initWithVendorID(kVendor, kProduct));
     TestHost::take();
     std::vector<std::uint8_t> block(0x20000);

@@ -1,4 +1,4 @@
-// The real code for Linux, the real libusb and the real libudev, on a kernel that is not there.
+// The real code for Linux, the real libusb and the real libudev, on the fake kernel.
 
 #include "CaptureDescriptors.h"
 #include "FakeKernel.h"
@@ -94,7 +94,7 @@ protected:
 
 const std::vector<std::uint8_t> kUntouched(7, 0xEE);
 
-TEST_F(LinuxUsb, TheDriverCarriesRequestsAndUsbfsIsNotOpened) {
+TEST_F(LinuxUsb, RequestsThroughTheDriverDoNotOpenUsbfs) {
     const auto interface = plugIn(kKernel);
     EXPECT_EQ(get(*interface), UsbCode::Success);
     block[5] = 9;
@@ -121,7 +121,7 @@ TEST_F(LinuxUsb, DirectRequestsClaimForTheirLengthOnly) {
     EXPECT_EQ(get(*interface), UsbCode::NotSupported);
 }
 
-struct NoWay {
+struct Unsendable {
     const char* name;
     FakePlug plug;
     std::uint8_t unit = 3;
@@ -130,15 +130,15 @@ struct NoWay {
 
 const FakePlug kOtherInterface{.videoControlInterface = 1, .driver = "uvcvideo", .captureNode = 4};
 
-TEST_F(LinuxUsb, WhatTheDriverCannotSendExactlyFailsWithItsOwnResult) {
-    const std::vector<NoWay> rows{
+TEST_F(LinuxUsb, RequestsThatTheDriverCannotSendFail) {
+    const std::vector<Unsendable> rows{
         {"VideoControl is interface 1", kOtherInterface},
         {"no capture node", {.driver = "uvcvideo"}},
         {"another driver", {.driver = "vendor"}},
         {"camera terminal", kKernel, 1, UsbCode::Success},
         {"processing unit", kKernel, 2, UsbCode::Success},
     };
-    for (const NoWay& row : rows) {
+    for (const Unsendable& row : rows) {
         SCOPED_TRACE(row.name);
         const auto interface = plugIn(row.plug);
         EXPECT_NE(request(*interface, 0x81, 2, row.unit), UsbCode::Success);
@@ -224,7 +224,7 @@ TEST_F(LinuxUsb, AfterARePlugWhateverIsOnThePortIsNotTheDevice) {
     }
 }
 
-TEST_F(LinuxUsb, NobodyWaitsLongerThanFiveSeconds) {
+TEST_F(LinuxUsb, RequestsTimeOutAfterFiveSeconds) {
     const auto interface = plugIn(kDirect);
     kernel.device->addFault({}, 1, RequestFault::TimeOut);
     const auto start = std::chrono::steady_clock::now();
@@ -246,7 +246,7 @@ public:
     AsNobody& operator=(const AsNobody&) = delete;
 };
 
-TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
+TEST_F(LinuxUsb, CloseReportsMissingRights) {
     for (const auto& [plug, node] : {std::pair(kKernel, "/dev/video4"), std::pair(kDirect, "/dev/bus/usb/001/002")}) {
         SCOPED_TRACE(node);
         const auto interface = plugIn(plug);
@@ -260,7 +260,7 @@ TEST_F(LinuxUsb, WithoutRightsTheCloseSaysSo) {
     }
 }
 
-TEST_F(LinuxUsb, WhatIsNotTheDevicesNodeIsNotTakenForIt) {
+TEST_F(LinuxUsb, OpensOnlyTheDevicesOwnNode) {
     for (const auto& [plug, node] : {std::pair(kKernel, "/dev/video4"), std::pair(kDirect, "/dev/bus/usb/001/002")}) {
         SCOPED_TRACE(node);
         const auto interface = plugIn(plug);
@@ -337,7 +337,7 @@ TEST_F(LinuxUsb, WithoutAVideoControlInterfaceThereIsNone) {
     EXPECT_FALSE(open()); // nothing is plugged in
 }
 
-TEST_F(LinuxUsb, ADeviceThatGoesBetweenTwoStepsIsGone) {
+TEST_F(LinuxUsb, UnplugBetweenTwoStepsGivesNoDevice) {
     for (int turn = 0; turn < 12; ++turn) {
         SCOPED_TRACE(turn);
         kernel.plug(turn % 2 == 0 ? kDirect : kKernel);
@@ -360,7 +360,7 @@ TEST_F(LinuxUsb, ADeviceThatGoesBetweenTwoStepsIsGone) {
     }
 }
 
-TEST_F(LinuxUsb, DescriptorsThatMeanNothingCauseNoEndlessWait) {
+TEST_F(LinuxUsb, MalformedDescriptorsDoNotHang) {
     const CaptureIdentity identity{TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID, 0};
     const Bytes device = deviceDescriptor(identity);
     // Two configurations, where libusb would look for the second in steps of 0

@@ -242,7 +242,7 @@ class VirtualPointer:
 
 
 class Wayland(Desktop):
-    """A compositor that needs no graphics card, with a mouse and a keyboard that are not there."""
+    """A compositor without a screen, with a virtual mouse and keyboard."""
 
     def start(self):
         folder = self.folder + "/compositor"

@@ -78,7 +78,7 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
         return {};
     for (const std::string& folder : foldersWith(context, "video4linux", "index", interface.get())) {
         const Device node = deviceAt(context, folder);
-        // Index 0 captures; the node with index 1 carries metadata and answers no control request.
+        // Index 0 captures; the node with index 1 has metadata and answers no control request.
         if (node && numberIn(node, "index", 10) == 0)
             return {orEmpty(udev_device_get_devnode(node.get())), udev_device_get_devnum(node.get()),
                     SysfsFolder(folder)};

@@ -27,8 +27,8 @@ struct FakePlug {
     std::optional<std::vector<std::uint8_t>> descriptors = {}; ///< instead of good ones
 };
 
-/// sysfs, usbfs and the UVC driver of a kernel that is not there, under the real libudev and libusb. It
-/// answers as a real kernel does, writes down what it was told, and refuses what it must never be told.
+/// Stands in for sysfs, usbfs and the UVC driver, under the real libudev and libusb. It answers as a real kernel
+/// does, records all calls, and refuses those that the program must never make.
 class FakeKernel {
 public:
     FakeKernel();
