@@ -6,11 +6,9 @@
 void AboutViewController::viewDidLoad() {
     ContentController::viewDidLoad();
     const auto information = mainBundle::infoDictionary();
-    if (!information)
-        return;
+    if (!information) return;
     const QVariant version = information->value(QStringLiteral("CFBundleShortVersionString"));
-    if (version.typeId() != QMetaType::QString)
-        return;
+    if (version.typeId() != QMetaType::QString) return;
     //: The program's version number follows, as in "Version 1.0.0".
     LabelVersionString->setText(Localizable::tr("VERSION", "Version") + u' ' + version.toString());
 }

@@ -30,9 +30,7 @@ namespace {
 
 QPalette darkPalette() {
     QPalette palette;
-    const auto set = [&palette](QPalette::ColorRole role, const char* color) {
-        palette.setColor(role, color);
-    };
+    const auto set = [&palette](QPalette::ColorRole role, const char* color) { palette.setColor(role, color); };
     set(QPalette::Window, "#0C0D10");
     set(QPalette::Base, "#0C0D10");
     set(QPalette::AlternateBase, "#141619");
@@ -59,17 +57,15 @@ void endOnTerminate() {
     const auto end = [](int) { ::_exit(EXIT_SUCCESS); };
     (void)std::signal(SIGTERM, end); // fails for unknown signals only
     // Under nohup the program continues without its terminal.
-    if (std::signal(SIGHUP, end) == SIG_IGN)
-        (void)std::signal(SIGHUP, SIG_IGN);
+    if (std::signal(SIGHUP, end) == SIG_IGN) (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGPIPE, SIG_IGN); // a write to a closed display reports the failure itself
 }
 
 /// Qt connects again when a Wayland compositor restarts, if the session asks for it as Plasma does. It can do
 /// so since 6.5.
 bool reconnectsAfter(const QString& message) {
-    return message.startsWith(QLatin1String("The Wayland "))
-           && qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT")
-           && QLibraryInfo::version() >= QVersionNumber(6, 5);
+    return message.startsWith(QLatin1String("The Wayland ")) && qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT")
+        && QLibraryInfo::version() >= QVersionNumber(6, 5);
 }
 
 void registerApplicationClasses() {
@@ -91,11 +87,9 @@ void registerApplicationClasses() {
 
 void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     // At the end of a session the display may close first; the toolkit would exit with a failure.
-    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke"))
-        && !reconnectsAfter(message))
+    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")) && !reconnectsAfter(message))
         ::_exit(EXIT_SUCCESS);
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        systemLog("%s", qUtf8Printable(message));
+    if (type == QtCriticalMsg || type == QtFatalMsg) systemLog("%s", qUtf8Printable(message));
 }
 
 void setUpApplication(QApplication& application) {
@@ -118,14 +112,11 @@ int applicationMain(int argc, char** argv) {
     setUpApplication(application);
     AppDelegate delegate;
     const WindowDescription description(QStringLiteral("Main"));
-    const auto controller =
-        description.instantiateWindowController(description.initialController(), &delegate);
-    if (!controller->window())
-        fatalStop("the initial controller has no window");
+    const auto controller = description.instantiateWindowController(description.initialController(), &delegate);
+    if (!controller->window()) fatalStop("the initial controller has no window");
     controller->window()->show();
     delegate.applicationDidFinishLaunching();
-    QObject::connect(&application, &QApplication::aboutToQuit, &delegate,
-                     &AppDelegate::applicationWillTerminate);
+    QObject::connect(&application, &QApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
     // By exit, as everywhere, without destroying the application: Qt 6.4 then joins its Wayland event thread,
     // which sometimes waits for a reader that has ended, and the program would hang.
     std::exit(QApplication::exec());

@@ -12,11 +12,10 @@ namespace {
 /// At its own size and its label's alignment; both mirrored where the layout runs from right to left.
 void drawPicture(QLabel& label) {
     const QPixmap picture = label.pixmap();
-    const QRect place = QStyle::alignedRect(Qt::LeftToRight, label.alignment(),
-                                            picture.deviceIndependentSize().toSize(), label.rect());
+    const QRect place =
+        QStyle::alignedRect(Qt::LeftToRight, label.alignment(), picture.deviceIndependentSize().toSize(), label.rect());
     QPainter painter(&label);
-    if (label.isRightToLeft())
-        painter.setWorldTransform(QTransform(-1, 0, 0, 1, label.width(), 0));
+    if (label.isRightToLeft()) painter.setWorldTransform(QTransform(-1, 0, 0, 1, label.width(), 0));
     painter.drawPixmap(place.topLeft(), picture);
 }
 
@@ -35,17 +34,14 @@ void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow())
-        return QLabel::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow()) return QLabel::mousePressEvent(event);
     m_pressed = event->globalPosition();
 }
 
 // A click with a small movement must not move the window.
 void BackgroundImageView::mouseMoveEvent(QMouseEvent* event) {
-    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton))
-        return QLabel::mouseMoveEvent(event);
-    if ((event->globalPosition() - *m_pressed).manhattanLength() < QApplication::startDragDistance())
-        return;
+    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton)) return QLabel::mouseMoveEvent(event);
+    if ((event->globalPosition() - *m_pressed).manhattanLength() < QApplication::startDragDistance()) return;
     m_pressed.reset();
     startMove();
 }

@@ -37,8 +37,8 @@ void show(const Outlet<AttributedRadioButton>& button, bool selected) {
 QString firmwareText(const FirmwareVersionRecord& b) {
     //: The version numbers follow, as in "Firmware v1.2.3.4".
     return Localizable::tr("FW_VERSION", "FW_VERSION")
-           + QString::asprintf(" v%d.%d.%d.%d (%02d%02d%02d%02d.%02d%02d%02d%02d)", b[0], b[1], b[2], b[3],
-                               b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11]);
+        + QString::asprintf(" v%d.%d.%d.%d (%02d%02d%02d%02d.%02d%02d%02d%02d)", b[0], b[1], b[2], b[3], b[4], b[5],
+            b[6], b[7], b[8], b[9], b[10], b[11]);
 }
 
 } // namespace
@@ -51,8 +51,7 @@ void ViewController::viewDidLoad() {
     ContentController::viewDidLoad();
     DeviceCtrl.reset();
     DeviceCtrl = CVn318UvcController::CreateInstance();
-    if (!DeviceCtrl)
-        alertAndQuit();
+    if (!DeviceCtrl) alertAndQuit();
     callOrQuit([](CVn318UvcController& device) { return device.SyncRtc(); });
 
     // From here on a failed read shows as 0: the device was reached, and the next action reports a failure.
@@ -98,10 +97,8 @@ void ViewController::fillRecordQuality(std::uint8_t level) {
     describeStars(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
     CustomPopUpButton* popUp = PopupRecordQuality.operator->();
-    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen,
-            Qt::UniqueConnection);
-    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose,
-            Qt::UniqueConnection);
+    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen, Qt::UniqueConnection);
+    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose, Qt::UniqueConnection);
 }
 
 void ViewController::styleHdcpTitles() {
@@ -114,18 +111,15 @@ void ViewController::styleHdcpTitles() {
 }
 
 CVn318UvcController& ViewController::device() const {
-    if (!DeviceCtrl)
-        fatalStop("DeviceCtrl is absent");
+    if (!DeviceCtrl) fatalStop("DeviceCtrl is absent");
     return *DeviceCtrl;
 }
 
 void ViewController::callOrQuit(const DeviceCall& call) {
-    if (call(device()))
-        return;
+    if (call(device())) return;
     DeviceCtrl.reset(); // closed before the device is opened again
     DeviceCtrl = CVn318UvcController::CreateInstance();
-    if (!DeviceCtrl || !call(*DeviceCtrl))
-        alertAndQuit();
+    if (!DeviceCtrl || !call(*DeviceCtrl)) alertAndQuit();
 }
 
 void ViewController::alertAndQuit() {
@@ -142,8 +136,7 @@ void ViewController::QuitApp(QObject* /*sender*/) {
 }
 
 void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
-    const std::uint8_t level =
-        checkedByte(PopupRecordQuality->indexOfSelectedItem(), PopupRecordQuality.name());
+    const std::uint8_t level = checkedByte(PopupRecordQuality->indexOfSelectedItem(), PopupRecordQuality.name());
     std::uint8_t h264 = 0;
     std::uint8_t mjpeg = 0;
     callOrQuit([&](CVn318UvcController& device) { return device.GetBitRate(h264, mjpeg); });
@@ -160,8 +153,7 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
         const char* name;
     };
     constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
-                                                 {CBIT_RATE_MIDDLE, "img_starGood.png"},
-                                                 {CBIT_RATE_LOW, "img_starGen.png"}}};
+        {CBIT_RATE_MIDDLE, "img_starGood.png"}, {CBIT_RATE_LOW, "img_starGen.png"}}};
     const auto* const found = std::ranges::find(kImages, level, &LevelImage::level);
     const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
     QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
@@ -182,26 +174,25 @@ void ViewController::menuDidClose(QObject* /*menu*/) {
 
 void ViewController::ChangeMicrophoneVolume(QObject* /*sender*/) {
     changeVolume(SliderMicrophoneVolume, &CVn318UvcController::SetMicrophoneVolume, nullptr,
-                 &CVn318UvcController::GetMicrophoneVolume);
+        &CVn318UvcController::GetMicrophoneVolume);
 }
 
 void ViewController::ChangeHeadphoneVolume(QObject* /*sender*/) {
     changeVolume(SliderHeadphoneVolume, &CVn318UvcController::SetHeadphoneVolume, nullptr,
-                 &CVn318UvcController::GetHeadphoneVolume);
+        &CVn318UvcController::GetHeadphoneVolume);
 }
 
 void ViewController::ChangeHdmiAuxVolume(QObject* /*sender*/) {
     changeVolume(SliderHmdiAuxVolume, &CVn318UvcController::SetHdmiVolume, &CVn318UvcController::SetAuxVolume,
-                 &CVn318UvcController::GetHdmiVolume);
+        &CVn318UvcController::GetHdmiVolume);
 }
 
-void ViewController::changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite,
-                                  VolumeRead readBack) {
+void ViewController::changeVolume(
+    const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite, VolumeRead readBack) {
     const std::uint8_t chosen = checkedByte(slider->value(), slider.name());
     callOrQuit([&](CVn318UvcController& device) { return (device.*write)(chosen); });
     // The extra write has no second try and no alert, unlike the first one, on purpose.
-    if (extraWrite)
-        (void)(device().*extraWrite)(chosen);
+    if (extraWrite) (void)(device().*extraWrite)(chosen);
     std::uint8_t reported = 0;
     (void)(device().*readBack)(reported); // 0 after a failure, and shown as that
     show(slider, reported);

@@ -88,8 +88,7 @@ private:
     void callOrQuit(const DeviceCall& call);
     [[noreturn]] void alertAndQuit();
     /// Writes what the slider shows, then shows what the device reports. `extraWrite` may be absent.
-    void changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite,
-                      VolumeRead readBack);
+    void changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite, VolumeRead readBack);
     void switchHdcp(std::uint8_t state);
     void showVolumes();
     void fillRecordQuality(std::uint8_t level);

@@ -13,8 +13,7 @@ namespace {
 
 void paint(benchmark::State& state, QWidget& control) {
     QImage surface(control.size(), QImage::Format_ARGB32_Premultiplied);
-    for (auto _ : state)
-        control.render(&surface);
+    for (auto _ : state) control.render(&surface);
 }
 
 void paintSlider(benchmark::State& state) {

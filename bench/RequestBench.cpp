@@ -40,13 +40,8 @@ bool query(UVCRequest request) {
     const OpenFile file(::open(node, O_RDWR | O_CLOEXEC));
     if (std::string_view(node).starts_with("/dev/bus/usb/")) {
         const bool isGet = (code & kUsbDeviceToHost) != 0;
-        usbdevfs_ctrltransfer transfer{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface,
-                                       code,
-                                       13 << 8,
-                                       3 << 8,
-                                       audio.size(),
-                                       5000,
-                                       audio.data()};
+        usbdevfs_ctrltransfer transfer{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface, code, 13 << 8, 3 << 8,
+            audio.size(), 5000, audio.data()};
         return ::ioctl(file.get(), USBDEVFS_CONTROL, &transfer) == static_cast<int>(audio.size());
     }
     uvc_xu_control_query audioQuery{3, 13, code, audio.size(), audio.data()};
@@ -57,8 +52,7 @@ template <class Request>
 void measure(benchmark::State& state, Request request) {
     const std::size_t before = allocations;
     for (auto _ : state) {
-        if (!request())
-            state.SkipWithError("the device can't be reached");
+        if (!request()) state.SkipWithError("the device can't be reached");
     }
     state.counters["allocations"] = static_cast<double>(allocations - before);
 }
@@ -69,8 +63,7 @@ void readBare(benchmark::State& state) {
 
 void changeBare(benchmark::State& state) {
     measure(state, [] {
-        if (!query(UVCRequest::GET_CUR))
-            return false;
+        if (!query(UVCRequest::GET_CUR)) return false;
         audio[3] = static_cast<std::uint8_t>(audio[3] + 1);
         return query(UVCRequest::SET_CUR);
     });

@@ -13,8 +13,7 @@ constexpr int kTitlePixels = 14;
 qsizetype perceivedCharacters(const QString& string) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, string);
     qsizetype count = 0;
-    while (finder.toNextBoundary() != -1)
-        ++count;
+    while (finder.toNextBoundary() != -1) ++count;
     return count;
 }
 
@@ -39,7 +38,7 @@ void AttributedString::addColor(qsizetype start, qsizetype length, const QColor&
 QColor AttributedString::colorAt(qsizetype index) const {
     const auto covers = [index](const QTextLayout::FormatRange& range) {
         return index >= range.start && index < range.start + range.length
-               && range.format.hasProperty(QTextFormat::ForegroundBrush);
+            && range.format.hasProperty(QTextFormat::ForegroundBrush);
     };
     const auto found = std::find_if(colors.rbegin(), colors.rend(), covers);
     return found == colors.rend() ? QColor() : found->format.foreground().color();
@@ -51,13 +50,12 @@ QFont titleFont() {
     return font;
 }
 
-AttributedString createAttributedString(const QString& fullString, const QColor& fullStringColor,
-                                        const QString& subString, const QColor& subStringColor) {
+AttributedString createAttributedString(
+    const QString& fullString, const QColor& fullStringColor, const QString& subString, const QColor& subStringColor) {
     const qsizetype found = subString.isEmpty() ? -1 : fullString.indexOf(subString);
     AttributedString result{fullString, titleFont(), {}};
     result.addColor(0, perceivedCharacters(fullString), fullStringColor);
-    if (found >= 0)
-        result.addColor(found, subString.size(), subStringColor);
+    if (found >= 0) result.addColor(found, subString.size(), subStringColor);
     return result;
 }
 
@@ -87,8 +85,7 @@ void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString
     layout.setFormats(text.colors);
     layout.beginLayout();
     QTextLine line = layout.createLine();
-    if (line.isValid())
-        line.setLineWidth(box.width());
+    if (line.isValid()) line.setLineWidth(box.width());
     layout.endLayout();
     layout.draw(&painter, {box.left(), box.top() + (box.height() - layout.boundingRect().height()) / 2});
 }

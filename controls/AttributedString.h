@@ -28,9 +28,8 @@ Q_DECLARE_METATYPE(AttributedString)
 /// `fullString` in the title font and in `fullStringColor`, its first `subString` in `subStringColor`. The
 /// first colour spans as many code units as the string has user-perceived characters, so the end of a string
 /// with characters of several code units has no colour. A `subString` that does not occur colours nothing.
-[[nodiscard]] AttributedString createAttributedString(const QString& fullString,
-                                                      const QColor& fullStringColor, const QString& subString,
-                                                      const QColor& subStringColor);
+[[nodiscard]] AttributedString createAttributedString(
+    const QString& fullString, const QColor& fullStringColor, const QString& subString, const QColor& subStringColor);
 
 /// What is shown of a title with a mnemonic mark: the "&" is taken out and the character after it is
 /// underlined if asked for. "&&" shows a plain "&".

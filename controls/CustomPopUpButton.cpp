@@ -52,8 +52,7 @@ void fillPixels(QPainter& context, const QRect& pixels) {
 void drawBorder(QPainter& context) {
     const QRect face = devicePixels(context, QRectF(0, 0, kPopUpWidth, kPopUpHeight));
     const int width = lineWidth(context);
-    for (const QRect& side : QRegion(face) - face.adjusted(width, width, -width, -width))
-        fillPixels(context, side);
+    for (const QRect& side : QRegion(face) - face.adjusted(width, width, -width, -width)) fillPixels(context, side);
 }
 
 /// Rows of the open list: the style, which isn't told of a text, draws all but the title.
@@ -61,8 +60,7 @@ class TitleDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
+    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
         option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
         // The list covers the face but for the border's pixel: the titles of both are aligned.
         const QRectF box = QRectF(option.rect).adjusted(kTitleLeft - 1, 0, -kTitleLeft, 0);
@@ -133,24 +131,21 @@ void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
 }
 
 void CustomPopUpButton::showPopup() {
-    if (count() == 0 || isBehindModalRun(*this))
-        return;
+    if (count() == 0 || isBehindModalRun(*this)) return;
     m_open = true;
     emit menuWillOpen(view());
     QComboBox::showPopup();
 }
 
 void CustomPopUpButton::chooseItemAtIndex(int index) {
-    if (index < 0 || index >= count() || !isEnabled() || isBehindModalRun(*this))
-        return;
+    if (index < 0 || index >= count() || !isEnabled() || isBehindModalRun(*this)) return;
     hidePopup();
     setCurrentIndex(index);
     emit activated(index);
 }
 
 void CustomPopUpButton::emitMenuDidClose() {
-    if (std::exchange(m_open, false))
-        emit menuDidClose(view());
+    if (std::exchange(m_open, false)) emit menuDidClose(view());
 }
 
 // The list is closed by the user, by the program, or by the window system after a click elsewhere.
@@ -169,11 +164,9 @@ void CustomPopUpButton::wheelEvent(QWheelEvent* event) {
 }
 
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
-    if (!context)
-        return;
+    if (!context) return;
     if (Ax == Bx) {
-        QRect upright =
-            devicePixels(*context, QRectF(Ax - kLineWidth / 2, Ay, kLineWidth, By - Ay).normalized());
+        QRect upright = devicePixels(*context, QRectF(Ax - kLineWidth / 2, Ay, kLineWidth, By - Ay).normalized());
         upright.setWidth(lineWidth(*context));
         fillPixels(*context, upright);
         return;
@@ -192,16 +185,14 @@ void CustomPopUpButton::drawRect(QPainter& context) const {
     context.fillRect(QRectF(0, 0, kPopUpWidth, kPopUpHeight), Qt::black);
     drawTitle(context);
     drawDecorations(context);
-    if (!hasFocus())
-        return;
+    if (!hasFocus()) return;
     context.setPen(QPen(Qt::white, kFocusFrameWidth));
     context.drawRoundedRect(kFocusFrame, kFocusFrameRadius, kFocusFrameRadius);
 }
 
 void CustomPopUpButton::drawTitle(QPainter& context) const {
     AttributedString title = attributedTitle(currentIndex());
-    if (!isEnabled())
-        title.addColor(0, title.string.size(), kDisabledTextColor);
+    if (!isEnabled()) title.addColor(0, title.string.size(), kDisabledTextColor);
     drawAttributedString(context, QRectF(kTitleLeft, 0, kTitleRight - kTitleLeft, kPopUpHeight), title);
 }
 
@@ -212,11 +203,8 @@ void CustomPopUpButton::drawDecorations(QPainter& context) const {
         arrow.rect = QRectF(kDividerX, 0, kArrowAreaWidth, kPopUpHeight).toRect();
         style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrow, &context, this);
     }
-    const auto stroke = [&context](const PopUpLine& line) {
-        Line(&context, line.Ax, line.Ay, line.Bx, line.By);
-    };
+    const auto stroke = [&context](const PopUpLine& line) { Line(&context, line.Ax, line.Ay, line.Bx, line.By); };
     stroke(kDivider);
-    for (const PopUpLine& line : kChevrons)
-        stroke(line);
+    for (const PopUpLine& line : kChevrons) stroke(line);
     drawBorder(context);
 }

@@ -45,28 +45,23 @@ QLinearGradient knobGradient(const QRectF& knob, bool enabled) {
 
 /// In the wheel's units; to the right and away from the user count upwards.
 int wheelDelta(const QWheelEvent& event) {
-    const QPoint angle =
-        event.angleDelta().isNull() ? event.pixelDelta() * kAnglePerPixel : event.angleDelta();
+    const QPoint angle = event.angleDelta().isNull() ? event.pixelDelta() * kAnglePerPixel : event.angleDelta();
     const int delta = std::abs(angle.y()) >= std::abs(angle.x()) ? angle.y() : -angle.x();
     return event.inverted() ? -delta : delta;
 }
 
 } // namespace
 
-CustomSliderCell::CustomSliderCell(const QString& /*textCell*/)
-    : DrawnSlider(TickSpacing::Twentieth, nullptr) {
+CustomSliderCell::CustomSliderCell(const QString& /*textCell*/) : DrawnSlider(TickSpacing::Twentieth, nullptr) {
     fatalStop("CustomSliderCell: unsupported initialiser init(textCell:)");
 }
-CustomSliderCell::CustomSliderCell(const QImage& /*imageCell*/)
-    : DrawnSlider(TickSpacing::Twentieth, nullptr) {
+CustomSliderCell::CustomSliderCell(const QImage& /*imageCell*/) : DrawnSlider(TickSpacing::Twentieth, nullptr) {
     fatalStop("CustomSliderCell: unsupported initialiser init(imageCell:)");
 }
-CustomSliderCell2::CustomSliderCell2(const QString& /*textCell*/)
-    : DrawnSlider(TickSpacing::Quarter, nullptr) {
+CustomSliderCell2::CustomSliderCell2(const QString& /*textCell*/) : DrawnSlider(TickSpacing::Quarter, nullptr) {
     fatalStop("CustomSliderCell2: unsupported initialiser init(textCell:)");
 }
-CustomSliderCell2::CustomSliderCell2(const QImage& /*imageCell*/)
-    : DrawnSlider(TickSpacing::Quarter, nullptr) {
+CustomSliderCell2::CustomSliderCell2(const QImage& /*imageCell*/) : DrawnSlider(TickSpacing::Quarter, nullptr) {
     fatalStop("CustomSliderCell2: unsupported initialiser init(imageCell:)");
 }
 
@@ -92,8 +87,8 @@ void DrawnSlider::initStyleOption(QStyleOptionSlider* option) const {
 QRect DrawnSlider::knob() const {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    return knobRect(QStyle::sliderPositionFromValue(minimum(), maximum(), sliderPosition(),
-                                                    knobDistance(width()), option.upsideDown));
+    return knobRect(QStyle::sliderPositionFromValue(
+        minimum(), maximum(), sliderPosition(), knobDistance(width()), option.upsideDown));
 }
 
 void DrawnSlider::drawKnob(QPainter& context) const {
@@ -117,8 +112,7 @@ void DrawnSlider::drawKnob(QPainter& context) const {
 /// Of `value()`, which is what the device reported last, also while a drag is ahead of it.
 QString DrawnSlider::valueText() const {
     const int range = std::max(1, maximum() - minimum());
-    return Localizable::tr("%1%", "Value of a slider in percent")
-        .arg(qRound(100.0 * (value() - minimum()) / range));
+    return Localizable::tr("%1%", "Value of a slider in percent").arg(qRound(100.0 * (value() - minimum()) / range));
 }
 
 void DrawnSlider::drawValue(QPainter& context) const {
@@ -127,7 +121,7 @@ void DrawnSlider::drawValue(QPainter& context) const {
     context.setFont(font);
     context.setPen(kValueColor);
     context.drawText(valueRect(knob(), width(), QFontMetricsF(font).horizontalAdvance(text)),
-                     Qt::AlignCenter | Qt::TextDontClip, text);
+        Qt::AlignCenter | Qt::TextDontClip, text);
 }
 
 void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
@@ -136,19 +130,16 @@ void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
     drawBarInside(context, barRect(width()), false);
     drawTickMarks(context);
     drawKnob(context);
-    if (isEnabled() && (underMouse() || hasFocus()))
-        drawValue(context);
+    if (isEnabled() && (underMouse() || hasFocus())) drawValue(context);
 }
 
 /// Adds up the small steps of a touchpad exactly, in both directions, which the toolkit does not.
 void DrawnSlider::wheelEvent(QWheelEvent* event) {
     event->accept();
     const bool fast = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier);
-    const int perNotch =
-        fast ? pageStep() : std::min(QApplication::wheelScrollLines() * singleStep(), pageStep());
+    const int perNotch = fast ? pageStep() : std::min(QApplication::wheelScrollLines() * singleStep(), pageStep());
     m_wheelRest += wheelDelta(*event) * (invertedControls() ? -perNotch : perNotch);
     const int steps = m_wheelRest / kNotch;
     m_wheelRest %= kNotch;
-    if (steps != 0)
-        setValue(value() + steps);
+    if (steps != 0) setValue(value() + steps);
 }

@@ -3,8 +3,7 @@
 #include <QAbstractItemView>
 
 void* PopUpAccessible::interface_cast(QAccessible::InterfaceType type) {
-    if (type == QAccessible::TextInterface)
-        return static_cast<QAccessibleTextInterface*>(this);
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
     return QAccessibleWidget::interface_cast(type);
 }
 
@@ -33,8 +32,7 @@ QStringList PopUpAccessible::actionNames() const {
 }
 
 void PopUpAccessible::doAction(const QString& name) {
-    if (!m_popUp.isEnabled())
-        return;
+    if (!m_popUp.isEnabled()) return;
     if (name != showMenuAction() && name != pressAction())
         QAccessibleWidget::doAction(name);
     else if (m_popUp.view()->isVisible())

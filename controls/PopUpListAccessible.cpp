@@ -26,8 +26,7 @@ public:
     [[nodiscard]] QRect rect() const override;
     [[nodiscard]] QAccessible::State state() const override;
     [[nodiscard]] void* interface_cast(QAccessible::InterfaceType type) override {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
+        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this) : nullptr;
     }
 
     [[nodiscard]] QStringList actionNames() const override { return {toggleAction(), pressAction()}; }
@@ -58,13 +57,11 @@ QAccessible::State PopUpItemAccessible::state() const {
 } // namespace
 
 PopUpListAccessible::~PopUpListAccessible() {
-    for (const QAccessible::Id item : m_items)
-        QAccessible::deleteAccessibleInterface(item);
+    for (const QAccessible::Id item : m_items) QAccessible::deleteAccessibleInterface(item);
 }
 
 QAccessibleInterface* PopUpListAccessible::child(int index) const {
-    if (index < 0 || index >= childCount())
-        return nullptr;
+    if (index < 0 || index >= childCount()) return nullptr;
     for (int next = static_cast<int>(m_items.size()); next <= index; ++next) // registering hands them over
         m_items.push_back(QAccessible::registerAccessibleInterface(new PopUpItemAccessible(m_list, next)));
     return QAccessible::accessibleInterface(m_items[static_cast<std::size_t>(index)]);
@@ -77,8 +74,7 @@ int PopUpListAccessible::indexOfChild(const QAccessibleInterface* child) const {
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
 void* PopUpListAccessible::interface_cast(QAccessible::InterfaceType type) {
-    if (type == QAccessible::SelectionInterface)
-        return static_cast<QAccessibleSelectionInterface*>(this);
+    if (type == QAccessible::SelectionInterface) return static_cast<QAccessibleSelectionInterface*>(this);
     return QAccessibleWidget::interface_cast(type);
 }
 

@@ -15,8 +15,7 @@ class PopUpListAccessible : public QAccessibleWidget
 #endif
 {
 public:
-    explicit PopUpListAccessible(PopUpList& list)
-        : QAccessibleWidget(&list, QAccessible::List), m_list(list) {
+    explicit PopUpListAccessible(PopUpList& list) : QAccessibleWidget(&list, QAccessible::List), m_list(list) {
     }
     ~PopUpListAccessible() override;
 

@@ -30,8 +30,7 @@ std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpa
     double x = knobAllowance / 1.9;
     while (x < barWidth) {
         positions.push_back(x);
-        if (step < kSmallestStep)
-            break; // a bar about as narrow as the knob: the run would never end
+        if (step < kSmallestStep) break; // a bar about as narrow as the knob: the run would never end
         x += step;
     }
     return positions;

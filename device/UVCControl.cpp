@@ -11,30 +11,29 @@ namespace {
 
 /// The low byte of wIndex, the interface's number, is 0 also where VideoControl has another number: that is
 /// what the device expects.
-UsbControlRequest controlRequest(std::uint8_t requestType, UVCRequest request, int length, int selector,
-                                 int unit, std::uint8_t* data) {
+UsbControlRequest controlRequest(
+    std::uint8_t requestType, UVCRequest request, int length, int selector, int unit, std::uint8_t* data) {
     return {.bmRequestType = requestType,
-            .bRequest = static_cast<std::uint8_t>(request),
-            .wValue = static_cast<std::uint16_t>(selector << 8),
-            .wIndex = static_cast<std::uint16_t>(unit << 8),
-            .wLength = static_cast<std::uint16_t>(length),
-            .pData = data,
-            .wLenDone = 0};
+        .bRequest = static_cast<std::uint8_t>(request),
+        .wValue = static_cast<std::uint16_t>(selector << 8),
+        .wIndex = static_cast<std::uint16_t>(unit << 8),
+        .wLength = static_cast<std::uint16_t>(length),
+        .pData = data,
+        .wLenDone = 0};
 }
 
 bool fits(int length, std::span<const std::uint8_t> buffer) {
     return length >= 0 && static_cast<std::size_t>(length) <= buffer.size()
-           && length <= std::numeric_limits<std::uint16_t>::max();
+        && length <= std::numeric_limits<std::uint16_t>::max();
 }
 
 std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> service) {
     // No device attached shows as a plug-in that can't be made: there is nothing to make it from.
     UsbYield<UsbPlugIn<UsbDevice>> plugIn{service.result, nullptr};
-    if (service.object)
-        plugIn = service.object->createPlugIn();
+    if (service.object) plugIn = service.object->createPlugIn();
     if (plugIn.result != UsbCode::Success || !plugIn.object) {
         systemLog("CameraControl Error: IOCreatePlugInInterfaceForService returned 0x%08x.",
-                  static_cast<unsigned>(plugIn.result));
+            static_cast<unsigned>(plugIn.result));
         return nullptr;
     }
     auto device = plugIn.object->QueryInterface();
@@ -48,16 +47,14 @@ std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> serv
 } // namespace
 
 UVCCameraControl::~UVCCameraControl() {
-    if (interface)
-        (void)interface->USBInterfaceClose(); // nothing depends on it any more
+    if (interface) (void)interface->USBInterfaceClose(); // nothing depends on it any more
 }
 
 bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t productID) {
     interface.reset();
     const auto device = deviceForService(
         usbBus().firstService(static_cast<std::uint32_t>(vendorID), static_cast<std::uint32_t>(productID)));
-    if (!device)
-        return false;
+    if (!device) return false;
     interface = getControlInferaceWithDeviceInterface(*device);
     return true;
 }
@@ -65,12 +62,10 @@ bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t prod
 void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
     interface.reset();
     const auto services = usbBus().allServices();
-    if (services.result != UsbCode::Success || !services.object)
-        return;
+    if (services.result != UsbCode::Success || !services.object) return;
     while (auto service = services.object->next()) {
         const auto device = deviceForService({UsbCode::Success, std::move(service)});
-        if (!device)
-            continue;
+        if (!device) continue;
         std::uint32_t location = 0;
         if (device->GetLocationID(location) == UsbCode::Success && location == locationID) {
             interface = getControlInferaceWithDeviceInterface(*device);
@@ -81,23 +76,20 @@ void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
 
 std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInterface(UsbDevice& device) {
     const auto interfaces = device.CreateInterfaceIterator(Uvc::kVideoClass, Uvc::kVideoControlSubClass);
-    if (interfaces.result != UsbCode::Success || !interfaces.object)
-        return nullptr;
+    if (interfaces.result != UsbCode::Success || !interfaces.object) return nullptr;
     const auto service = interfaces.object->next();
-    if (!service)
-        return nullptr;
+    if (!service) return nullptr;
     auto plugIn = service->createPlugIn();
     // The release's result decides and is logged, not the plug-in's: people's saved logs are read by it.
     const UsbResult released = service->release();
     if (released != UsbCode::Success || !plugIn.object) {
-        systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n",
-                  static_cast<unsigned>(released));
+        systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n", static_cast<unsigned>(released));
         return nullptr;
     }
     auto found = plugIn.object->QueryInterface();
     if (found.result != UsbCode::Success || !found.object) {
         systemLog("CameraControl Error: Couldn’t create a device interface for the interface (%08x)",
-                  static_cast<unsigned>(found.result));
+            static_cast<unsigned>(found.result));
         return nullptr;
     }
     return std::move(found.object);
@@ -116,8 +108,7 @@ bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
         systemLog("CameraControl Error: No interface to send request");
         return false;
     }
-    if (interface->ControlRequest(request) == UsbCode::Success)
-        return true;
+    if (interface->ControlRequest(request) == UsbCode::Success) return true;
     // The close's result is logged, not the request's: people's saved logs are read by it.
     const UsbResult closed = interface->USBInterfaceClose();
     systemLog("CameraControl Error: Control request failed: %08x", static_cast<unsigned>(closed));
@@ -130,26 +121,23 @@ bool UVCCameraControl::setData(std::int64_t data, int length, int selector, int 
     return setCurrent(bytes, length, selector, unit);
 }
 
-bool UVCCameraControl::getDataFor(UVCRequest request, int length, int selector, int unit,
-                                  std::span<std::uint8_t> ret) {
+bool UVCCameraControl::getDataFor(UVCRequest request, int length, int selector, int unit, std::span<std::uint8_t> ret) {
     return fits(length, ret)
-           && sendControlRequest(
-               controlRequest(Uvc::kGetFromInterface, request, length, selector, unit, ret.data()));
+        && sendControlRequest(controlRequest(Uvc::kGetFromInterface, request, length, selector, unit, ret.data()));
 }
 
 bool UVCCameraControl::setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit) {
     return fits(length, data)
-           && sendControlRequest(controlRequest(Uvc::kSetToInterface, UVCRequest::SET_CUR, length, selector,
-                                                unit, data.data()));
+        && sendControlRequest(
+            controlRequest(Uvc::kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data.data()));
 }
 
-bool UVCCameraControl::getDataFor(UVCRequest request, const UVCControlInfo& control,
-                                  std::span<std::uint8_t> ret) {
+bool UVCCameraControl::getDataFor(UVCRequest request, const UVCControlInfo& control, std::span<std::uint8_t> ret) {
     return getDataFor(request, static_cast<int>(control.size), static_cast<int>(control.selector),
-                      static_cast<int>(control.unit), ret);
+        static_cast<int>(control.unit), ret);
 }
 
 bool UVCCameraControl::setData(std::int64_t data, const UVCControlInfo& control) {
-    return setData(data, static_cast<int>(control.size), static_cast<int>(control.selector),
-                   static_cast<int>(control.unit));
+    return setData(
+        data, static_cast<int>(control.size), static_cast<int>(control.selector), static_cast<int>(control.unit));
 }

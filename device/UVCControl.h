@@ -59,8 +59,7 @@ public:
     /// SET_CUR of the low `length` (1 to 8) bytes of `data`, little-endian.
     [[nodiscard]] bool setData(std::int64_t data, int length, int selector, int unit);
     /// A GET of `length` bytes into the start of `ret`, which is left alone by a failure.
-    [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit,
-                                  std::span<std::uint8_t> ret);
+    [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit, std::span<std::uint8_t> ret);
 
     // Standard camera controls on a scale from 0.0 to 1.0. They take the success flags of their requests for
     // the device's values; callers get the same numbers from every release.
@@ -98,8 +97,7 @@ protected:
     /// SET_CUR of the first `length` bytes of `data`.
     [[nodiscard]] bool setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit);
     // The same for the whole value of a control.
-    [[nodiscard]] bool getDataFor(UVCRequest request, const UVCControlInfo& control,
-                                  std::span<std::uint8_t> ret);
+    [[nodiscard]] bool getDataFor(UVCRequest request, const UVCControlInfo& control, std::span<std::uint8_t> ret);
     [[nodiscard]] bool setData(std::int64_t data, const UVCControlInfo& control);
 
 private:

@@ -24,16 +24,10 @@ enum ControlRow {
 };
 
 constexpr std::array<UVCControlInfo, 10> uvc_controls{{
-    {1, Uvc::CT_AE_MODE_CONTROL, 1},
-    {1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4},
-    {2, Uvc::PU_BRIGHTNESS_CONTROL, 2},
-    {2, Uvc::PU_CONTRAST_CONTROL, 2},
-    {2, Uvc::PU_GAIN_CONTROL, 2},
-    {2, Uvc::PU_SATURATION_CONTROL, 2},
-    {2, Uvc::PU_SHARPNESS_CONTROL, 2},
-    {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2},
-    {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1},
-    {3, 10, 4}, // the vendor's status block
+    {1, Uvc::CT_AE_MODE_CONTROL, 1}, {1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4}, {2, Uvc::PU_BRIGHTNESS_CONTROL, 2},
+    {2, Uvc::PU_CONTRAST_CONTROL, 2}, {2, Uvc::PU_GAIN_CONTROL, 2}, {2, Uvc::PU_SATURATION_CONTROL, 2},
+    {2, Uvc::PU_SHARPNESS_CONTROL, 2}, {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2},
+    {2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1}, {3, 10, 4}, // the vendor's status block
 }};
 
 constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
@@ -48,12 +42,9 @@ float single(float result) {
 /// Toward zero; what no 32-bit integer can hold becomes the nearest one, NaN becomes 0.
 std::int32_t truncated(float value) {
     using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(value))
-        return 0;
-    if (value >= static_cast<float>(Limits::max()))
-        return Limits::max();
-    if (value <= static_cast<float>(Limits::min()))
-        return Limits::min();
+    if (std::isnan(value)) return 0;
+    if (value >= static_cast<float>(Limits::max())) return Limits::max();
+    if (value <= static_cast<float>(Limits::min())) return Limits::min();
     return static_cast<std::int32_t>(value);
 }
 
@@ -61,8 +52,7 @@ std::int32_t truncated(float value) {
 
 /// The returned bytes are dropped: only whether the device answered is used.
 bool UVCCameraControl::getAndDrop(UVCRequest request, const UVCControlInfo& control) {
-    if (control.size > std::numeric_limits<std::uint16_t>::max())
-        return false; // no request is that long
+    if (control.size > std::numeric_limits<std::uint16_t>::max()) return false; // no request is that long
     std::vector<std::uint8_t> scratch(control.size);
     return getDataFor(request, control, scratch);
 }

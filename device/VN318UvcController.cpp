@@ -40,12 +40,11 @@ constexpr VolumeField kHdmi{1, "HDMI vol", "setHaedphone", "GetHdmiVolume"};
 constexpr VolumeField kAux{2, "AUX vol", "setAuxVolume", "GetHdmiVolume"};
 
 // The clock and the bit rate report a failed read as "setData" too.
-constexpr SettingsField kClock{2, "getExtension_SyncRtc..setData Fail!\n",
-                               "getExtension_SyncRtc..setData Fail!\n"};
-constexpr SettingsField kBitRate{4, "getExtension_setBitRate..setData Fail! \n",
-                                 "getExtension_setBitRate..setData Fail! \n"};
-constexpr SettingsField kHdcp{16, "getExtension_setHdcpState..getData Fail! \n",
-                              "getExtension_setHdcpState..setData Fail! \n"};
+constexpr SettingsField kClock{2, "getExtension_SyncRtc..setData Fail!\n", "getExtension_SyncRtc..setData Fail!\n"};
+constexpr SettingsField kBitRate{
+    4, "getExtension_setBitRate..setData Fail! \n", "getExtension_setBitRate..setData Fail! \n"};
+constexpr SettingsField kHdcp{
+    16, "getExtension_setHdcpState..getData Fail! \n", "getExtension_setHdcpState..setData Fail! \n"};
 
 constexpr std::size_t kBitRateByte = 8;
 constexpr std::size_t kHdcpByte = 9;
@@ -90,8 +89,7 @@ void logBitRate(std::uint8_t levels) {
 std::unique_ptr<CVn318UvcController> CVn318UvcController::CreateInstance() {
     systemLog("call camera CreateInstance");
     auto controller = std::make_unique<CVn318UvcController>();
-    if (!controller->initWithVendorID(kVendorID, kProductID))
-        return nullptr;
+    if (!controller->initWithVendorID(kVendorID, kProductID)) return nullptr;
     return controller;
 }
 
@@ -100,8 +98,8 @@ bool CVn318UvcController::readBlock(const UVCControlInfo& control, std::span<std
 }
 
 bool CVn318UvcController::writeBlock(const UVCControlInfo& control, std::span<std::uint8_t> block) {
-    return SetData2(block, static_cast<int>(control.size), static_cast<int>(control.selector),
-                    static_cast<int>(control.unit));
+    return SetData2(
+        block, static_cast<int>(control.size), static_cast<int>(control.selector), static_cast<int>(control.unit));
 }
 
 bool CVn318UvcController::setVolume(const VolumeField& field, int volume) {
@@ -124,8 +122,7 @@ bool CVn318UvcController::getVolume(const VolumeField& field, std::uint8_t& volu
     AudioBlock block{};
     const bool read = readBlock(kAudio, block);
     systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
-    if (!read)
-        systemLog("getExtension_%s..getData Fail! \n", field.getter);
+    if (!read) systemLog("getExtension_%s..getData Fail! \n", field.getter);
     volume = read ? block[field.byte] : 0;
     return read;
 }
@@ -158,8 +155,7 @@ bool CVn318UvcController::GetAuxVolume(std::uint8_t& volume) {
 bool CVn318UvcController::writeSettings(const SettingsField& field, std::span<std::uint8_t> block) {
     block[0] = field.command;
     const bool written = writeBlock(kSettings, block);
-    if (!written)
-        systemLog("%s", field.writeFailure);
+    if (!written) systemLog("%s", field.writeFailure);
     return written;
 }
 
@@ -181,8 +177,7 @@ bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG)
     const bool read = readBlock(kSettings, block);
     const std::uint8_t levels = block[kBitRateByte];
     logBitRate(levels);
-    if (!read)
-        systemLog("getExtension_getBitRate..getData Fail! \n");
+    if (!read) systemLog("getExtension_getBitRate..getData Fail! \n");
     h264 = read ? levels >> 4 : 0;
     forMJEPG = read ? levels & 15 : 0;
     return read;
@@ -197,8 +192,7 @@ bool CVn318UvcController::SetHdcpState(int state) {
     const std::uint8_t stored = lowByte(state);
     systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
     systemLog("new HDCP state value : %d \n", stored);
-    if (stored > 1)
-        return false; // neither on nor off: refused without a log line
+    if (stored > 1) return false; // neither on nor off: refused without a log line
     block[kHdcpByte] = stored;
     return writeSettings(kHdcp, block);
 }
@@ -223,8 +217,8 @@ bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
     const bool read = readBlock(kVersions, block);
     systemLog("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, "
               "HDMI splitter fw ver= %d.%d.%d.%d\n",
-              block[22], block[23], block[24], block[25], block[14], block[15], block[16], block[17],
-              block[18], block[19], block[20], block[21]);
+        block[22], block[23], block[24], block[25], block[14], block[15], block[16], block[17], block[18], block[19],
+        block[20], block[21]);
     if (!read) {
         systemLog("getExtension_GetFwVersion..getData Fail! \n");
         return false;
@@ -237,8 +231,8 @@ bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
 bool CVn318UvcController::SyncRtc() {
     SettingsBlock block{};
     const bool read = readBlock(kSettings, block);
-    systemLog("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5],
-              block[6], block[7]);
+    systemLog("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
+        block[7]);
     if (!read) {
         systemLog("%s", kClock.readFailure);
         return false;
@@ -250,13 +244,11 @@ bool CVn318UvcController::SyncRtc() {
         return true;
     }
     storeClock(block, hostTime());
-    if (!writeSettings(kClock, block))
-        return false;
+    if (!writeSettings(kClock, block)) return false;
     sleepForTimeInterval(kSettlingTime);
     const bool readBack = readBlock(kSettings, block);
-    systemLog("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5],
-              block[6], block[7]);
-    if (!readBack)
-        systemLog("%s", kClock.readFailure);
+    systemLog("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
+        block[7]);
+    if (!readBack) systemLog("%s", kClock.readFailure);
     return readBack;
 }

@@ -38,8 +38,8 @@ public:
         location = m_device->locationID;
         return UsbCode::Success;
     }
-    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t interfaceClass,
-                                                                std::uint8_t interfaceSubClass) override {
+    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+        std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) override {
         auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
         if (m_device->videoControlInterface && interfaceClass == Uvc::kVideoClass
             && interfaceSubClass == Uvc::kVideoControlSubClass)
@@ -68,16 +68,14 @@ UsbYield<UsbService<UsbDevice>> SimulatedBus::firstService(std::uint32_t vendor,
     const auto found = std::ranges::find_if(devices, [&](const DevicePointer& device) {
         return device->plugged() && device->vendorID == vendor && device->productID == product;
     });
-    if (found == devices.end())
-        return {UsbCode::NoDevice, nullptr};
+    if (found == devices.end()) return {UsbCode::NoDevice, nullptr};
     return {UsbCode::Success, serviceOf(*found)};
 }
 
 UsbYield<UsbIterator<UsbDevice>> SimulatedBus::allServices() {
     auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
     for (const DevicePointer& device : devices) {
-        if (device->plugged())
-            iterator->add(serviceOf(device));
+        if (device->plugged()) iterator->add(serviceOf(device));
     }
     return {UsbCode::Success, std::move(iterator)};
 }

@@ -37,31 +37,22 @@ std::vector<std::uint8_t> littleEndian(std::uint32_t value, std::size_t size) {
 
 std::uint32_t valueFor(UVCRequest request, const SimulatedControl& control) {
     switch (request) {
-    case UVCRequest::GET_MIN:
-        return control.minimum;
-    case UVCRequest::GET_MAX:
-        return control.maximum;
-    case UVCRequest::GET_RES:
-        return control.resolution;
-    case UVCRequest::GET_DEF:
-        return control.atPowerOn;
-    default:
-        return control.current;
+    case UVCRequest::GET_MIN: return control.minimum;
+    case UVCRequest::GET_MAX: return control.maximum;
+    case UVCRequest::GET_RES: return control.resolution;
+    case UVCRequest::GET_DEF: return control.atPowerOn;
+    default: return control.current;
     }
 }
 
 /// The result that a fault forces on a request, absent if the request is still answered.
 std::optional<UsbResult> forcedResult(RequestFault fault) {
     switch (fault) {
-    case RequestFault::Stall:
-        return UsbCode::Stall;
-    case RequestFault::TimeOut:
-        return UsbCode::TimeOut;
-    case RequestFault::Unplug:
-        return UsbCode::NoDevice;
+    case RequestFault::Stall: return UsbCode::Stall;
+    case RequestFault::TimeOut: return UsbCode::TimeOut;
+    case RequestFault::Unplug: return UsbCode::NoDevice;
     case RequestFault::ShortData:
-    case RequestFault::Garbage:
-        break;
+    case RequestFault::Garbage: break;
     }
     return std::nullopt;
 }
@@ -104,37 +95,30 @@ void SimulatedDevice::fillInClock() {
     const std::time_t now = hostTime() + m_clockOffset;
     std::tm fields{};
     (void)::gmtime_r(&now, &fields); // fails only for years that no byte can hold
-    const std::array<int, kClockBytes> calendar{fields.tm_year - 100, fields.tm_mon + 1, fields.tm_mday,
-                                                fields.tm_hour,       fields.tm_min,     fields.tm_sec};
-    std::ranges::transform(calendar, settings.begin() + 2,
-                           [](int field) { return static_cast<std::uint8_t>(field); });
+    const std::array<int, kClockBytes> calendar{
+        fields.tm_year - 100, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec};
+    std::ranges::transform(calendar, settings.begin() + 2, [](int field) { return static_cast<std::uint8_t>(field); });
 }
 
 UsbResult SimulatedDevice::control(UsbControlRequest& request) {
-    if (!m_plugged)
-        return UsbCode::NoDevice;
+    if (!m_plugged) return UsbCode::NoDevice;
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
     const std::optional<RequestFault> fault = m_faults.takeDue(request);
-    if (fault == RequestFault::Unplug)
-        unplug();
+    if (fault == RequestFault::Unplug) unplug();
     const std::optional<UsbResult> forced = fault ? forcedResult(*fault) : std::nullopt;
     const UsbResult result = forced ? *forced : isGet ? get(request, fault) : set(request, fault);
-    if (unitOf(request) != kInterfaceItself)
-        m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
+    if (unitOf(request) != kInterfaceItself) m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     const bool hasData = !isGet || result == UsbCode::Success;
     requests.push_back({Uvc::setupPacket(request),
-                        hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(),
-                        result});
-    if (onRequest)
-        onRequest(requests.back());
+        hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(), result});
+    if (onRequest) onRequest(requests.back());
     return result;
 }
 
 UsbResult SimulatedDevice::get(UsbControlRequest& request, std::optional<RequestFault> fault) {
     std::vector<std::uint8_t> bytes = answer(request);
-    if (bytes.empty())
-        return UsbCode::Stall;
+    if (bytes.empty()) return UsbCode::Stall;
     if (fault == RequestFault::ShortData) {
         request.wLenDone = request.wLength / 2U;
         return UsbCode::InputOutput;
@@ -147,8 +131,7 @@ UsbResult SimulatedDevice::get(UsbControlRequest& request, std::optional<Request
 }
 
 UsbResult SimulatedDevice::set(UsbControlRequest& request, std::optional<RequestFault> fault) {
-    if (!accept(request))
-        return UsbCode::Stall;
+    if (!accept(request)) return UsbCode::Stall;
     if (fault == RequestFault::ShortData) {
         request.wLenDone = request.wLength / 2U;
         return UsbCode::InputOutput;
@@ -160,7 +143,7 @@ UsbResult SimulatedDevice::set(UsbControlRequest& request, std::optional<Request
 SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request) {
     const auto found = std::ranges::find_if(controls, [&](const SimulatedControl& control) {
         return control.unit == unitOf(request) && control.selector == selectorOf(request)
-               && control.size == request.wLength;
+            && control.size == request.wLength;
     });
     return found == controls.end() ? nullptr : &*found;
 }
@@ -171,12 +154,10 @@ std::vector<std::uint8_t> SimulatedDevice::answer(const UsbControlRequest& reque
     if (request.bmRequestType != Uvc::kGetFromInterface || (request.wIndex & 0xFF) != videoControlInterface
         || (request.wValue & 0xFF) != 0)
         return {};
-    if (code == UVCRequest::GET_LEN || code == UVCRequest::GET_INFO)
-        return answerAbout(request);
+    if (code == UVCRequest::GET_LEN || code == UVCRequest::GET_INFO) return answerAbout(request);
     if (const SimulatedControl* control = findControl(request))
         return littleEndian(valueFor(code, *control), control->size);
-    if (code != UVCRequest::GET_CUR)
-        return {};
+    if (code != UVCRequest::GET_CUR) return {};
     fillInClock();
     return answerUnitControl(request);
 }
@@ -186,8 +167,7 @@ std::vector<std::uint8_t> SimulatedDevice::answerUnitControl(const UsbControlReq
         && request.wLength == sizeof m_errorCode)
         return {m_errorCode};
     const auto bytes = block(selectorOf(request));
-    if (unitOf(request) != kExtensionUnit || bytes.size() != request.wLength)
-        return {};
+    if (unitOf(request) != kExtensionUnit || bytes.size() != request.wLength) return {};
     return {bytes.begin(), bytes.end()};
 }
 
@@ -201,8 +181,7 @@ std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& 
             settable = true;
         }
     }
-    if (size == 0)
-        return {};
+    if (size == 0) return {};
     if (codeOf(request) == UVCRequest::GET_LEN && request.wLength == sizeof(std::uint16_t))
         return littleEndian(static_cast<std::uint32_t>(size), request.wLength);
     if (codeOf(request) == UVCRequest::GET_INFO && request.wLength == sizeof(std::uint8_t))
@@ -212,16 +191,11 @@ std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& 
 
 std::span<const std::uint8_t> SimulatedDevice::block(std::uint8_t selector) const {
     switch (selector) {
-    case Status:
-        return status;
-    case Settings:
-        return settings;
-    case Versions:
-        return versions;
-    case Audio:
-        return audio;
-    default:
-        return {};
+    case Status: return status;
+    case Settings: return settings;
+    case Versions: return versions;
+    case Audio: return audio;
+    default: return {};
     }
 }
 
@@ -234,8 +208,7 @@ bool SimulatedDevice::accept(const UsbControlRequest& request) {
         control->current = Uvc::littleEndian<std::uint32_t>(bytes);
         return true;
     }
-    if (unitOf(request) != kExtensionUnit)
-        return false;
+    if (unitOf(request) != kExtensionUnit) return false;
     if (selectorOf(request) == Settings && bytes.size() == settings.size())
         acceptSettings(bytes);
     else if (selectorOf(request) == Audio && bytes.size() == audio.size())
@@ -247,21 +220,14 @@ bool SimulatedDevice::accept(const UsbControlRequest& request) {
 
 void SimulatedDevice::acceptSettings(std::span<const std::uint8_t> block) {
     switch (block[0]) {
-    case SetClock:
-        setClock(block.subspan<2, kClockBytes>());
-        break;
-    case SetBitRate:
-        settings[8] = block[8];
-        break;
-    case SetHdcp:
-        settings[9] = block[9];
-        break;
+    case SetClock: setClock(block.subspan<2, kClockBytes>()); break;
+    case SetBitRate: settings[8] = block[8]; break;
+    case SetHdcp: settings[9] = block[9]; break;
     default: // the device takes a block without a command and changes nothing
         break;
     }
 }
 
 void SimulatedDevice::acceptAudio(std::span<const std::uint8_t> block) {
-    for (const std::size_t volume : {1U, 2U, 3U, 5U})
-        audio[volume] = block[volume];
+    for (const std::size_t volume : {1U, 2U, 3U, 5U}) audio[volume] = block[volume];
 }

@@ -48,9 +48,8 @@ public:
     // The blocks of the extension unit. The settings block's clock is filled in when it is read.
     std::array<std::uint8_t, 4> status{0x51, 0x02, 0x83, 0x1C};
     std::array<std::uint8_t, 13> settings{0x00, 0x5A, 0, 0, 0, 0, 0, 0, 0x11, 0x00, 0xA7, 0x3B, 0xC9};
-    std::array<std::uint8_t, 26> versions{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19,
-                                          0x1A, 0x1B, 0x1C, 0x1D, 0x1E, 5,    6,    7,    8,
-                                          9,    10,   11,   12,   1,    2,    3,    4};
+    std::array<std::uint8_t, 26> versions{0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x1A, 0x1B, 0x1C, 0x1D,
+        0x1E, 5, 6, 7, 8, 9, 10, 11, 12, 1, 2, 3, 4};
     std::array<std::uint8_t, 7> audio{0x6D, 255, 200, 176, 0x92, 128, 0xE4};
     std::vector<SimulatedControl> controls; ///< the standard ones of units 1 and 2
 

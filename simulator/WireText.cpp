@@ -15,18 +15,16 @@ std::string hexText(std::span<const std::uint8_t> bytes) {
 
 std::string wireText(const RecordedRequest& request) {
     std::string text = hexText(request.setup) + " |";
-    if (!request.data.empty())
-        text += ' ' + hexText(request.data);
-    if (request.result != UsbCode::Success)
-        text += " ! " + std::to_string(request.result);
+    if (!request.data.empty()) text += ' ' + hexText(request.data);
+    if (request.result != UsbCode::Success) text += " ! " + std::to_string(request.result);
     return text;
 }
 
 std::string settingsText(const SimulatedDevice& device) {
     std::array<char, 160> text{};
     (void)std::snprintf(text.data(), text.size(), // always fits
-                        "bit rate H.264 %d MJPEG %d, HDCP %d, microphone %d, headphone %d, HDMI %d, AUX %d",
-                        device.settings[8] >> 4, device.settings[8] & 15, device.settings[9], device.audio[3],
-                        device.audio[5], device.audio[1], device.audio[2]);
+        "bit rate H.264 %d MJPEG %d, HDCP %d, microphone %d, headphone %d, HDMI %d, AUX %d", device.settings[8] >> 4,
+        device.settings[8] & 15, device.settings[9], device.audio[3], device.audio[5], device.audio[1],
+        device.audio[2]);
     return text.data();
 }

@@ -15,8 +15,7 @@ public:
         return *this;
     }
     ~OpenFile() {
-        if (m_descriptor >= 0)
-            (void)::close(m_descriptor); // closes the descriptor even if it reports a failure
+        if (m_descriptor >= 0) (void)::close(m_descriptor); // closes the descriptor even if it reports a failure
     }
     [[nodiscard]] int get() const { return m_descriptor; }
     explicit operator bool() const { return m_descriptor >= 0; }

@@ -17,14 +17,13 @@ bool standardErrorIsJournal() {
     const char* journal = std::getenv("JOURNAL_STREAM");
     struct stat file {};
     return journal != nullptr && ::fstat(STDERR_FILENO, &file) == 0
-           && std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino) == journal;
+        && std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino) == journal;
 }
 
 } // namespace
 
 void deliverLogMessage(std::string_view message) {
-    while (message.ends_with('\n'))
-        message.remove_suffix(1);
+    while (message.ends_with('\n')) message.remove_suffix(1);
     std::array<char, 1024> line; // not cleared, as in systemLog
     message = message.substr(0, line.size() - 1);
     // One message stays one line in the journal.

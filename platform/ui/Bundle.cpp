@@ -17,8 +17,7 @@ namespace {
 
 /// Installs a table of texts in the locale's language and gives that language; empty if there is none. Later
 /// translators are asked first.
-QString install(QCoreApplication& application, const QLocale& locale, const QString& table,
-                const QString& folder) {
+QString install(QCoreApplication& application, const QLocale& locale, const QString& table, const QString& folder) {
     auto* translator = new QTranslator(&application);
     if (!translator->load(locale, table, QStringLiteral("_"), folder)) {
         delete translator;
@@ -39,17 +38,14 @@ void open(QCoreApplication& application, const QString& qtTranslations) {
     install(application, QLocale(QLocale::English), table, folder);
     const QString language = install(application, QLocale(), table, folder);
     // Qt's own texts decide on the direction of the windows, so they are taken for a language of ours only.
-    if (!language.isEmpty())
-        install(application, QLocale(language), QStringLiteral("qtbase"), qtTranslations);
+    if (!language.isEmpty()) install(application, QLocale(language), QStringLiteral("qtbase"), qtTranslations);
 }
 
 std::optional<QVariantMap> infoDictionary() {
     QFile file(QStringLiteral("bundle:Info.json"));
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
+    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-    if (!document.isObject())
-        return std::nullopt;
+    if (!document.isObject()) return std::nullopt;
     return document.object().toVariantMap();
 }
 

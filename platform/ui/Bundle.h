@@ -14,8 +14,8 @@ namespace mainBundle {
 
 /// Sets the search path and installs the texts in the user's language. Call once, after the application
 /// object was made and before any window. Qt's own texts come from the given folder.
-void open(QCoreApplication& application,
-          const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+void open(
+    QCoreApplication& application, const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 
 /// Application information by key ("CFBundleShortVersionString"). Absent when there is none or it can't be
 /// read.

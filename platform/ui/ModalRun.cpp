@@ -51,8 +51,7 @@ private:
 
 ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(innermost, this)) {
     for (QWidget* other : QApplication::topLevelWidgets()) {
-        if (other != &window)
-            rememberAndRelease(*other);
+        if (other != &window) rememberAndRelease(*other);
     }
     qApp->installEventFilter(this);
     QObject::connect(&window, &QObject::destroyed, &m_loop, &QEventLoop::quit);
@@ -62,48 +61,42 @@ ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(in
 void ModalRun::rememberAndRelease(QWidget& window) {
     for (QWidget* control : window.findChildren<QWidget*>()) {
         if (auto* slider = qobject_cast<QAbstractSlider*>(control)) {
-            QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), slider->mapToGlobal(QPointF()),
-                                Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+            QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), slider->mapToGlobal(QPointF()), Qt::LeftButton,
+                Qt::NoButton, Qt::NoModifier);
             QCoreApplication::sendEvent(slider, &release);
         }
         const QMetaProperty property = control->metaObject()->userProperty();
-        if (property.isValid())
-            m_shown.push_back({control, property, property.read(control)});
+        if (property.isValid()) m_shown.push_back({control, property, property.read(control)});
     }
 }
 
 void ModalRun::restore(const QWidget& window) const {
     for (const auto& [control, property, value] : m_shown) {
-        if (control && control->window() == &window)
-            (void)property.write(control, value); // it was read from there
+        if (control && control->window() == &window) (void)property.write(control, value); // it was read from there
     }
 }
 
 /// The repeats of a key that was pressed in another window come here when this one gets the focus.
 bool ModalRun::isHeldKey(QObject* object, QEvent* event) const {
     constexpr std::array kEndingKeys{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Space};
-    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)
-        return false;
+    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride) return false;
     const auto* widget = qobject_cast<QWidget*>(object);
     const auto& key = static_cast<QKeyEvent&>(*event);
     return widget != nullptr && widget->window() == &m_window && key.isAutoRepeat()
-           && std::ranges::find(kEndingKeys, key.key()) != kEndingKeys.end();
+        && std::ranges::find(kEndingKeys, key.key()) != kEndingKeys.end();
 }
 
 bool ModalRun::eventFilter(QObject* object, QEvent* event) {
     // Hiding ends the run, however it was caused. Closing hides the window; minimising is spontaneous.
-    if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous())
-        m_loop.quit();
-    if (!isHeldKey(object, event))
-        return false;
+    if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous()) m_loop.quit();
+    if (!isHeldKey(object, event)) return false;
     event->accept(); // for shortcuts too
     return true;
 }
 
 /// Makes the window transient for its owner, so that the window system places it there.
 void makeTransient(QWidget& window, const QWidget* owner) {
-    if (!owner || !owner->windowHandle())
-        return;
+    if (!owner || !owner->windowHandle()) return;
     (void)window.winId(); // makes the window handle
     window.windowHandle()->setTransientParent(owner->windowHandle());
 }
@@ -111,8 +104,7 @@ void makeTransient(QWidget& window, const QWidget* owner) {
 /// Selectable texts take the focus too, but the button that ends the run has it first.
 void focusDefaultButton(const QWidget& window) {
     for (QPushButton* button : window.findChildren<QPushButton*>()) {
-        if (button->isDefault())
-            button->setFocus();
+        if (button->isDefault()) button->setFocus();
     }
 }
 
@@ -134,13 +126,11 @@ bool isBehindModalRun(const QWidget& control) {
 }
 
 bool dropBehindModalRun(const QWidget& control) {
-    if (!isBehindModalRun(control))
-        return false;
+    if (!isBehindModalRun(control)) return false;
     ModalRun::innermost->restore(*control.window());
     return true;
 }
 
 void stopModal() {
-    if (ModalRun::innermost)
-        ModalRun::innermost->stop();
+    if (ModalRun::innermost) ModalRun::innermost->stop();
 }

@@ -40,8 +40,7 @@ public:
 
     /// The control. An outlet that is not connected is a fault of the window description: the program stops.
     Control* operator->() const {
-        if (!m_control)
-            fatalStop("outlet %s is not connected", name());
+        if (!m_control) fatalStop("outlet %s is not connected", name());
         return m_control.data();
     }
 

@@ -28,8 +28,7 @@ QJsonObject readIndex(const QString& name) {
     QFile file(QStringLiteral("bundle:%1/%1.json").arg(name));
     if (file.open(QIODevice::ReadOnly)) {
         const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-        if (document.isObject())
-            return document.object();
+        if (document.isObject()) return document.object();
     }
     fatalStop("window description \"%s\" is missing or damaged", qUtf8Printable(name));
 }
@@ -39,8 +38,7 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
     const QString className = entry[key].toString();
     const QMetaObject* known = describedClass(className.toLatin1());
     std::unique_ptr<QObject> object(known ? known->newInstance() : nullptr);
-    if (!object)
-        fatalStop("window description: unknown controller class \"%s\"", qUtf8Printable(className));
+    if (!object) fatalStop("window description: unknown controller class \"%s\"", qUtf8Printable(className));
     return object;
 }
 
@@ -59,7 +57,7 @@ std::unique_ptr<QWidget> DescriptionLoader::loadFile(const QString& path) {
     std::unique_ptr<QWidget> window(file.open(QIODevice::ReadOnly) ? load(&file) : nullptr);
     if (!window)
         fatalStop("window description %s: %s", qUtf8Printable(path),
-                  qUtf8Printable(file.isOpen() ? errorString() : file.errorString()));
+            qUtf8Printable(file.isOpen() ? errorString() : file.errorString()));
     // By name, so that dense screens get the dense picture: a pixmap in the description is one for all.
     for (QLabel* label : window->findChildren<QLabel*>()) {
         if (const QVariant image = label->property("image"); image.isValid())
@@ -68,24 +66,20 @@ std::unique_ptr<QWidget> DescriptionLoader::loadFile(const QString& path) {
     // Found before the first is told: it may delete children of its own, as a pop-up does with its list.
     std::vector<MadeFromDescription*> found;
     for (QWidget* control : window->findChildren<QWidget*>()) {
-        if (auto* made = dynamic_cast<MadeFromDescription*>(control))
-            found.push_back(made);
+        if (auto* made = dynamic_cast<MadeFromDescription*>(control)) found.push_back(made);
     }
-    for (MadeFromDescription* made : found)
-        made->didDecode();
+    for (MadeFromDescription* made : found) made->didDecode();
     return window;
 }
 
 QWidget* DescriptionLoader::createWidget(const QString& className, QWidget* parent, const QString& name) {
     // "Line" is the loader's own word for a separator; it makes all others from their class names.
     static const QStringList own = availableWidgets();
-    if (own.contains(className))
-        return QUiLoader::createWidget(className, parent, name);
+    if (own.contains(className)) return QUiLoader::createWidget(className, parent, name);
     const QMetaObject* known = describedClass(className.toLatin1());
     auto* control = known ? qobject_cast<QWidget*>(known->newInstance(Q_ARG(QWidget*, parent))) : nullptr;
     if (!control)
-        fatalStop("window description: unknown class %s of %s", qUtf8Printable(className),
-                  qUtf8Printable(name));
+        fatalStop("window description: unknown class %s of %s", qUtf8Printable(className), qUtf8Printable(name));
     control->setObjectName(name);
     return control;
 }
@@ -99,8 +93,7 @@ void connectRadioButton(QRadioButton& button, const std::function<void()>& act) 
     QObject::connect(&button, &QRadioButton::released, &button, [pressing] { *pressing = false; });
     QObject::connect(&button, &QRadioButton::clicked, &button, act);
     QObject::connect(&button, &QRadioButton::toggled, &button, [pressing, act](bool selected) {
-        if (selected && !*pressing)
-            act();
+        if (selected && !*pressing) act();
     });
 }
 
@@ -118,34 +111,30 @@ void connectUserAction(QObject& control, const std::function<void()>& act) {
     else if (auto* button = qobject_cast<QPushButton*>(&control))
         QObject::connect(button, &QPushButton::clicked, button, act);
     else
-        fatalStop("window description: %s is of a kind without an action",
-                  qUtf8Printable(control.objectName()));
+        fatalStop("window description: %s is of a kind without an action", qUtf8Printable(control.objectName()));
 }
 
-void connectHandler(const QWidget& window, QObject& control, const QString& handler,
-                    const std::array<QObject*, 2>& responders) {
+void connectHandler(
+    const QWidget& window, QObject& control, const QString& handler, const std::array<QObject*, 2>& responders) {
     const QByteArray signature = handler.toLatin1() + "(QObject*)";
     for (QObject* responder : responders) {
         const int index = responder ? responder->metaObject()->indexOfSlot(signature.constData()) : -1;
-        if (index < 0)
-            continue;
+        if (index < 0) continue;
         const QMetaMethod method = responder->metaObject()->method(index);
         connectUserAction(control, [method, responder, &window, &control] {
             if (!dropBehindModalRun(window))
-                (void)method.invoke(responder, Qt::DirectConnection,
-                                    Q_ARG(QObject*, &control)); // checked above
+                (void)method.invoke(responder, Qt::DirectConnection, Q_ARG(QObject*, &control)); // checked above
         });
         return;
     }
-    fatalStop("window description: no handler %s for %s", qUtf8Printable(handler),
-              qUtf8Printable(control.objectName()));
+    fatalStop(
+        "window description: no handler %s for %s", qUtf8Printable(handler), qUtf8Printable(control.objectName()));
 }
 
 void connectActions(const QWidget& window, const std::array<QObject*, 2>& responders) {
     for (QObject* control : window.findChildren<QObject*>()) {
         const QVariant handler = control->property(kActionProperty);
-        if (handler.isValid())
-            connectHandler(window, *control, handler.toString(), responders);
+        if (handler.isValid()) connectHandler(window, *control, handler.toString(), responders);
     }
 }
 
@@ -158,50 +147,44 @@ QString WindowDescription::initialController() const {
     return m_index[QStringLiteral("initialController")].toString();
 }
 
-std::unique_ptr<QObject> WindowDescription::instantiateController(const QString& identifier,
-                                                                  QObject* responder) const {
+std::unique_ptr<QObject> WindowDescription::instantiateController(const QString& identifier, QObject* responder) const {
     const QJsonValue entry = m_index[QStringLiteral("controllers")][identifier];
     if (!entry.isObject())
-        fatalStop(R"(window description "%s" has no controller "%s")", qUtf8Printable(m_name),
-                  qUtf8Printable(identifier));
+        fatalStop(
+            R"(window description "%s" has no controller "%s")", qUtf8Printable(m_name), qUtf8Printable(identifier));
     auto controller = makeObject(entry.toObject(), QStringLiteral("class"));
     if (auto* windowController = qobject_cast<WindowController*>(controller.get()))
         loadWindow(*windowController, entry.toObject(), responder);
     return controller;
 }
 
-std::unique_ptr<WindowController> WindowDescription::instantiateWindowController(const QString& identifier,
-                                                                                 QObject* responder) const {
+std::unique_ptr<WindowController> WindowDescription::instantiateWindowController(
+    const QString& identifier, QObject* responder) const {
     auto controller = instantiateController(identifier, responder);
     auto* windowController = qobject_cast<WindowController*>(controller.get());
     if (!windowController)
         fatalStop("window description: \"%s\" is a %s, not a window controller", qUtf8Printable(identifier),
-                  controller->metaObject()->className());
+            controller->metaObject()->className());
     (void)controller.release(); // owned by what is returned
     return std::unique_ptr<WindowController>(windowController);
 }
 
 void WindowDescription::runModal(const QString& identifier) const {
     const auto controller = instantiateWindowController(identifier);
-    if (QWidget* window = controller->window())
-        runModalForWindow(*window);
+    if (QWidget* window = controller->window()) runModalForWindow(*window);
 }
 
-void WindowDescription::loadWindow(WindowController& controller, const QJsonObject& entry,
-                                   QObject* responder) const {
+void WindowDescription::loadWindow(WindowController& controller, const QJsonObject& entry, QObject* responder) const {
     const QString file = entry[QStringLiteral("window")].toString();
-    if (file.isEmpty())
-        return;
+    if (file.isEmpty()) return;
     auto object = makeObject(entry, QStringLiteral("content"));
     auto* content = qobject_cast<ContentController*>(object.get());
     if (!content)
-        fatalStop("window description: %s does not control a window's content",
-                  object->metaObject()->className());
+        fatalStop("window description: %s does not control a window's content", object->metaObject()->className());
     (void)object.release();
     controller.setContentController(std::unique_ptr<ContentController>(content));
     controller.setWindow(DescriptionLoader().loadFile(QStringLiteral("bundle:%1/%2").arg(m_name, file)));
-    for (OutletBase* outlet : content->outlets())
-        outlet->connectBelow(*controller.window());
+    for (OutletBase* outlet : content->outlets()) outlet->connectBelow(*controller.window());
     connectActions(*controller.window(), {content, responder});
     content->viewDidLoad();
 }

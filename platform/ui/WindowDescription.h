@@ -22,11 +22,11 @@ public:
     explicit WindowDescription(const QString& name);
 
     /// Loads the controller of that identifier with its window, new at every call.
-    [[nodiscard]] std::unique_ptr<QObject> instantiateController(const QString& identifier,
-                                                                 QObject* responder = nullptr) const;
+    [[nodiscard]] std::unique_ptr<QObject> instantiateController(
+        const QString& identifier, QObject* responder = nullptr) const;
     /// The same for a controller that must be a window controller.
-    [[nodiscard]] std::unique_ptr<WindowController>
-    instantiateWindowController(const QString& identifier, QObject* responder = nullptr) const;
+    [[nodiscard]] std::unique_ptr<WindowController> instantiateWindowController(
+        const QString& identifier, QObject* responder = nullptr) const;
     /// Loads a window and runs it modally. Does nothing if the description gives that controller none.
     void runModal(const QString& identifier) const;
     /// The window that opens at the start.

@@ -95,8 +95,8 @@ public:
     /// that ports 1 and 17 of one hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
     /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), of whatever protocol.
-    [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>>
-    CreateInterfaceIterator(std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) = 0;
+    [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+        std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) = 0;
 };
 
 /// All that is plugged in, looked up afresh at every call.
@@ -104,8 +104,7 @@ class UsbBus {
 public:
     virtual ~UsbBus() = default;
     /// The first device with these identifiers. None: `NoDevice`, and no object.
-    [[nodiscard]] virtual UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor,
-                                                                       std::uint32_t product) = 0;
+    [[nodiscard]] virtual UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) = 0;
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbDevice>> allServices() = 0;
 };
 

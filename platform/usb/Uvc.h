@@ -66,8 +66,7 @@ constexpr void storeLittleEndian(std::uint64_t value, std::span<std::uint8_t> by
 template <std::unsigned_integral Number>
 constexpr Number littleEndian(std::span<const std::uint8_t> bytes) {
     Number value = 0;
-    for (std::size_t i = bytes.size(); i > 0; --i)
-        value = static_cast<Number>(value << 8 | bytes[i - 1]);
+    for (std::size_t i = bytes.size(); i > 0; --i) value = static_cast<Number>(value << 8 | bytes[i - 1]);
     return value;
 }
 
@@ -83,13 +82,9 @@ constexpr SetupPacket setupPacket(const UsbControlRequest& request) {
 
 /// The request of a setup packet, with `data` as its data stage: room for wLength bytes.
 constexpr UsbControlRequest requestOf(std::span<const std::uint8_t, 8> packet, std::uint8_t* data) {
-    return {packet[0],
-            packet[1],
-            littleEndian<std::uint16_t>(packet.subspan<2, 2>()),
-            littleEndian<std::uint16_t>(packet.subspan<4, 2>()),
-            littleEndian<std::uint16_t>(packet.subspan<6, 2>()),
-            data,
-            0};
+    return {packet[0], packet[1], littleEndian<std::uint16_t>(packet.subspan<2, 2>()),
+        littleEndian<std::uint16_t>(packet.subspan<4, 2>()), littleEndian<std::uint16_t>(packet.subspan<6, 2>()), data,
+        0};
 }
 
 } // namespace Uvc

@@ -19,8 +19,8 @@ constexpr std::uint16_t kBulkPacket = 512; // bytes, the only size at high speed
 
 using Guid = std::array<std::uint8_t, 16>;
 constexpr Guid kYuy2{'Y', 'U', 'Y', '2', 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x38, 0x9B, 0x71};
-constexpr Guid kUnitGuid{0x54, 0x61, 0x76, 0x72, 0x6F, 0x20, 0x43, 0x40,
-                         0x80, 0x74, 0x72, 0x6F, 0x6C, 0x73, 0x20, 0x31};
+constexpr Guid kUnitGuid{
+    0x54, 0x61, 0x76, 0x72, 0x6F, 0x20, 0x43, 0x40, 0x80, 0x74, 0x72, 0x6F, 0x6C, 0x73, 0x20, 0x31};
 
 /// Starts with its own length, which is filled in at the end.
 class Descriptor {
@@ -61,8 +61,7 @@ Bytes withTotalLength(Bytes group, std::size_t offset) {
 
 Bytes joined(std::initializer_list<Bytes> parts) {
     Bytes all;
-    for (const Bytes& part : parts)
-        append(all, part);
+    for (const Bytes& part : parts) append(all, part);
     return all;
 }
 
@@ -97,16 +96,13 @@ Bytes videoControl(const CaptureIdentity& identity) {
     });
     constexpr std::size_t kTotalLength = 5;
     return joined(
-        {Descriptor{Interface, identity.videoControlInterface, 0, 0, Video, VideoControl, 0, Collection}
-             .bytes(),
-         withTotalLength(std::move(units), kTotalLength)});
+        {Descriptor{Interface, identity.videoControlInterface, 0, 0, Video, VideoControl, 0, Collection}.bytes(),
+            withTotalLength(std::move(units), kTotalLength)});
 }
 
 Bytes frameDescriptor() {
     constexpr std::uint32_t kUnitsPerSecond = 10'000'000;
-    const auto bitsPerSecond = [](std::uint32_t interval) {
-        return kFrameSize * 8 * (kUnitsPerSecond / interval);
-    };
+    const auto bitsPerSecond = [](std::uint32_t interval) { return kFrameSize * 8 * (kUnitsPerSecond / interval); };
     Descriptor frame{ClassInterface, 5, 1, 0};
     frame.word(kFrameWidth).word(kFrameHeight);
     frame.number(bitsPerSecond(kFrameIntervals[0])).number(bitsPerSecond(kFrameIntervals[1]));
@@ -131,10 +127,9 @@ Bytes videoStreaming(const CaptureIdentity& identity) {
         Descriptor{ClassInterface, 13, 1, 1, 4}.bytes(),
     });
     return joined(
-        {Descriptor{Interface, identity.streamingInterface(), 0, 1, Video, VideoStreaming, 0, NoString}
-             .bytes(),
-         withTotalLength(std::move(formats), kTotalLength),
-         Descriptor{Endpoint, kStreamEndpoint | kIn, kBulk}.word(kBulkPacket).byte({0}).bytes()});
+        {Descriptor{Interface, identity.streamingInterface(), 0, 1, Video, VideoStreaming, 0, NoString}.bytes(),
+            withTotalLength(std::move(formats), kTotalLength),
+            Descriptor{Endpoint, kStreamEndpoint | kIn, kBulk}.word(kBulkPacket).byte({0}).bytes()});
 }
 
 } // namespace
@@ -163,24 +158,20 @@ Bytes configurationDescriptor(const CaptureIdentity& identity) {
     constexpr std::uint8_t kBusPowered = 0x80;
     constexpr std::uint8_t kHalfAnAmpere = 250;
     constexpr std::size_t kTotalLength = 2;
-    return withTotalLength(
-        joined({Descriptor{Configuration}
-                    .word(0)
-                    .byte({interfaces, kConfigurationValue, NoString, kBusPowered, kHalfAnAmpere})
-                    .bytes(),
-                before, Descriptor{Association, first, 2, Video, VideoCollection, 0, Collection}.bytes(),
-                videoControl(identity), videoStreaming(identity)}),
+    return withTotalLength(joined({Descriptor{Configuration}
+                                       .word(0)
+                                       .byte({interfaces, kConfigurationValue, NoString, kBusPowered, kHalfAnAmpere})
+                                       .bytes(),
+                               before, Descriptor{Association, first, 2, Video, VideoCollection, 0, Collection}.bytes(),
+                               videoControl(identity), videoStreaming(identity)}),
         kTotalLength);
 }
 
 Bytes stringDescriptor(std::uint8_t index) {
     constexpr std::uint16_t kEnglish = 0x0409;
     Descriptor descriptor{String};
-    if (index == 0)
-        return descriptor.word(kEnglish).bytes();
-    if (index > kStrings.size())
-        return {};
-    for (const char character : kStrings.at(index - 1U))
-        descriptor.word(static_cast<std::uint8_t>(character));
+    if (index == 0) return descriptor.word(kEnglish).bytes();
+    if (index > kStrings.size()) return {};
+    for (const char character : kStrings.at(index - 1U)) descriptor.word(static_cast<std::uint8_t>(character));
     return descriptor.bytes();
 }

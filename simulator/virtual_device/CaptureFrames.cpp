@@ -15,14 +15,8 @@ struct Color {
     std::uint8_t blue;
     std::uint8_t red;
 };
-constexpr std::array<Color, 8> kBars{{{235, 128, 128},
-                                      {210, 16, 146},
-                                      {170, 166, 16},
-                                      {145, 54, 34},
-                                      {106, 202, 222},
-                                      {81, 90, 240},
-                                      {41, 240, 110},
-                                      {16, 128, 128}}};
+constexpr std::array<Color, 8> kBars{{{235, 128, 128}, {210, 16, 146}, {170, 166, 16}, {145, 54, 34}, {106, 202, 222},
+    {81, 90, 240}, {41, 240, 110}, {16, 128, 128}}};
 constexpr Color kLine{235, 128, 128};
 
 /// Byte `offset` of a frame, whose pixels come in pairs: luma, blue, luma, red.
@@ -31,8 +25,7 @@ std::uint8_t frameByte(std::size_t offset, unsigned count) {
     const std::size_t row = offset / kRowSize;
     const std::size_t column = offset % kRowSize / 2;
     const Color color = row == count % kFrameHeight ? kLine : kBars.at(column * kBars.size() / kFrameWidth);
-    if (offset % 2 == 0)
-        return color.luma;
+    if (offset % 2 == 0) return color.luma;
     return offset % 4 == 1 ? color.blue : color.red;
 }
 
@@ -46,17 +39,14 @@ void CaptureFrames::start(std::uint32_t frameInterval, Clock::time_point now) {
 
 Bytes CaptureFrames::nextPayload(std::size_t room, Clock::time_point now) {
     const std::size_t most = std::min<std::size_t>(room, kMaxPayload);
-    if (most <= kHeaderLength)
-        return {};
+    if (most <= kHeaderLength) return {};
     const std::size_t length = std::min(most - kHeaderLength, kFrameSize - m_sent);
     const bool ends = m_sent + length == kFrameSize;
-    Bytes payload{kHeaderLength, static_cast<std::uint8_t>(kEndOfHeader | (ends ? kEndOfFrame : 0)
-                                                           | (m_count % 2 == 1 ? kFrameIdentifier : 0))};
-    for (std::size_t i = 0; i < length; ++i)
-        payload.push_back(frameByte(m_sent + i, m_count));
+    Bytes payload{kHeaderLength,
+        static_cast<std::uint8_t>(kEndOfHeader | (ends ? kEndOfFrame : 0) | (m_count % 2 == 1 ? kFrameIdentifier : 0))};
+    for (std::size_t i = 0; i < length; ++i) payload.push_back(frameByte(m_sent + i, m_count));
     m_sent += length;
-    if (ends)
-        endFrame(now);
+    if (ends) endFrame(now);
     return payload;
 }
 

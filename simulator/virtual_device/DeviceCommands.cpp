@@ -19,16 +19,12 @@ struct Named {
     Value value;
 };
 
-constexpr std::array<Named<RequestFault>, 5> kFaults{{{"stall", RequestFault::Stall},
-                                                      {"time-out", RequestFault::TimeOut},
-                                                      {"short", RequestFault::ShortData},
-                                                      {"garbage", RequestFault::Garbage},
-                                                      {"unplug", RequestFault::Unplug}}};
-constexpr std::array<Named<std::optional<UVCRequest>>, 5> kRequests{{{"set", UVCRequest::SET_CUR},
-                                                                     {"get", UVCRequest::GET_CUR},
-                                                                     {"get-len", UVCRequest::GET_LEN},
-                                                                     {"get-info", UVCRequest::GET_INFO},
-                                                                     {"any", std::nullopt}}};
+constexpr std::array<Named<RequestFault>, 5> kFaults{
+    {{"stall", RequestFault::Stall}, {"time-out", RequestFault::TimeOut}, {"short", RequestFault::ShortData},
+        {"garbage", RequestFault::Garbage}, {"unplug", RequestFault::Unplug}}};
+constexpr std::array<Named<std::optional<UVCRequest>>, 5> kRequests{
+    {{"set", UVCRequest::SET_CUR}, {"get", UVCRequest::GET_CUR}, {"get-len", UVCRequest::GET_LEN},
+        {"get-info", UVCRequest::GET_INFO}, {"any", std::nullopt}}};
 
 template <class Table>
 const typename Table::value_type* find(const Table& table, QByteArrayView name) {
@@ -38,8 +34,7 @@ const typename Table::value_type* find(const Table& table, QByteArrayView name) 
 
 /// fault KIND REQUEST SELECTOR [N]
 QByteArray addFault(const Words& words, SimulatedDevice& device) {
-    if (words.size() < 4 || words.size() > 5)
-        return "error: fault KIND REQUEST SELECTOR [N]";
+    if (words.size() < 4 || words.size() > 5) return "error: fault KIND REQUEST SELECTOR [N]";
     const auto* fault = find(kFaults, words[1]);
     const auto* request = find(kRequests, words[2]);
     const auto selector = decimalNumber(words[3], 0, 255);
@@ -47,8 +42,7 @@ QByteArray addFault(const Words& words, SimulatedDevice& device) {
     if (!fault || !request || (!selector && words[3] != "any") || !n)
         return "error: no such fault, request, selector or count";
     RequestKind kind{request->value, std::nullopt};
-    if (selector)
-        kind.selector = static_cast<std::uint8_t>(*selector);
+    if (selector) kind.selector = static_cast<std::uint8_t>(*selector);
     device.addFault(kind, *n, fault->value);
     return "ok";
 }
@@ -62,18 +56,15 @@ QByteArray describe(const SimulatedDevice& device) {
 std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, unsigned most) {
     unsigned value = 0;
     const auto [stop, error] = std::from_chars(text.begin(), text.end(), value);
-    if (error != std::errc{} || stop != text.end() || value < least || value > most)
-        return std::nullopt;
+    if (error != std::errc{} || stop != text.end() || value < least || value > most) return std::nullopt;
     return value;
 }
 
 QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device) {
     const Words words = line.simplified().split(' '); // of an empty line, one empty word
     const QByteArray& command = words.front();
-    if (command == "fault")
-        return addFault(words, device);
-    if (words.size() != 1)
-        return "error: commands are fault, clear, unplug, plug, show";
+    if (command == "fault") return addFault(words, device);
+    if (words.size() != 1) return "error: commands are fault, clear, unplug, plug, show";
     if (command == "clear")
         device.clearFaults();
     else if (command == "unplug")

@@ -37,8 +37,8 @@ struct TransferHeader {
 
     [[nodiscard]] bool isAcceptable() const {
         return command == kUnlink
-               || (command == kSubmit && direction <= 1 && length <= UsbIp::kMaxTransfer
-                   && (packets == 0 || packets == kNoPackets));
+            || (command == kSubmit && direction <= 1 && length <= UsbIp::kMaxTransfer
+                && (packets == 0 || packets == kNoPackets));
     }
     [[nodiscard]] bool hasData() const { return command == kSubmit && direction == 0; }
 };
@@ -54,8 +54,8 @@ void writeRaw(QDataStream& stream, std::span<const std::uint8_t> bytes) {
 }
 
 QDataStream& operator>>(QDataStream& stream, TransferHeader& header) {
-    stream >> header.command >> header.sequence >> header.device >> header.direction >> header.endpoint
-        >> header.flags >> header.length >> header.startFrame >> header.packets >> header.interval;
+    stream >> header.command >> header.sequence >> header.device >> header.direction >> header.endpoint >> header.flags
+        >> header.length >> header.startFrame >> header.packets >> header.interval;
     readRaw(stream, header.setup);
     return stream;
 }
@@ -82,14 +82,13 @@ void writeDevice(QDataStream& client, const CaptureIdentity& identity) {
     const auto interfaces = static_cast<std::uint8_t>(identity.streamingInterface() + 1);
     writeText(client, "/sys/devices/virtual/tavro/1-1", kPathField);
     writeText(client, UsbIp::kBusID, kBusIDField);
-    client << UsbIp::kBusNumber << UsbIp::kDeviceAddress << UsbIp::kHighSpeed << identity.vendorID
-           << identity.productID << kRelease << device[4] << device[5] << device[6] << kConfigurationValue
-           << kConfigurations << interfaces;
+    client << UsbIp::kBusNumber << UsbIp::kDeviceAddress << UsbIp::kHighSpeed << identity.vendorID << identity.productID
+           << kRelease << device[4] << device[5] << device[6] << kConfigurationValue << kConfigurations << interfaces;
 }
 
 /// Fields that only a client fills in stay 0.
-void writeTransferHeader(QDataStream& client, std::uint32_t command, std::uint32_t sequence,
-                         std::int32_t status, std::uint32_t length) {
+void writeTransferHeader(
+    QDataStream& client, std::uint32_t command, std::uint32_t sequence, std::int32_t status, std::uint32_t length) {
     constexpr std::array<std::uint8_t, 12> kNotIn{}; // device, direction, endpoint
     constexpr std::array<std::uint8_t, 20> kNotInReply{};
     client << command << sequence;
@@ -108,15 +107,11 @@ std::optional<UsbIp::Message> UsbIp::readOperation(QDataStream& client) {
     client >> version >> code >> status;
     const bool isList = code == (kRequest | kDeviceList);
     const bool isImport = code == (kRequest | kImport);
-    if (client.status() == QDataStream::Ok && (version != kVersion || !(isList || isImport)))
-        return malformed(client);
+    if (client.status() == QDataStream::Ok && (version != kVersion || !(isList || isImport))) return malformed(client);
     std::array<std::uint8_t, kBusIDField + 1> busID{}; // ends with 0 whatever the client sends
-    if (isImport)
-        readRaw(client, std::span(busID).first<kBusIDField>());
-    if (!client.commitTransaction())
-        return std::nullopt;
-    if (isList)
-        return DeviceListRequest{};
+    if (isImport) readRaw(client, std::span(busID).first<kBusIDField>());
+    if (!client.commitTransaction()) return std::nullopt;
+    if (isList) return DeviceListRequest{};
     return ImportRequest{reinterpret_cast<const char*>(busID.data())};
 }
 
@@ -126,28 +121,24 @@ std::optional<UsbIp::Message> UsbIp::readTransfer(QDataStream& client) {
     client >> header;
     Bytes data;
     if (client.status() == QDataStream::Ok) {
-        if (!header.isAcceptable())
-            return malformed(client);
+        if (!header.isAcceptable()) return malformed(client);
         data.resize(header.hasData() ? header.length : 0);
         readRaw(client, data);
     }
-    if (!client.commitTransaction())
-        return std::nullopt;
-    if (header.command == kUnlink)
-        return Unlink{header.sequence, header.flags};
+    if (!client.commitTransaction()) return std::nullopt;
+    if (header.command == kUnlink) return Unlink{header.sequence, header.flags};
     return Submit{.sequence = header.sequence,
-                  .endpoint = header.endpoint,
-                  .toHost = header.direction == 1,
-                  .length = header.length,
-                  .setup = header.setup,
-                  .data = std::move(data)};
+        .endpoint = header.endpoint,
+        .toHost = header.direction == 1,
+        .length = header.length,
+        .setup = header.setup,
+        .data = std::move(data)};
 }
 
 void UsbIp::writeDeviceList(QDataStream& client, const CaptureIdentity& identity, bool attachable) {
     writeOperationHeader(client, kDeviceList, 0);
     client << std::uint32_t{attachable ? 1U : 0U};
-    if (!attachable)
-        return;
+    if (!attachable) return;
     writeDevice(client, identity);
     for (std::uint8_t number = 0; number < identity.videoControlInterface; ++number)
         writeRaw(client, std::array<std::uint8_t, 4>{VendorSpecific});

@@ -46,8 +46,7 @@ QString UsbIpServer::listen(std::uint16_t port) {
 QString UsbIpServer::attachToThisMachine() {
     m_attaches = true;
     std::array<int, 2> ends{};
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
-        return std::strerror(errno);
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
     ours->setSocketDescriptor(ends[0]);
     QString failure = attachToKernel(ends[1]);
@@ -67,7 +66,7 @@ void UsbIpServer::acceptConnections() {
             m_connections.erase(std::ranges::find_if(
                 m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
         socket->setSocketOption(QAbstractSocket::LowDelayOption,
-                                1); // small answers, for which the client waits
+            1); // small answers, for which the client waits
         addConnection(std::unique_ptr<QTcpSocket>(socket));
     }
 }
@@ -104,8 +103,8 @@ void UsbIpServer::sendFrames() {
 }
 
 bool UsbIpServer::attached() const {
-    return std::ranges::any_of(m_connections,
-                               [](const Connection& connection) { return connection.session.imported(); });
+    return std::ranges::any_of(
+        m_connections, [](const Connection& connection) { return connection.session.imported(); });
 }
 
 /// A client that leaves has unplugged the device. On the loopback interface it can be attached again at once.
@@ -114,21 +113,18 @@ void UsbIpServer::dropEnded() {
     const bool wasAttached = attached();
     m_connections.remove_if([&](const Connection& connection) {
         return connection.lost || (connection.session.ended() && connection.socket->bytesToWrite() == 0)
-               || (connection.session.imported() && !plugged);
+            || (connection.session.imported() && !plugged);
     });
-    if (!wasAttached || attached() || !plugged)
-        return;
+    if (!wasAttached || attached() || !plugged) return;
     m_device.device().unplug();
-    if (!m_attaches)
-        m_device.device().plugIn();
+    if (!m_attaches) m_device.device().plugIn();
 }
 
 void UsbIpServer::readCommands() {
     std::array<char, kMaxCommand> bytes{};
     // Not by QFile, which would wait until there are as many bytes.
     const ssize_t count = ::read(static_cast<int>(m_commands.socket()), bytes.data(), bytes.size());
-    if (count < 0 && (errno == EAGAIN || errno == EINTR))
-        return;
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
     if (count <= 0) {
         m_commands.setEnabled(false); // no more commands can follow
         return;
@@ -138,8 +134,7 @@ void UsbIpServer::readCommands() {
         execute(m_commandBytes.first(end));
         m_commandBytes.remove(0, end + 1);
     }
-    if (m_commandBytes.size() > kMaxCommand)
-        m_commandBytes.clear();
+    if (m_commandBytes.size() > kMaxCommand) m_commandBytes.clear();
 }
 
 void UsbIpServer::execute(const QByteArray& line) {

@@ -21,8 +21,7 @@ void UsbIpSession::importNow(Clock::time_point now) {
 void UsbIpSession::receive(bool attachable, Clock::time_point now) {
     while (!m_ended) {
         const auto message = m_imported ? UsbIp::readTransfer(m_input) : UsbIp::readOperation(m_input);
-        if (!message)
-            return;
+        if (!message) return;
         handle(*message, attachable, now);
         if (m_fetches.size() + m_neverAnswered.size() > kMaxWaiting || m_client.bytesToWrite() > kMaxOutput)
             m_ended = true;
@@ -77,8 +76,7 @@ void UsbIpSession::handleStream(const UsbIp::Submit& submit) {
 }
 
 void UsbIpSession::handleUnlink(const UsbIp::Unlink& unlink) {
-    const auto fetches =
-        std::erase_if(m_fetches, [&](const Fetch& fetch) { return fetch.sequence == unlink.victim; });
+    const auto fetches = std::erase_if(m_fetches, [&](const Fetch& fetch) { return fetch.sequence == unlink.victim; });
     const auto others = std::erase(m_neverAnswered, unlink.victim);
     UsbIp::writeUnlinkReply(m_output, unlink.sequence, fetches + others > 0);
 }
@@ -89,8 +87,7 @@ void UsbIpSession::sendFrames(Clock::time_point now) {
         m_fetches.pop_front();
         Bytes payload = m_device.frames().nextPayload(fetch.room, now);
         const auto length = static_cast<std::uint32_t>(payload.size());
-        UsbIp::writeSubmitReply(m_output, fetch.sequence,
-                                {.status = 0, .length = length, .data = std::move(payload)});
+        UsbIp::writeSubmitReply(m_output, fetch.sequence, {.status = 0, .length = length, .data = std::move(payload)});
     }
 }
 

@@ -43,8 +43,7 @@ TransferEnd done() {
 }
 
 TransferEnd answered(Bytes bytes, std::uint16_t room) {
-    if (bytes.size() > room)
-        bytes.resize(room);
+    if (bytes.size() > room) bytes.resize(room);
     const auto length = static_cast<std::uint32_t>(bytes.size());
     return {.status = 0, .length = length, .data = std::move(bytes)};
 }
@@ -56,16 +55,13 @@ void VirtualCaptureDevice::reset(CaptureFrames::Clock::time_point now) {
     m_frames.start(m_frameInterval, now);
 }
 
-std::optional<TransferEnd> VirtualCaptureDevice::control(const UsbIp::Submit& submit,
-                                                         CaptureFrames::Clock::time_point now) {
+std::optional<TransferEnd> VirtualCaptureDevice::control(
+    const UsbIp::Submit& submit, CaptureFrames::Clock::time_point now) {
     const Setup setup(submit.setup);
     // The client's lengths must agree with each other.
-    if (submit.toHost != setup.toHost() && setup.wLength > 0)
-        return stalled();
-    if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength)
-        return stalled();
-    if ((setup.bmRequestType & kTypeBits) == kStandardType)
-        return standardRequest(setup);
+    if (submit.toHost != setup.toHost() && setup.wLength > 0) return stalled();
+    if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength) return stalled();
+    if ((setup.bmRequestType & kTypeBits) == kStandardType) return standardRequest(setup);
     if ((setup.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface
         && (setup.wIndex & 0xFF) == identity().streamingInterface())
         return streamRequest(setup, submit.data, now);
@@ -79,83 +75,59 @@ std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup,
     request.pData = bytes.data();
     const UsbResult result = m_device.control(request);
     m_device.requests.clear(); // it would store all of them
-    if (result == UsbCode::TimeOut || result == UsbCode::NoDevice)
-        return std::nullopt;
-    if (result == UsbCode::Stall)
-        return stalled();
+    if (result == UsbCode::TimeOut || result == UsbCode::NoDevice) return std::nullopt;
+    if (result == UsbCode::Stall) return stalled();
     bytes.resize(setup.toHost() ? std::min<std::size_t>(request.wLenDone, setup.wLength) : 0);
     return TransferEnd{.status = 0, .length = request.wLenDone, .data = std::move(bytes)};
 }
 
 TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
     switch (setup.bRequest) {
-    case GetDescriptor:
-        return setup.toHost() ? descriptor(setup) : stalled();
-    case GetStatus:
-        return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
-    case GetConfiguration:
-        return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
-    case GetInterface:
-        return setup.toHost() ? answered({0}, setup.wLength) : stalled();
+    case GetDescriptor: return setup.toHost() ? descriptor(setup) : stalled();
+    case GetStatus: return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
+    case GetConfiguration: return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
+    case GetInterface: return setup.toHost() ? answered({0}, setup.wLength) : stalled();
     case SetConfiguration:
     case SetInterface:
     case SetFeature:
-    case ClearFeature:
-        return setup.toHost() || setup.wLength > 0 ? stalled() : done();
-    default:
-        return stalled();
+    case ClearFeature: return setup.toHost() || setup.wLength > 0 ? stalled() : done();
+    default: return stalled();
     }
 }
 
 TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
     Bytes bytes;
     switch (setup.valueHigh()) {
-    case DescriptorType::Device:
-        bytes = deviceDescriptor(identity());
-        break;
+    case DescriptorType::Device: bytes = deviceDescriptor(identity()); break;
     case DescriptorType::Configuration:
-        if (setup.valueLow() == 0)
-            bytes = configurationDescriptor(identity());
+        if (setup.valueLow() == 0) bytes = configurationDescriptor(identity());
         break;
-    case DescriptorType::String:
-        bytes = stringDescriptor(setup.valueLow());
-        break;
-    case DescriptorType::Qualifier:
-        bytes = deviceQualifier();
-        break;
-    default:
-        break;
+    case DescriptorType::String: bytes = stringDescriptor(setup.valueLow()); break;
+    case DescriptorType::Qualifier: bytes = deviceQualifier(); break;
+    default: break;
     }
     return bytes.empty() ? stalled() : answered(std::move(bytes), setup.wLength);
 }
 
-TransferEnd VirtualCaptureDevice::streamRequest(const Setup& setup, const Bytes& data,
-                                                CaptureFrames::Clock::time_point now) {
+TransferEnd VirtualCaptureDevice::streamRequest(
+    const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now) {
     const auto code = static_cast<UVCRequest>(setup.bRequest);
     const bool known = setup.valueHigh() == Probe || setup.valueHigh() == Commit;
-    if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF
-        || setup.toHost() == (code == UVCRequest::SET_CUR))
+    if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF || setup.toHost() == (code == UVCRequest::SET_CUR))
         return stalled();
     switch (code) {
     case UVCRequest::SET_CUR:
-        if (data.size() < kIntervalPlace + sizeof m_frameInterval)
-            return stalled();
-        m_frameInterval =
-            data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
-        if (setup.valueHigh() == Commit)
-            m_frames.start(m_frameInterval, now);
+        if (data.size() < kIntervalPlace + sizeof m_frameInterval) return stalled();
+        m_frameInterval = data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
+        if (setup.valueHigh() == Commit) m_frames.start(m_frameInterval, now);
         return {.status = 0, .length = setup.wLength, .data = {}};
     case UVCRequest::GET_CUR:
     case UVCRequest::GET_MIN:
     case UVCRequest::GET_MAX:
-    case UVCRequest::GET_DEF:
-        return answered(streamParameters(), setup.wLength);
-    case UVCRequest::GET_LEN:
-        return answered({kParametersLength, 0}, setup.wLength);
-    case UVCRequest::GET_INFO:
-        return answered({3}, setup.wLength);
-    default:
-        return stalled();
+    case UVCRequest::GET_DEF: return answered(streamParameters(), setup.wLength);
+    case UVCRequest::GET_LEN: return answered({kParametersLength, 0}, setup.wLength);
+    case UVCRequest::GET_INFO: return answered({3}, setup.wLength);
+    default: return stalled();
     }
 }
 

@@ -22,8 +22,8 @@ public:
     /// Plugged in: the host knows nothing of it yet.
     void reset(CaptureFrames::Clock::time_point now);
     /// How a transfer on the control pipe ends, absent if the device never answers it.
-    [[nodiscard]] std::optional<UsbIp::TransferEnd> control(const UsbIp::Submit& submit,
-                                                            CaptureFrames::Clock::time_point now);
+    [[nodiscard]] std::optional<UsbIp::TransferEnd> control(
+        const UsbIp::Submit& submit, CaptureFrames::Clock::time_point now);
 
 private:
     struct Setup;
@@ -31,8 +31,8 @@ private:
     [[nodiscard]] std::optional<UsbIp::TransferEnd> unitRequest(const Setup& setup, const Bytes& data);
     [[nodiscard]] UsbIp::TransferEnd standardRequest(const Setup& setup) const;
     [[nodiscard]] UsbIp::TransferEnd descriptor(const Setup& setup) const;
-    [[nodiscard]] UsbIp::TransferEnd streamRequest(const Setup& setup, const Bytes& data,
-                                                   CaptureFrames::Clock::time_point now);
+    [[nodiscard]] UsbIp::TransferEnd streamRequest(
+        const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now);
     [[nodiscard]] Bytes streamParameters() const;
 
     SimulatedDevice& m_device;

@@ -41,22 +41,16 @@ constexpr const char* kUsage =
 
 unsigned number(const QString& text, unsigned least, unsigned most) {
     const auto value = decimalNumber(text.toUtf8(), least, most);
-    if (!value)
-        stop(text, "no such number");
+    if (!value) stop(text, "no such number");
     return *value;
 }
 
 /// Ends the program if the options ask for help or can't be understood.
 void parseOptions(QCommandLineParser& parser) {
-    parser.addOptions({{"attach", {}},
-                       {"port", {}, "N", "3240"},
-                       {"commands", {}, "FIFO"},
-                       {"wire-log", {}, "FILE"},
-                       {"video-control-interface", {}, "N", "0"},
-                       {"help", {}}});
+    parser.addOptions({{"attach", {}}, {"port", {}, "N", "3240"}, {"commands", {}, "FIFO"}, {"wire-log", {}, "FILE"},
+        {"video-control-interface", {}, "N", "0"}, {"help", {}}});
     const bool understood = parser.parse(QCoreApplication::arguments());
-    if (!understood)
-        (void)std::fprintf(stderr, "tavro-virtual-device: %s\n", qPrintable(parser.errorText()));
+    if (!understood) (void)std::fprintf(stderr, "tavro-virtual-device: %s\n", qPrintable(parser.errorText()));
     if (!understood || parser.isSet("help")) {
         (void)std::fputs(kUsage, understood ? stdout : stderr);
         std::exit(understood ? EXIT_SUCCESS : EXIT_FAILURE);
@@ -68,15 +62,13 @@ void parseOptions(QCommandLineParser& parser) {
 int openCommands(const QString& path) {
     // Open for writing too: it does not end when a writer closes it.
     const int commands = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    if (commands < 0)
-        stop(path, std::strerror(errno));
+    if (commands < 0) stop(path, std::strerror(errno));
     return commands;
 }
 
 void logWireTo(const QString& path, SimulatedDevice& device) {
     std::FILE* log = std::fopen(QFile::encodeName(path).constData(), "we"); // open until the program ends
-    if (!log)
-        stop(path, std::strerror(errno));
+    if (!log) stop(path, std::strerror(errno));
     device.onRequest = [log](const RecordedRequest& request) {
         (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure loses the line only
         (void)std::fflush(log);
@@ -94,17 +86,13 @@ int main(int argc, char** argv) {
     parseOptions(options);
     const auto port = static_cast<std::uint16_t>(number(options.value("port"), 1, 65535));
     SimulatedDevice device;
-    device.videoControlInterface =
-        static_cast<std::uint8_t>(number(options.value("video-control-interface"), 0, 1));
-    if (options.isSet("wire-log"))
-        logWireTo(options.value("wire-log"), device);
+    device.videoControlInterface = static_cast<std::uint8_t>(number(options.value("video-control-interface"), 0, 1));
+    if (options.isSet("wire-log")) logWireTo(options.value("wire-log"), device);
     VirtualCaptureDevice capture(device);
-    UsbIpServer server(capture,
-                       options.isSet("commands") ? openCommands(options.value("commands")) : STDIN_FILENO);
+    UsbIpServer server(capture, options.isSet("commands") ? openCommands(options.value("commands")) : STDIN_FILENO);
     const bool attach = options.isSet("attach");
     const QString failure = attach ? server.attachToThisMachine() : server.listen(port);
-    if (!failure.isEmpty())
-        stop(attach ? "can't attach" : "can't listen", failure);
+    if (!failure.isEmpty()) stop(attach ? "can't attach" : "can't listen", failure);
     std::puts("ready");
     (void)std::fflush(stdout); // a reader of a pipe gets it at once
     return QCoreApplication::exec();

@@ -183,8 +183,10 @@ private:
         std::optional<int> status;
         std::vector<std::string> journal;
         try {
-            if (starts) settings.emplace();
-            else actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
+            if (starts)
+                settings.emplace();
+            else
+                actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
             journal = TestHost::take();
         } catch (const Ended& end) {
             status = end.status;

@@ -20,7 +20,9 @@ std::string text(const char* format, Numbers... numbers) {
     return filled.data();
 }
 
-std::string clockText(const char* format, const Block& b) { return text(format, b[2], b[3], b[4], b[5], b[6], b[7]); }
+std::string clockText(const char* format, const Block& b) {
+    return text(format, b[2], b[3], b[4], b[5], b[6], b[7]);
+}
 
 Block zeros(int selector) {
     Block block;
@@ -223,7 +225,9 @@ Block Model::firmware() {
     return b;
 }
 
-bool Model::retried(const std::function<bool()>& call) { return call() || (create() && call()); }
+bool Model::retried(const std::function<bool()>& call) {
+    return call() || (create() && call());
+}
 
 void Model::showLevel(int h264) {
     window.stars = h264 == 1 ? "img_starGood.png" : h264 == 2 ? "img_starGen.png" : "img_starBest.png";

@@ -45,8 +45,10 @@ inline QWidget* visibleWindow(const QString& name) {
 /// Once a window of that name is up, does something with it.
 inline void whenShown(const QString& name, std::function<void(QWidget&)> act) {
     QTimer::singleShot(1, qApp, [name, act = std::move(act)] {
-        if (QWidget* window = visibleWindow(name)) act(*window);
-        else whenShown(name, act);
+        if (QWidget* window = visibleWindow(name))
+            act(*window);
+        else
+            whenShown(name, act);
     });
 }
 

@@ -89,7 +89,9 @@ using DeviceService =
 
 } // namespace
 
-UsbBus& usbBus() { return TestBus::instance(); }
+UsbBus& usbBus() {
+    return TestBus::instance();
+}
 
 TestBus& TestBus::instance() {
     static TestBus bus;

@@ -16,7 +16,9 @@
 
 namespace {
 
-std::uint8_t blockSize(int selector) { return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7; }
+std::uint8_t blockSize(int selector) {
+    return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7;
+}
 
 /// As it goes through without a failure.
 std::string requestText(std::uint8_t requestType, UVCRequest request, int selector, const std::vector<int>& bytes) {
@@ -37,14 +39,18 @@ std::vector<std::string> takeMatching(bool wantLog) {
 
 } // namespace
 
-std::time_t hostTime() { return TestHost::instance().now; }
+std::time_t hostTime() {
+    return TestHost::instance().now;
+}
 
 void sleepForTimeInterval(double seconds) {
     TestHost::note("sleep " + std::to_string(seconds).substr(0, 3));
     TestHost::instance().now += static_cast<std::time_t>(seconds);
 }
 
-void deliverLogMessage(std::string_view message) { TestHost::note("log " + std::string(message)); }
+void deliverLogMessage(std::string_view message) {
+    TestHost::note("log " + std::string(message));
+}
 
 TestHost& TestHost::instance() {
     static TestHost host;
@@ -74,13 +80,21 @@ void TestHost::reset() {
     device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
 }
 
-std::vector<std::string> TestHost::take() { return std::exchange(instance().journal, {}); }
+std::vector<std::string> TestHost::take() {
+    return std::exchange(instance().journal, {});
+}
 
-std::vector<std::string> TestHost::takeRequests() { return takeMatching(false); }
+std::vector<std::string> TestHost::takeRequests() {
+    return takeMatching(false);
+}
 
-std::vector<std::string> TestHost::takeLog() { return takeMatching(true); }
+std::vector<std::string> TestHost::takeLog() {
+    return takeMatching(true);
+}
 
-SimulatedDevice& device() { return *SimulatedBus::instance().devices.front(); }
+SimulatedDevice& device() {
+    return *SimulatedBus::instance().devices.front();
+}
 
 std::string get(int selector, const std::vector<int>& bytes) {
     return requestText(Uvc::kGetFromInterface, UVCRequest::GET_CUR, selector, bytes);

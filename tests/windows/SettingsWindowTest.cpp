@@ -151,7 +151,9 @@ const std::vector<std::tuple<const char*, PopUpAction, int>> kPopUpActions{
         -1},
 };
 
-QPoint knob(const QSlider& slider, int value) { return knobRect(knobDistance(slider.width()) * value / 255).center(); }
+QPoint knob(const QSlider& slider, int value) {
+    return knobRect(knobDistance(slider.width()) * value / 255).center();
+}
 
 } // namespace
 

@@ -114,8 +114,10 @@ private slots:
                 QCOMPARE(QApplication::activeModalWidget(), &small);
                 kWaysToDismiss[static_cast<std::size_t>(way)].second(small);
             });
-            if (window == "AboutWindow") QTest::keyClick(&settings.window(), Qt::Key_F1);
-            else settings.view().showAlertWindow(nullptr);
+            if (window == "AboutWindow")
+                QTest::keyClick(&settings.window(), Qt::Key_F1);
+            else
+                settings.view().showAlertWindow(nullptr);
             QVERIFY(shown);
             QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
         }
@@ -143,8 +145,10 @@ private slots:
                 systemLog(shown(settings) == before ? "inert" : "%s", shown(settings).c_str());
                 small.close();
             });
-            if (alert) settings.view().TurnOffHdcp(nullptr);
-            else settings.delegate.ShowAboutWindow(nullptr);
+            if (alert)
+                settings.view().TurnOffHdcp(nullptr);
+            else
+                settings.delegate.ShowAboutWindow(nullptr);
             QTest::qWait(150); // nor does it repeat afterwards
             systemLog("%d", groove.value());
             std::_Exit(98);

@@ -13,8 +13,7 @@ using ControlTransport = UsbResult (*)(int node, UsbControlRequest& request, std
 /// Through the kernel's UVC driver, also while another program streams video. `node` is the device's capture
 /// node. Extension units only: any other request would not leave the driver byte for byte, so the result is
 /// `NotSendable`. What the driver refuses, whatever its reason, is `InputOutput`.
-[[nodiscard]] UsbResult transferThroughDriver(int node, UsbControlRequest& request,
-                                              std::span<std::uint8_t> bytes);
+[[nodiscard]] UsbResult transferThroughDriver(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes);
 
 /// Through usbfs, where no driver holds the interface; `node` is the device's in usbfs. The interface is
 /// claimed for the length of the request only. `Busy`: a driver or another program holds it.

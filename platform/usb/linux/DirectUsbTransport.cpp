@@ -5,11 +5,10 @@
 #include <memory>
 
 static_assert(UsbCode::Success == LIBUSB_SUCCESS && UsbCode::InputOutput == LIBUSB_ERROR_IO
-              && UsbCode::Access == LIBUSB_ERROR_ACCESS && UsbCode::NoDevice == LIBUSB_ERROR_NO_DEVICE
-              && UsbCode::NotFound == LIBUSB_ERROR_NOT_FOUND && UsbCode::Busy == LIBUSB_ERROR_BUSY
-              && UsbCode::TimeOut == LIBUSB_ERROR_TIMEOUT && UsbCode::Stall == LIBUSB_ERROR_PIPE
-              && UsbCode::NotSupported == LIBUSB_ERROR_NOT_SUPPORTED
-              && UsbCode::NotSendable < LIBUSB_ERROR_OTHER);
+    && UsbCode::Access == LIBUSB_ERROR_ACCESS && UsbCode::NoDevice == LIBUSB_ERROR_NO_DEVICE
+    && UsbCode::NotFound == LIBUSB_ERROR_NOT_FOUND && UsbCode::Busy == LIBUSB_ERROR_BUSY
+    && UsbCode::TimeOut == LIBUSB_ERROR_TIMEOUT && UsbCode::Stall == LIBUSB_ERROR_PIPE
+    && UsbCode::NotSupported == LIBUSB_ERROR_NOT_SUPPORTED && UsbCode::NotSendable < LIBUSB_ERROR_OTHER);
 
 namespace {
 
@@ -30,8 +29,7 @@ UsbResult openLibusb(libusb_context*& opened) {
         // on those of a device that is plugged in later.
         (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
         libusb_context* made = nullptr;
-        if (const UsbResult result = libusb_init(&made); result != UsbCode::Success)
-            return result;
+        if (const UsbResult result = libusb_init(&made); result != UsbCode::Success) return result;
         context.reset(made);
     }
     opened = context.get();
@@ -41,14 +39,11 @@ UsbResult openLibusb(libusb_context*& opened) {
 UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
     // usbfs claims the interface of wIndex implicitly, logs that, and does not release it before the close.
     const int named = request.wIndex & 0xFF;
-    if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success)
-        return claimed;
+    if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success) return claimed;
     const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
-                                             request.wIndex, bytes.data(),
-                                             static_cast<std::uint16_t>(bytes.size()), kTimeout);
+        request.wIndex, bytes.data(), static_cast<std::uint16_t>(bytes.size()), kTimeout);
     (void)libusb_release_interface(device, named); // fails only if the device was unplugged
-    if (done < 0)
-        return done;
+    if (done < 0) return done;
     request.wLenDone = static_cast<std::uint32_t>(done);
     return request.wLenDone == bytes.size() ? UsbCode::Success : UsbCode::InputOutput;
 }
@@ -57,8 +52,7 @@ UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std
 
 UsbResult transferDirectly(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
     libusb_context* context = nullptr;
-    if (const UsbResult result = openLibusb(context); result != UsbCode::Success)
-        return result;
+    if (const UsbResult result = openLibusb(context); result != UsbCode::Success) return result;
     libusb_device_handle* opened = nullptr;
     if (const UsbResult result = libusb_wrap_sys_device(context, node, &opened); result != UsbCode::Success)
         return result;

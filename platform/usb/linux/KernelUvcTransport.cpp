@@ -10,22 +10,20 @@ namespace {
 /// which `LinuxUsbInterface` has found to be 0.
 bool sendsExactly(const UsbControlRequest& request) {
     return (request.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface && (request.wIndex & 0xFF) == 0
-           && (request.wValue & 0xFF) == 0;
+        && (request.wValue & 0xFF) == 0;
 }
 
 } // namespace
 
 UsbResult transferThroughDriver(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
-    if (!sendsExactly(request))
-        return UsbCode::NotSendable;
+    if (!sendsExactly(request)) return UsbCode::NotSendable;
     uvc_xu_control_query query{.unit = Uvc::unitOf(request),
-                               .selector = Uvc::selectorOf(request),
-                               .query = request.bRequest,
-                               .size = static_cast<std::uint16_t>(bytes.size()),
-                               .data = bytes.data()};
+        .selector = Uvc::selectorOf(request),
+        .query = request.bRequest,
+        .size = static_cast<std::uint16_t>(bytes.size()),
+        .data = bytes.data()};
     const int done = ::ioctl(node, UVCIOC_CTRL_QUERY, &query);
-    if (done < 0)
-        return UsbCode::InputOutput;
+    if (done < 0) return UsbCode::InputOutput;
     // The driver reports the length of a short answer, and 0 for a whole one.
     request.wLenDone = done > 0 ? static_cast<std::uint32_t>(done) : request.wLength;
     return done > 0 ? UsbCode::InputOutput : UsbCode::Success;

@@ -19,8 +19,8 @@ public:
     explicit LinuxDevice(PluggedDevice device) : m_device(std::move(device)) {}
 
     UsbResult GetLocationID(std::uint32_t& location) override;
-    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t interfaceClass,
-                                                                std::uint8_t interfaceSubClass) override;
+    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+        std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) override;
 
 private:
     PluggedDevice m_device;
@@ -40,12 +40,11 @@ UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
     return UsbCode::Success;
 }
 
-UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(std::uint8_t interfaceClass,
-                                                                         std::uint8_t interfaceSubClass) {
+UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(
+    std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) {
     const Udev context(udev_new());
     const Device device = deviceAt(context, m_device.path);
-    if (!device)
-        return {UsbCode::NoDevice, nullptr};
+    if (!device) return {UsbCode::NoDevice, nullptr};
     auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
     for (const std::string& path : foldersWith(context, "usb", "bInterfaceNumber", device.get())) {
         const Device interface = deviceAt(context, path);
@@ -62,16 +61,12 @@ UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(std::ui
     return {UsbCode::Success, std::move(iterator)};
 }
 
-std::unique_ptr<UsbService<UsbDevice>> serviceOf(const Device& device, const std::string& path,
-                                                 std::shared_ptr<const SysfsFolder> folder) {
-    const PluggedDevice plugged{std::move(folder),
-                                path,
-                                orEmpty(udev_device_get_sysname(device.get())),
-                                orEmpty(udev_device_get_devnode(device.get())),
-                                udev_device_get_devnum(device.get()),
-                                numberIn(device, "busnum", 10)};
-    return std::make_unique<ChainService<UsbDevice>>(
-        [plugged] { return std::make_unique<LinuxDevice>(plugged); });
+std::unique_ptr<UsbService<UsbDevice>> serviceOf(
+    const Device& device, const std::string& path, std::shared_ptr<const SysfsFolder> folder) {
+    const PluggedDevice plugged{std::move(folder), path, orEmpty(udev_device_get_sysname(device.get())),
+        orEmpty(udev_device_get_devnode(device.get())), udev_device_get_devnum(device.get()),
+        numberIn(device, "busnum", 10)};
+    return std::make_unique<ChainService<UsbDevice>>([plugged] { return std::make_unique<LinuxDevice>(plugged); });
 }
 
 /// What is plugged in and meets the condition.
@@ -94,15 +89,13 @@ public:
         auto found = services([&](const Device& device) {
             return numberIn(device, "idVendor", 16) == vendor && numberIn(device, "idProduct", 16) == product;
         });
-        if (found.empty())
-            return {UsbCode::NoDevice, nullptr};
+        if (found.empty()) return {UsbCode::NoDevice, nullptr};
         return {UsbCode::Success, std::move(found.front())};
     }
 
     UsbYield<UsbIterator<UsbDevice>> allServices() override {
         auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
-        for (auto& service : services([](const Device&) { return true; }))
-            iterator->add(std::move(service));
+        for (auto& service : services([](const Device&) { return true; })) iterator->add(std::move(service));
         return {UsbCode::Success, std::move(iterator)};
     }
 };

@@ -18,16 +18,12 @@ constexpr std::string_view kClaimedByProgram = "usbfs"; // by another program, p
 UsbResult resultOfOpen(int error) {
     switch (error) {
     case EACCES:
-    case EPERM:
-        return UsbCode::Access;
+    case EPERM: return UsbCode::Access;
     case ENOENT:
     case ENODEV:
-    case ENXIO:
-        return UsbCode::NoDevice;
-    case EBUSY:
-        return UsbCode::Busy;
-    default:
-        return UsbCode::InputOutput;
+    case ENXIO: return UsbCode::NoDevice;
+    case EBUSY: return UsbCode::Busy;
+    default: return UsbCode::InputOutput;
     }
 }
 
@@ -35,8 +31,7 @@ UsbResult resultOfOpen(int error) {
 /// with this number.
 UsbResult openDeviceNode(const std::string& path, dev_t number, OpenFile& node) {
     OpenFile file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file)
-        return resultOfOpen(errno);
+    if (!file) return resultOfOpen(errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0 || !S_ISCHR(status.st_mode) || status.st_rdev != number)
         return UsbCode::NoDevice;
@@ -74,14 +69,13 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
     using namespace udevSearch;
     const Udev context(udev_new());
     const Device interface = deviceAt(context, m_path);
-    if (!interface)
-        return {};
+    if (!interface) return {};
     for (const std::string& folder : foldersWith(context, "video4linux", "index", interface.get())) {
         const Device node = deviceAt(context, folder);
         // Index 0 captures; the node with index 1 has metadata and answers no control request.
         if (node && numberIn(node, "index", 10) == 0)
-            return {orEmpty(udev_device_get_devnode(node.get())), udev_device_get_devnum(node.get()),
-                    SysfsFolder(folder)};
+            return {
+                orEmpty(udev_device_get_devnode(node.get())), udev_device_get_devnum(node.get()), SysfsFolder(folder)};
     }
     return {};
 }
@@ -89,49 +83,40 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
 UsbResult LinuxUsbInterface::selectTransport() {
     // The node of an earlier request is nearly always valid, and a search costs many times as much as a
     // request.
-    if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success)
-        return UsbCode::Success;
+    if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success) return UsbCode::Success;
     m_captureNode = {};
     const std::string driver = m_folder.driver();
-    if (driver.empty() || driver == kClaimedByProgram)
-        return openUsbNode();
+    if (driver.empty() || driver == kClaimedByProgram) return openUsbNode();
     CaptureNode found = findCaptureNode();
     if (!m_device.folder->exists()) // another device may have been found on the port
         return UsbCode::NoDevice;
     // The driver inserts the interface's real number; all our requests have 0.
-    if (driver != kKernelUvcDriver || m_number != 0 || found.path.empty())
-        return UsbCode::NotSendable;
+    if (driver != kKernelUvcDriver || m_number != 0 || found.path.empty()) return UsbCode::NotSendable;
     m_captureNode = std::move(found);
     return openCaptureNode();
 }
 
 UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
-    if (request.wLength > kMaxData)
-        return UsbCode::NotSupported;
+    if (request.wLength > kMaxData) return UsbCode::NotSupported;
     m_node = OpenFile(); // closes what a failed request has left open
     m_notOpen = selectTransport();
-    if (m_notOpen != UsbCode::Success)
-        return m_notOpen;
+    if (m_notOpen != UsbCode::Success) return m_notOpen;
     // The answer of a failed request must not reach the caller: a block that is half zeros and then written
     // back would wipe settings.
     std::array<std::uint8_t, kMaxData> data{};
     const std::span bytes = std::span(data).first(request.wLength);
     const std::span caller(request.pData, request.wLength);
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    if (!isGet)
-        std::ranges::copy(caller, bytes.begin());
+    if (!isGet) std::ranges::copy(caller, bytes.begin());
     const UsbResult result = m_transport(m_node.get(), request, bytes);
-    if (result != UsbCode::Success)
-        return result;
-    if (isGet)
-        std::ranges::copy(bytes, caller.begin());
+    if (result != UsbCode::Success) return result;
+    if (isGet) std::ranges::copy(bytes, caller.begin());
     (void)USBInterfaceClose();
     return UsbCode::Success;
 }
 
 UsbResult LinuxUsbInterface::USBInterfaceClose() {
-    if (!m_node)
-        return m_notOpen;
+    if (!m_node) return m_notOpen;
     m_node = OpenFile();
     m_notOpen = UsbCode::NotFound;
     return UsbCode::Success;

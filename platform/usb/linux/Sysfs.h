@@ -19,8 +19,7 @@
 class SysfsFolder {
 public:
     SysfsFolder() = default;
-    explicit SysfsFolder(const std::string& path)
-        : m_folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+    explicit SysfsFolder(const std::string& path) : m_folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
     /// Whether the device is still there. One that could not be opened is not.
     [[nodiscard]] bool exists() const {
         struct stat status {};
@@ -66,16 +65,14 @@ inline unsigned numberIn(const Device& device, const char* attribute, int base) 
 }
 
 /// The folders of all devices of a subsystem that have the attribute, below `parent` if that is given.
-inline std::vector<std::string> foldersWith(const Udev& context, const char* subsystem, const char* attribute,
-                                            udev_device* parent = nullptr) {
+inline std::vector<std::string> foldersWith(
+    const Udev& context, const char* subsystem, const char* attribute, udev_device* parent = nullptr) {
     const Enumerate enumerate(context ? udev_enumerate_new(context.get()) : nullptr);
     std::vector<std::string> found;
-    if (!enumerate)
-        return found;
+    if (!enumerate) return found;
     (void)udev_enumerate_add_match_subsystem(enumerate.get(), subsystem);
     (void)udev_enumerate_add_match_sysattr(enumerate.get(), attribute, nullptr);
-    if (parent)
-        (void)udev_enumerate_add_match_parent(enumerate.get(), parent);
+    if (parent) (void)udev_enumerate_add_match_parent(enumerate.get(), parent);
     (void)udev_enumerate_scan_devices(enumerate.get());
     for (udev_list_entry* entry = udev_enumerate_get_list_entry(enumerate.get()); entry;
          entry = udev_list_entry_get_next(entry))

@@ -32,9 +32,8 @@ WindowController& openWindow() {
     setUpApplication(*application);
     TestHost::reset();
     static AppDelegate delegate;
-    static auto controller =
-        WindowDescription(QStringLiteral("Main"))
-            .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate);
+    static auto controller = WindowDescription(QStringLiteral("Main"))
+                                 .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate);
     controller->window()->show();
     return *controller;
 }
@@ -42,8 +41,7 @@ WindowController& openWindow() {
 /// The window must show what the device holds, whatever that is, within what its controls can show.
 void expectShown(const QWidget& window) {
     const auto expect = [](bool holds) {
-        if (!holds)
-            __builtin_trap();
+        if (!holds) __builtin_trap();
     };
     const auto volume = [&](const char* name) { return window.findChild<QSlider*>(name)->value(); };
     expect(volume("SliderHmdiAuxVolume") == device().audio[1]);

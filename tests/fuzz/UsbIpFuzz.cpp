@@ -32,15 +32,13 @@ private:
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0)
-        return 0;
+    if (size == 0) return 0;
     SimulatedDevice box;
     VirtualCaptureDevice device(box);
     Client client;
     UsbIpSession session(client, device);
     UsbIpSession::Clock::time_point now{};
-    if ((data[0] & 0x80) != 0)
-        session.importNow(now);
+    if ((data[0] & 0x80) != 0) session.importNow(now);
     const std::size_t piece = 1U + (data[0] & 0x7FU);
     for (std::span rest(data + 1, size - 1); !rest.empty() && !session.ended();) {
         const std::size_t count = std::min(piece, rest.size());
