@@ -2,50 +2,39 @@
 
 #include "TestHost.h"
 
-#include <QCoreApplication>
 #include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QThreadPool>
 
-#include <cstdlib>
+#include <array>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-namespace {
-
-constexpr auto kJournalVariable = "TAVRO_TEST_JOURNAL"; // in the child: the file for its journal
-
-[[noreturn]] void runPart(const std::function<void()>& part) {
-    QFile journal(qEnvironmentVariable(kJournalVariable));
-    TestHost::instance().journalCopy = journal.open(QIODevice::WriteOnly) ? journal.handle() : -1;
-    part();
-    std::_Exit(99);
-}
-
-} // namespace
+/// Newer Qt then paints without threads, which a fork does not copy.
+static const bool kPaintsWithoutThreads = qputenv("QT_NO_GUI_THREADPOOL", "1");
 
 ChildEnd runInChild(const std::function<void()>& part) {
-    if (qEnvironmentVariableIsSet(kJournalVariable)) runPart(part);
-    const QTemporaryDir folder;
-    QFile journal(folder.filePath("journal"));
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(kJournalVariable, journal.fileName());
-    environment.insert("TMPDIR", folder.path()); // it ends without tidying up
-    QString row = QString::fromUtf8(QTest::currentTestFunction());
-    if (QTest::currentDataTag() != nullptr) row += ':' + QString::fromUtf8(QTest::currentDataTag());
-    QProcess child;
-    child.setProcessEnvironment(environment);
-    child.setStandardOutputFile(QProcess::nullDevice());
-    child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    child.start(QCoreApplication::applicationFilePath(), {"-nocrashhandler", row});
-    child.waitForFinished(-1);
-    ChildEnd end;
-    end.aborted = child.exitStatus() == QProcess::CrashExit && child.exitCode() == SIGABRT;
-    end.status = child.exitStatus() == QProcess::NormalExit ? child.exitCode() : -1;
-    if (journal.open(QIODevice::ReadOnly)) {
-        const QByteArrayList entries = journal.readAll().split('\0');
-        for (const QByteArray& entry : entries.first(entries.size() - 1)) end.journal.push_back(entry.toStdString());
+    QThreadPool::globalInstance()->waitForDone(); // older Qt's threads
+    std::array<int, 2> pipe{};
+    const pid_t child = ::pipe(pipe.data()) == 0 ? ::fork() : -1;
+    if (child == 0) {
+        (void)std::signal(SIGABRT, SIG_DFL); // Qt Test's handler would report a crash
+        ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
+        ::alarm(60);
+        ::on_exit([](int status, void*) { ::_exit(status); }, nullptr); // without a search for leaks
+        TestHost::instance().journalCopy = pipe[1];
+        part();
+        ::_exit(99);
     }
-    return end;
+    ::close(pipe[1]);
+    QFile journal;
+    (void)journal.open(pipe[0], QIODevice::ReadOnly, QFile::AutoCloseHandle);
+    QByteArrayList entries = journal.readAll().split('\0'); // until the child ends
+    entries.removeLast();
+    int status = 0;
+    const bool ended = ::waitpid(child, &status, 0) == child;
+    return {ended && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT,
+        ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1, {entries.begin(), entries.end()}};
 }

@@ -11,6 +11,6 @@ struct ChildEnd {
     std::vector<std::string> journal; ///< of the part alone
 };
 
-/// Runs `part`, which ends its process, in another one. A part that returns ends it with status 99. The other
-/// process runs the same row of the same Qt test function up to here, so there can be one such call in a row.
+/// Runs `part`, which ends its process, in a copy of this one. A part that returns ends it with status 99, one
+/// that takes too long ends without a status.
 [[nodiscard]] ChildEnd runInChild(const std::function<void()>& part);
