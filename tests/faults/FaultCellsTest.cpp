@@ -15,114 +15,93 @@ namespace {
 
 /// What the program's `exit` becomes here, so that many ends fit into one process.
 struct Ended {
-    int status;
     std::vector<std::string> journal; ///< until then
 };
 
-constexpr int kActions = 8; // start-up, six handlers, start-up with the clock wrong
-constexpr int kWrongClockStart = 7;
-constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
-constexpr std::array<const char*, kActions> kActionNames{
-    "start-up", "quality", "microphone", "headphone", "HDMI/AUX", "HDCP on", "HDCP off", "start-up, clock wrong"};
-constexpr std::array<std::size_t, kActions> kNamedField{0, 7, 3, 5, 1, 8, 8, 0}; // in what `held` returns
-constexpr int kChosenLevel = 0;
-constexpr int kChosenVolume = 201;
+/// What the user does.
+struct Action {
+    const char* name;
+    void (ViewController::*handler)(QObject*) = nullptr; ///< absent: starts the program
+    Field field = Clock;                                 ///< that it changes
+    int chosen = 0;                                      ///< level, volume or state
+    const char* control = nullptr;                       ///< that shows what is chosen, if it is a level or volume
+    bool clockIsRight = true;                            ///< the device's, before
+};
 
-bool actOnModel(Model& model, int action) {
-    switch (action) {
-    case 0:
-    case kWrongClockStart: return model.startUp();
-    case 1: return model.chooseQuality(kChosenLevel);
-    case 5:
-    case 6: return model.switchHdcp(action == 5 ? 1 : 0);
-    default: return model.changeVolume(action - 2, kChosenVolume);
-    }
-}
+constexpr std::size_t kHandlers = 6; // come first
+constexpr std::array kActions{
+    Action{"quality", &ViewController::ChooseRecordQuality, BitRate, 0, "PopupRecordQuality"},
+    Action{"microphone", &ViewController::ChangeMicrophoneVolume, Microphone, 201, "SliderMicrophoneVolume"},
+    Action{"headphone", &ViewController::ChangeHeadphoneVolume, Headphone, 201, "SliderHeadphoneVolume"},
+    Action{"HDMI/AUX", &ViewController::ChangeHdmiAuxVolume, Hdmi, 201, "SliderHmdiAuxVolume"},
+    Action{"HDCP on", &ViewController::TurnOnHdcp, Hdcp, 1},
+    Action{"HDCP off", &ViewController::TurnOffHdcp, Hdcp, 0},
+    Action{"start-up"},
+    Action{"start-up, clock wrong", nullptr, Clock, 0, nullptr, false},
+};
 
 /// Does what the user's hand does before the handler runs, then runs it.
-void actOnWindow(SettingsWindow& settings, int action, int level, int volume) {
-    const auto choose = [&](const char* name) {
-        auto& slider = settings.control<QSlider>(name);
+void act(std::optional<SettingsWindow>& settings, const Action& action, int chosen) {
+    if (!action.handler) return (void)settings.emplace();
+    if (action.field == BitRate) {
+        settings->control<CustomPopUpButton>(action.control).selectItemAtIndex(chosen);
+    } else if (action.control) {
+        auto& slider = settings->control<QSlider>(action.control);
         const QSignalBlocker blocker(slider);
-        slider.setValue(volume);
-    };
-    ViewController& view = settings.view();
-    switch (action) {
-    case 1:
-        settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(level);
-        return view.ChooseRecordQuality(nullptr);
-    case 2: return choose("SliderMicrophoneVolume"), view.ChangeMicrophoneVolume(nullptr);
-    case 3: return choose("SliderHeadphoneVolume"), view.ChangeHeadphoneVolume(nullptr);
-    case 4: return choose("SliderHmdiAuxVolume"), view.ChangeHdmiAuxVolume(nullptr);
-    case 5: return view.TurnOnHdcp(nullptr);
-    default: return view.TurnOffHdcp(nullptr);
+        slider.setValue(chosen);
     }
+    (settings->view().*action.handler)(nullptr);
 }
 
-/// What the simulated device does at a request that meets trouble, in the order of the troubles.
-constexpr std::array<std::optional<RequestFault>, kTroubleNames.size()> kFaults{std::nullopt, RequestFault::Stall,
-    RequestFault::TimeOut, RequestFault::ShortData, RequestFault::Garbage, std::nullopt, RequestFault::Unplug,
-    std::nullopt, RequestFault::Stall, RequestFault::Unplug};
-
-/// Makes the simulated device's n-th request from now on meet trouble, and the next a stall if `twice`.
-void prepareTrouble(Trouble trouble, int n, bool twice) {
-    const bool another = trouble == Trouble::Another;
-    if (twice)
-        SimulatedBus::instance().devices[another ? 1 : 0]->addFault(
-            {}, another ? 1U : static_cast<unsigned>(n) + 1, RequestFault::Stall);
-    if (trouble == Trouble::GoneBefore && n == 1) device().unplug();
-    if (const auto fault = kFaults[static_cast<std::size_t>(trouble)])
-        device().addFault({}, static_cast<unsigned>(n), *fault);
-    auto count = std::make_shared<int>(0);
-    const auto note = device().onRequest;
-    device().onRequest = [=](const RecordedRequest& request) {
-        note(request);
-        ++*count;
-        if (trouble == Trouble::GoneBefore && *count == n - 1) device().unplug();
-        if (trouble == Trouble::BackAfter && *count == n) {
-            device().unplug();
-            device().plugIn();
-        }
-        if (trouble == Trouble::NoCamera && *count == n) device().videoControlInterface.reset();
-    };
-}
-
-void setUpDevices(Trouble trouble) {
+/// Puts devices like the model's on the simulated bus.
+void setUpDevices(const std::vector<ModelDevice>& like) {
     TestHost::reset();
     const auto note = device().onRequest;
-    if (trouble == Trouble::Another) {
-        SimulatedBus::instance().devices.push_back(std::make_shared<SimulatedDevice>());
-        SimulatedBus::instance().devices[1]->onRequest = note;
-        SimulatedBus::instance().devices[1]->setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20});
-    }
-    for (const auto& each : SimulatedBus::instance().devices) {
-        each->audio = {0x6D, 11, 22, 33, 0x92, 55, 0xE4};
-        each->settings[8] = 0x21;
-        each->settings[9] = 1;
+    SimulatedBus::instance().devices.clear();
+    for (const ModelDevice& model : like) {
+        const auto& added = SimulatedBus::instance().devices.emplace_back(std::make_shared<SimulatedDevice>());
+        std::ranges::copy(model.audio, added->audio.begin());
+        std::ranges::copy(model.settings, added->settings.begin());
+        added->setClock(std::span(added->settings).subspan<2, 6>());
+        added->onRequest = note;
     }
 }
 
-ModelWindow shown(const SettingsWindow& settings) {
-    ModelWindow window;
-    window.microphone = settings.control<QSlider>("SliderMicrophoneVolume").value();
-    window.headphone = settings.control<QSlider>("SliderHeadphoneVolume").value();
-    window.hdmiAux = settings.control<QSlider>("SliderHmdiAuxVolume").value();
-    const QImage stars = settings.control<QLabel>("QualityImage").pixmap().toImage();
+/// Makes the simulated devices behave as planned.
+void prepare(const Plan& plan) {
+    const auto n = static_cast<unsigned>(plan.n);
+    const auto& devices = SimulatedBus::instance().devices;
+    if (plan.trouble.fault) device().addFault({}, n, *plan.trouble.fault);
+    if (plan.twice) devices.back()->addFault({}, devices.size() > 1 ? 1 : n + 1, RequestFault::Stall);
+    plan.afterRequest(0, device());
+    device().onRequest = [plan, number = 0, note = device().onRequest](const RecordedRequest& request) mutable {
+        note(request);
+        plan.afterRequest(++number, device());
+    };
+}
+
+/// What the window shows, in the model's words.
+std::string shown(const SettingsWindow& settings) {
+    const auto volume = [&](const char* slider) { return settings.control<QSlider>(slider).value(); };
+    const QImage image = settings.control<QLabel>("QualityImage").pixmap().toImage();
+    QString stars;
     for (const char* name : {"img_starBest.png", "img_starGood.png", "img_starGen.png"}) {
-        if (mainBundle::imageNamed(QString::fromLatin1(name)).toImage() == stars) window.stars = name;
+        if (mainBundle::imageNamed(QString::fromLatin1(name)).toImage() == image) stars = name;
     }
-    window.firmware = settings.control<QLabel>("LabelFwVersion").text().toStdString();
-    window.item = settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex();
-    window.hdcpOn = settings.control<QRadioButton>("HdcpOnButton").isChecked();
-    return window;
+    return QString("window: volumes %1 %2 %3, item %4, HDCP %5, %6, %7")
+        .arg(volume("SliderMicrophoneVolume"))
+        .arg(volume("SliderHeadphoneVolume"))
+        .arg(volume("SliderHmdiAuxVolume"))
+        .arg(settings.control<CustomPopUpButton>("PopupRecordQuality").currentIndex())
+        .arg(settings.control<QRadioButton>("HdcpOnButton").isChecked())
+        .arg(stars, settings.control<QLabel>("LabelFwVersion").text())
+        .toStdString();
 }
 
-/// The settings that a device holds, without its clock: audio block, bit rate, HDCP.
+/// The settings that a device keeps, by field.
 template <class Device>
 Block held(const Device& device) {
-    Block block(device.audio.begin(), device.audio.end());
-    block.insert(block.end(), {device.settings[8], device.settings[9]});
-    return block;
+    return {device.audio[3], device.audio[5], device.audio[1], device.audio[2], device.settings[8], device.settings[9]};
 }
 
 /// Whether what is written is what was read right before it but for the command and the value (or the clock),
@@ -135,105 +114,135 @@ bool writesWhatItRead(const RecordedRequest& request, std::vector<std::uint8_t>&
         <= (request.selector() == 11 ? 2 : 1);
 }
 
-/// Writes down that the alert came up, and dismisses it.
-class AlertWitness : public QObject {
-public:
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Show && object->isWidgetType() && object->objectName() == "AlertWindow") {
-            TestHost::instance().journal.emplace_back("alert");
-            QMetaObject::invokeMethod(object, "close", Qt::QueuedConnection);
-        }
-        return false;
+/// Writes down that the alert came up, and dismisses it, whenever it does.
+void dismissAlerts() {
+    whenShown("AlertWindow", [](QWidget& alert) {
+        TestHost::note("alert");
+        alert.close();
+        dismissAlerts();
+    });
+}
+
+/// Runs an action to its end or the program's. What happened, and what is shown then.
+std::vector<std::string> journalOf(std::optional<SettingsWindow>& settings, const Action& action, int chosen) {
+    try {
+        act(settings, action, chosen);
+    } catch (const Ended& end) {
+        return end.journal;
     }
-};
+    TestHost::note(shown(*settings));
+    return TestHost::take();
+}
 
 } // namespace
 
 extern "C" void __wrap_exit( // NOLINT(bugprone-reserved-identifier): the linker's name for it
     int status) {
-    throw Ended{status, TestHost::take()};
+    TestHost::note("exit " + std::to_string(status));
+    throw Ended{TestHost::take()};
 }
 
 class FaultCellsTest : public QObject {
     Q_OBJECT
 
 private:
-    /// One cell. Returns how many requests its model made, absent if the cell does not hold.
-    // NOLINTNEXTLINE(readability-function-cognitive-complexity): one cell, from its start to its comparison
-    std::optional<int> cell(int action, Trouble trouble, int n, bool twice, QString& difference) {
-        setUpDevices(trouble);
-        Model model(std::vector<ModelDevice>(trouble == Trouble::Another ? 2 : 1));
-        if (action == kWrongClockStart) {
-            for (const auto& each : SimulatedBus::instance().devices) each->setClock(kWrongClock);
-            for (ModelDevice& each : model.devices) std::ranges::copy(kWrongClock, each.settings.begin() + 2);
+    /// Compares one cell with its model. Returns how many requests it has.
+    static int cell(const Action& action, const Plan& plan) {
+        Model model(plan.trouble.devices);
+        for (ModelDevice& device : model.devices) {
+            if (!action.clockIsRight) device.setClock({9, 1, 2, 3, 4, 5});
         }
-        const bool starts = action == 0 || action == kWrongClockStart;
+        setUpDevices(model.devices);
         std::optional<SettingsWindow> settings;
-        if (!starts) {
+        if (action.handler) {
             settings.emplace();
-            model.startUp();
-            if (TestHost::take() != std::exchange(model.journal, {})) difference = "start-up";
+            (void)model.startUp(); // compared with the rest
         }
-        if (!starts) model.journal = std::vector<std::string>(1, "sleep 1.0"); // start-up's, for the clock
-        model.expectTrouble(trouble, n, twice);
-        prepareTrouble(trouble, n, twice);
-        const bool survives = actOnModel(model, action);
-        if (!survives) model.journal.emplace_back("alert");
-        if (!starts) model.journal.erase(model.journal.begin());
-        std::optional<int> status;
-        std::vector<std::string> journal;
-        try {
-            if (starts)
-                settings.emplace();
-            else
-                actOnWindow(*settings, action, kChosenLevel, kChosenVolume);
-            journal = TestHost::take();
-        } catch (const Ended& end) {
-            status = end.status;
-            journal = end.journal;
-        }
-        const auto first = std::mismatch(journal.begin(), journal.end(), model.journal.begin(), model.journal.end());
-        if (first.first != journal.end() || first.second != model.journal.end())
-            difference = QString("journal: \"%1\" instead of \"%2\"")
-                             .arg(first.first == journal.end() ? "nothing" : first.first->c_str(),
-                                 first.second == model.journal.end() ? "nothing" : first.second->c_str());
-        if (survives ? status.has_value() : status != 0) difference = "end";
-        if (survives && !status && shown(*settings) != model.window) difference = "window";
+        model.expect(plan);
+        prepare(plan);
+        if (action.handler ? model.change(action.field, action.chosen) : model.startUp())
+            model.journal.push_back(model.window());
+        else
+            model.journal.insert(model.journal.end(), {"alert", "exit 0"});
+        const auto journal = journalOf(settings, action, action.chosen);
+        const auto fail = [&](const std::string& difference) {
+            qFatal("%s, %s at request %d%s: %s", action.name, plan.trouble.name, plan.n,
+                plan.twice ? " and a stall after it" : "", difference.c_str());
+        };
+        const auto [is, expected] = std::ranges::mismatch(journal, model.journal);
+        if (is != journal.end()) fail(*is + " instead of " + *expected);
         for (std::size_t i = 0; i < model.devices.size(); ++i) {
-            if (held(*SimulatedBus::instance().devices[i]) != held(model.devices[i])) difference = "device";
+            if (held(*SimulatedBus::instance().devices[i]) != held(model.devices[i])) fail("device");
         }
-        return difference.isEmpty() ? std::optional(model.requests) : std::nullopt;
+        return model.requests;
     }
 
     /// Returns the number of cells.
-    int faultAtEveryRequest(int action, Trouble trouble, bool twice) {
+    static int faultAtEveryRequest(const Action& action, const Trouble& trouble, bool twice) {
         for (int n = 1, cells = 0;; ++n) {
-            QString difference;
-            const std::optional<int> made = cell(action, trouble, n, twice, difference);
-            const QString name = QString("%1, %2 at request %3%4: ")
-                                     .arg(kActionNames[static_cast<std::size_t>(action)],
-                                         kTroubleNames[static_cast<std::size_t>(trouble)], QString::number(n),
-                                         twice ? " and a stall after it" : "");
-            if (!made) qFatal("%s", qPrintable(name + difference));
+            const int requests = cell(action, {trouble, n, twice});
             // As long as there is a request for the fault to meet. A second fault that meets none makes no new cell.
-            if (*made < n - (trouble == Trouble::GoneBefore ? 1 : 0)) return cells;
-            cells += !twice || *made > n ? 1 : 0;
+            if (requests < n + trouble.eventAfter) return cells;
+            cells += !twice || requests > n ? 1 : 0;
         }
     }
 
-private slots:
-    void initTestCase() {
-        setUpApplication(*qApp);
-        qApp->installEventFilter(&m_alertWitness);
+    std::uint8_t below(unsigned limit) { return static_cast<std::uint8_t>(m_random() % limit); }
+
+    /// Now and then, also between an action's requests, a second writer changes what the action does not name.
+    void startSecondWriter() {
+        device().onRequest = [this, note = device().onRequest](const RecordedRequest& request) {
+            note(request);
+            m_writesOnlyItsOwn = m_writesOnlyItsOwn && writesWhatItRead(request, m_read);
+            if (below(2) == 0) return;
+            const auto levels = static_cast<std::uint8_t>(below(3) * 16 + below(3));
+            if (m_field != BitRate) m_meant[BitRate] = device().settings[8] = levels;
+            if (m_field != Hdcp) m_meant[Hdcp] = device().settings[9] = below(2);
+        };
     }
 
-    void everyFaultAtEveryRequest() {
+    /// Up to two, somewhere in the next requests.
+    void addRandomFaults() {
+        constexpr std::array kFaults{
+            RequestFault::Stall, RequestFault::TimeOut, RequestFault::ShortData, RequestFault::Unplug};
+        device().clearFaults();
+        for (int faults = below(3); faults > 0; --faults)
+            device().addFault({}, 1U + below(5), kFaults[below(kFaults.size())]);
+    }
+
+    /// A random action with random faults. Whether it ended the program, which is then started again.
+    bool actAtRandom(std::optional<SettingsWindow>& settings) {
+        const std::size_t other = below(4);
+        m_meant[other] = device().audio[std::array{3U, 5U, 1U, 2U}[other]] = below(256);
+        addRandomFaults();
+        const Action& action = kActions[below(kHandlers)];
+        m_field = action.field;
+        const int chosen = m_field == Hdcp ? action.chosen : below(m_field == BitRate ? 3 : 256);
+        const bool ended = journalOf(settings, action, chosen).back() == "exit 0";
+        device().clearFaults();
+        if (!device().plugged()) device().plugIn();
+        if (ended) settings.reset();
+        if (ended) settings.emplace();
+        // What was named may have changed to what was chosen, and nothing else has.
+        const auto mayBe = [&](Field field, int value) {
+            if (held(device())[field] == value) m_meant[field] = value;
+        };
+        mayBe(m_field, m_field == BitRate ? chosen * 16 + m_meant[BitRate] % 16 : chosen);
+        if (m_field == Hdmi) mayBe(Aux, chosen); // they go together
+        return ended;
+    }
+
+private slots:
+    static void initTestCase() {
+        setUpApplication(*qApp);
+        dismissAlerts();
+    }
+
+    static void everyFaultAtEveryRequest() {
         int cells = 0;
-        for (int action = 0; action < kActions; ++action) {
-            for (std::size_t i = 1; i < kTroubleNames.size(); ++i) {
-                for (const bool twice : {false, true})
-                    cells += faultAtEveryRequest(action, static_cast<Trouble>(i), twice);
-            }
+        for (const Action& action : kActions) {
+            for (const Trouble& trouble : kTroubles)
+                cells += faultAtEveryRequest(action, trouble, false) + faultAtEveryRequest(action, trouble, true);
         }
         qInfo("%d fault cells hold", cells);
         QVERIFY(cells > 300);
@@ -243,61 +252,28 @@ private slots:
         const unsigned seed = qEnvironmentVariable("TAVRO_SEED", QString::number(std::random_device()())).toUInt();
         qInfo("seed %u (TAVRO_SEED=%u repeats it)", seed, seed);
         const int actions = qEnvironmentVariable("TAVRO_ACTIONS", QStringLiteral("1000")).toInt();
-        std::mt19937 random(seed);
-        const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
-        setUpDevices(Trouble::None);
+        m_random.seed(seed);
+        setUpDevices({ModelDevice()});
         std::optional<SettingsWindow> settings(std::in_place);
-        Block meant = held(device());
+        m_meant = held(device());
+        startSecondWriter();
         int ends = 0;
-        int action = 0;
-        std::vector<std::uint8_t> read;
-        bool writesOnlyItsOwn = true;
-        // Now and then, also between its requests, a second writer changes what the action does not name.
-        device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
-            note(request);
-            writesOnlyItsOwn = writesOnlyItsOwn && writesWhatItRead(request, read);
-            if (below(2) == 0) return;
-            if (action != 1) meant[7] = device().settings[8] = static_cast<std::uint8_t>(below(3) * 16 + below(3));
-            if (action < 5) meant[8] = device().settings[9] = static_cast<std::uint8_t>(below(2));
-        };
         for (int turn = 0; turn < actions; ++turn) {
-            TestHost::take();
-            const std::size_t other = std::array<std::size_t, 4>{1, 2, 3, 5}[static_cast<std::size_t>(below(4))];
-            meant[other] = device().audio[other] = static_cast<std::uint8_t>(below(256));
-            device().clearFaults();
-            for (int faults = below(3); faults > 0; --faults)
-                device().addFault({}, 1U + static_cast<unsigned>(below(5)),
-                    std::array{RequestFault::Stall, RequestFault::TimeOut, RequestFault::ShortData,
-                        RequestFault::Unplug}[static_cast<std::size_t>(below(4))]);
-            action = 1 + below(6);
-            const int level = below(3);
-            const int volume = below(256);
-            try {
-                actOnWindow(*settings, action, level, volume);
-            } catch (const Ended&) {
-                ++ends;
-                device().clearFaults();
-                device().plugIn();
-                settings.reset();
-                settings.emplace();
-            }
-            if (!device().plugged()) device().plugIn();
-            // What was named may have changed to what was chosen, and nothing else has.
-            const auto mayBe = [&](std::size_t field, int chosen) {
-                if (held(device())[field] == chosen) meant[field] = chosen;
-            };
-            const int chosen = action == 1 ? level * 16 + meant[7] % 16 : action >= 5 ? 6 - action : volume;
-            mayBe(kNamedField[static_cast<std::size_t>(action)], chosen);
-            if (action == 4) mayBe(2, volume); // AUX goes with HDMI
-            QCOMPARE(held(device()), meant);
-            QVERIFY(writesOnlyItsOwn);
+            ends += actAtRandom(settings) ? 1 : 0;
+            QCOMPARE(held(device()), m_meant);
+            QVERIFY(m_writesOnlyItsOwn);
         }
         qInfo("%d actions, %d of them ended the program, no setting lost", actions, ends);
         QVERIFY(ends > actions / 100);
     }
 
 private:
-    AlertWitness m_alertWitness;
+    // Of the random run.
+    std::mt19937 m_random;
+    Field m_field = Clock;            ///< that the action names
+    Block m_meant;                    ///< what the device must keep, by field
+    std::vector<std::uint8_t> m_read; ///< the last block
+    bool m_writesOnlyItsOwn = true;
 };
 
 QTEST_MAIN(FaultCellsTest)
