@@ -1,34 +1,33 @@
 #pragma once
 
+#include "CaptureDescriptors.h"
 #include "SimulatedDevice.h"
 
 #include <umockdev.h>
 
-#include <cstdint>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include <linux/usbdevice_fs.h>
 #include <linux/uvcvideo.h>
+#include <sys/stat.h>
 
 /// A device on the fake kernel's bus, and what of it can be seen.
 struct FakePlug {
-    unsigned bus = 1;
+    std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them, below those of its hub: "1-2/1-2.3"
     unsigned address = 2;
-    std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them
     std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
-    std::uint8_t interfaceClass = 0x0E;
-    std::uint8_t interfaceProtocol = 0; ///< 1 is UVC 1.5's
+    std::uint8_t interfaceClass = Uvc::kVideoClass;
+    std::uint8_t interfaceSubClass = Uvc::kVideoControlSubClass;
     std::uint8_t videoControlInterface = 0;
-    std::string driver = {}; ///< bound to the VideoControl interface, empty: none
-    int captureNode = -1;    ///< N of /dev/videoN, which is a second node's neighbour; -1: none
-    std::optional<std::vector<std::uint8_t>> descriptors = {}; ///< instead of good ones
+    std::string driver = {};               ///< bound to the VideoControl interface, empty: none
+    int captureNode = -1;                  ///< N of /dev/videoN, which is a metadata node's neighbour; -1: none
+    std::optional<Bytes> descriptors = {}; ///< instead of good ones
 };
 
 /// Stands in for sysfs, usbfs and the UVC driver, under the real libudev and libusb. It answers as a real kernel
-/// does, records all calls, and refuses those that the program must never make.
+/// does, records all calls, and refuses those that the program must never make. There is one at a time.
 class FakeKernel {
 public:
     FakeKernel();
@@ -39,50 +38,36 @@ public:
     void plug(const FakePlug& plug);
     /// Takes everything off the bus.
     void unplug();
-    /// A driver takes the interface of a device that is plugged in.
+    /// The driver of the device that was plugged in last lets go of it, and another one takes it. The nodes remain,
+    /// as if other devices had got the names.
     void bind(const FakePlug& plug);
-    /// The driver of the device that was plugged in last lets go of it.
-    void unbind();
-    /// From now on the user has no rights on a device node.
-    void forbid(const std::string& node);
-    /// Where a device node really is.
-    [[nodiscard]] std::string pathOf(const std::string& node) const;
 
     std::shared_ptr<SimulatedDevice> device = std::make_shared<SimulatedDevice>();
-    std::vector<std::string> calls;     ///< what was called: "claim 0", "transfer", "release 0", "query"
+    int openError = 0;                  ///< why no node can be opened, 0: they can
+    mode_t nodeKind = S_IFCHR;          ///< of whatever has the nodes' names
+    dev_t numberShift = 0;              ///< of the nodes, from what sysfs says
+    std::vector<std::string> calls;     ///< "claim 0", "transfer", "release 0", "query /dev/video4"
     std::vector<std::string> forbidden; ///< calls that no driver or other program would survive
 
+    // For the C library's functions that the fake kernel replaces.
+    [[nodiscard]] bool lets(const char* path, int flags);
+    void describe(int node, struct stat& status) const;
+
 private:
-    struct Urb {
-        usbdevfs_urb* urb;
-        bool done;
-    };
-    struct Answer {
-        long result;
-        int error;
-    };
-
     static gboolean handle(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer self);
-    [[nodiscard]] Answer call(unsigned long request, void* argument);
-    [[nodiscard]] Answer control(const usbdevfs_ctrltransfer& transfer);
-    [[nodiscard]] Answer claim(unsigned interface);
-    [[nodiscard]] Answer release(unsigned interface);
-    [[nodiscard]] Answer submit(usbdevfs_urb& urb);
-    [[nodiscard]] Answer reap(void** argument);
-    [[nodiscard]] Answer discard(const usbdevfs_urb* urb);
-    [[nodiscard]] Answer query(uvc_xu_control_query& query);
-    /// Gives the path at which the node has to be made.
-    std::string addNode(const std::string& node);
-    /// Of the last one that was added.
-    void removeNode();
-    void removeDevice();
+    /// As in the kernel, a negative result is an error number.
+    [[nodiscard]] long call(const std::string& node, unsigned long request, void* argument);
+    [[nodiscard]] long control(const usbdevfs_ctrltransfer& transfer);
+    [[nodiscard]] long submit(usbdevfs_urb& urb);
+    [[nodiscard]] long query(const std::string& node, uvc_xu_control_query& query);
+    void addNode(const std::string& node, dev_t number);
 
-    UMockdevTestbed* m_testbed;
-    UMockdevIoctlBase* m_handler;
-    std::vector<std::string> m_devices; ///< sysfs paths, parents first
-    std::vector<std::string> m_nodes;
-    std::string m_interface; ///< sysfs path of the one that was plugged in last
-    std::string m_driver;
+    UMockdevTestbed* m_testbed = umockdev_testbed_new();
+    UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
+    std::map<std::string, dev_t> m_nodes;
+    std::string m_interface;           ///< sysfs path of the one that was plugged in last
+    std::string m_driver;              ///< of that interface
+    std::vector<std::string> m_videos; ///< sysfs paths of that driver's nodes
     std::optional<unsigned> m_claimed;
-    std::vector<Urb> m_urbs;
+    usbdevfs_urb* m_done = nullptr; ///< the transfer that can be reaped
 };
