@@ -13,20 +13,18 @@ namespace {
 class Client : public QIODevice {
 public:
     Client() { open(QIODevice::ReadWrite); }
-    void give(std::span<const std::uint8_t> bytes) { ::append(m_bytes, bytes); }
     [[nodiscard]] bool isSequential() const override { return true; }
+
+    std::span<const std::uint8_t> given; ///< and not yet passed on
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override {
-        const auto count = std::min<std::ptrdiff_t>(maxSize, std::ssize(m_bytes));
-        std::copy_n(m_bytes.begin(), count, data);
-        m_bytes.erase(m_bytes.begin(), m_bytes.begin() + count);
-        return count;
+        const std::span passed = given.first(std::min(static_cast<std::size_t>(maxSize), given.size()));
+        std::ranges::copy(passed, data);
+        given = given.subspan(passed.size());
+        return std::ssize(passed);
     }
     qint64 writeData(const char* /*data*/, qint64 size) override { return size; }
-
-private:
-    Bytes m_bytes;
 };
 
 } // namespace
@@ -40,11 +38,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     UsbIpSession::Clock::time_point now{};
     if ((data[0] & 0x80) != 0) session.importNow(now);
     const std::size_t piece = 1U + (data[0] & 0x7FU);
-    for (std::span rest(data + 1, size - 1); !rest.empty() && !session.ended();) {
-        const std::size_t count = std::min(piece, rest.size());
-        client.give(rest.first(count));
+    for (std::size_t start = 1; start < size && !session.ended(); start += piece) {
+        client.given = std::span(data + start, std::min(piece, size - start));
         session.receive(true, now);
-        rest = rest.subspan(count);
         now += std::chrono::milliseconds(7);
         session.sendFrames(now);
     }
