@@ -15,7 +15,7 @@ build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-tools-dev qt6-
 # A display without a screen, a user's hands, and a look at the result. python3 is for what drives windows.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # What the tests of the desktop use: two window systems, the accessibility bus, fonts for all languages.
-desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway wtype
+desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway
   qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # What looks at a finished package.

@@ -2,17 +2,16 @@
 """log_test.py PROGRAM: what reaches the system log is what stands on standard error, line by line under the program's
 name, and none of it is the toolkit's. Needs root where no log service runs: it takes its place then."""
 
+import contextlib
 import os
 import re
 import socket
-import subprocess
-import threading
-import time
 
-from desktop import OWN_LINES, Program, X11, arguments
+from desktop import OWN_LINES, X11, Program, arguments
 
 SERVICE = "/dev/log"
 [PROGRAM] = arguments(__doc__, 1)
+NAME = os.path.basename(PROGRAM)
 
 
 def run(desktop):
@@ -26,36 +25,23 @@ def run(desktop):
 
 
 def from_own_service(desktop):
-    heard = []
     with socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM) as service:
         service.bind(SERVICE)
-        service.settimeout(1)  # after the program's end nothing more comes
-        ended = threading.Event()
-
-        def listen():
-            while not ended.is_set():
-                try:
-                    heard.append(service.recv(4096).decode().rstrip("\0"))
-                except TimeoutError:
-                    pass
-
-        listener = threading.Thread(target=listen)
-        listener.start()
         try:
             printed = run(desktop).log()
         finally:
-            ended.set()
-            listener.join()
             os.unlink(SERVICE)
-    name = os.path.basename(PROGRAM)
-    return printed, [re.sub(rf"^<\d+>\w+ +\d+ [\d:]+ {name}: ", "", line) for line in heard]
+        heard = []
+        with contextlib.suppress(BlockingIOError):
+            while True:
+                heard.append(service.recv(4096, socket.MSG_DONTWAIT).decode())
+    return printed, [re.sub(rf"^<\d+>\w+ +\d+ [\d:]+ {NAME}: |\0", "", line) for line in heard]
 
 
 def from_journal(desktop):
     program = run(desktop)
-    time.sleep(1)
-    command = ["journalctl", "-o", "cat", "-t", os.path.basename(PROGRAM), f"_PID={program.pid}"]
-    return program.log(), subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()
+    desktop.run("journalctl", "--sync")
+    return program.log(), desktop.run("journalctl", "-o", "cat", "-t", NAME, f"_PID={program.pid}").splitlines()
 
 
 with X11() as x11:
