@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QHash>
+#include <QImage>
+#include <QWidget>
+
+/// What a window shows of a control, or of a part of it, so many times as large.
+inline QImage rendered(const QWidget& control, double scale = 1, QRect part = {}) {
+    if (part.isNull()) part = control.rect();
+    QWidget& window = *control.window();
+    QImage image((QSizeF(part.size()) * scale).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    window.render(&image, {}, part.translated(control.mapTo(&window, QPoint())));
+    return image;
+}
+
+/// The colours of a picture and how many pixels have each.
+inline QHash<QRgb, int> counted(const QImage& image) {
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
+    return counts;
+}
