@@ -1,110 +1,87 @@
-#include "TestBus.h"
+// The simulated bus, each of whose steps can be made to fail (`TestHost::failing`). Every list of services has, behind
+// each one, another that can't be reached.
 
+#include "SimulatedBus.h"
 #include "TestHost.h"
+#include "UsbChain.h"
 
+#include <optional>
 #include <utility>
 
 namespace {
 
-std::optional<UsbResult> failure(UsbStep step) {
-    const auto found = TestBus::instance().failures.find(step);
-    return found == TestBus::instance().failures.end() ? std::nullopt : std::optional(found->second);
+/// What the step has to fail with, if its turn has come.
+std::optional<UsbResult> failure(const std::string& step) {
+    auto& [failingStep, result] = TestHost::instance().failing;
+    if (step != failingStep) return std::nullopt;
+    failingStep.clear();
+    return result;
 }
 
-class TestInterface : public UsbInterface {
-public:
-    explicit TestInterface(std::unique_ptr<UsbInterface> simulated) : m_simulated(std::move(simulated)) {}
+/// Service and plug-in at once: makes a `Wrapper` of the simulated object.
+template <class Object, class Wrapper>
+struct TestService : UsbService<Object>, UsbPlugIn<Object> {
+    explicit TestService(std::unique_ptr<UsbService<Object>> behind) : simulated(std::move(behind)) {}
+    UsbYield<UsbPlugIn<Object>> createPlugIn() override {
+        if (const auto failed = failure(std::string(Wrapper::kName) + " plug-in")) return {*failed, nullptr};
+        return {UsbCode::Success, std::make_unique<TestService>(std::move(simulated))};
+    }
+    UsbResult release() override { return failure("release").value_or(UsbCode::Success); }
+    UsbYield<Object> QueryInterface() override {
+        if (const auto failed = failure(std::string(Wrapper::kName) + " object")) return {*failed, nullptr};
+        return {UsbCode::Success, std::make_unique<Wrapper>(simulated->createPlugIn().object->QueryInterface().object)};
+    }
+    std::unique_ptr<UsbService<Object>> simulated;
+};
+
+template <class Wrapper, class Object>
+UsbYield<UsbIterator<Object>> listOf(const char* step, const UsbYield<UsbIterator<Object>>& simulated) {
+    if (const auto failed = failure(step)) return {*failed, nullptr};
+    auto list = std::make_unique<ChainIterator<Object>>();
+    while (auto service = simulated.object->next()) {
+        list->add(std::make_unique<TestService<Object, Wrapper>>(std::move(service)));
+        list->add(std::make_unique<ChainService<Object>>([] { return nullptr; }));
+    }
+    return {UsbCode::Success, std::move(list)};
+}
+
+struct TestInterface : UsbInterface {
+    static constexpr auto kName = "interface";
+    explicit TestInterface(std::unique_ptr<UsbInterface> behind) : simulated(std::move(behind)) {}
     ~TestInterface() override { TestHost::note("release"); }
     UsbResult GetInterfaceNumber(std::uint8_t& number) override {
-        const auto failed = failure(UsbStep::InterfaceNumber);
-        return failed ? *failed : m_simulated->GetInterfaceNumber(number);
+        return failure("number").value_or(simulated->GetInterfaceNumber(number));
     }
-    UsbResult ControlRequest(UsbControlRequest& request) override { return m_simulated->ControlRequest(request); }
-    UsbResult USBInterfaceClose() override {
-        ++TestBus::instance().closeCount;
-        return failure(UsbStep::InterfaceClose).value_or(m_simulated->USBInterfaceClose());
-    }
-
-private:
-    std::unique_ptr<UsbInterface> m_simulated;
+    UsbResult ControlRequest(UsbControlRequest& request) override { return simulated->ControlRequest(request); }
+    UsbResult USBInterfaceClose() override { return failure("close").value_or(simulated->USBInterfaceClose()); }
+    std::unique_ptr<UsbInterface> simulated;
 };
 
-/// Service and plug-in at once: makes a `Wrapper` of the simulated object.
-template <class Object, class Wrapper, UsbStep kPlugIn, UsbStep kObject, UsbStep kRelease>
-class TestService : public UsbService<Object>, public UsbPlugIn<Object> {
-public:
-    explicit TestService(std::unique_ptr<UsbService<Object>> simulated) : m_simulated(std::move(simulated)) {}
-    UsbYield<UsbPlugIn<Object>> createPlugIn() override {
-        if (const auto failed = failure(kPlugIn)) return {*failed, nullptr};
-        return {UsbCode::Success, std::make_unique<TestService>(std::exchange(m_simulated, nullptr))};
-    }
-    UsbResult release() override { return failure(kRelease).value_or(UsbCode::Success); }
-    UsbYield<Object> QueryInterface() override {
-        if (const auto failed = failure(kObject)) return {*failed, nullptr};
-        auto object = m_simulated->createPlugIn().object->QueryInterface().object;
-        return {UsbCode::Success, std::make_unique<Wrapper>(std::move(object))};
-    }
-
-private:
-    std::unique_ptr<UsbService<Object>> m_simulated;
-};
-
-template <class Object, class Service>
-class TestIterator : public UsbIterator<Object> {
-public:
-    explicit TestIterator(std::unique_ptr<UsbIterator<Object>> simulated) : m_simulated(std::move(simulated)) {}
-    std::unique_ptr<UsbService<Object>> next() override {
-        auto service = m_simulated->next();
-        return service ? std::make_unique<Service>(std::move(service)) : nullptr;
-    }
-
-private:
-    std::unique_ptr<UsbIterator<Object>> m_simulated;
-};
-
-using InterfaceService = TestService<UsbInterface, TestInterface, UsbStep::InterfacePlugIn, UsbStep::InterfaceObject,
-    UsbStep::InterfaceServiceRelease>;
-
-class TestDevice : public UsbDevice {
-public:
-    explicit TestDevice(std::unique_ptr<UsbDevice> simulated) : m_simulated(std::move(simulated)) {}
+struct TestDevice : UsbDevice {
+    static constexpr auto kName = "device";
+    explicit TestDevice(std::unique_ptr<UsbDevice> behind) : simulated(std::move(behind)) {}
     UsbResult GetLocationID(std::uint32_t& location) override {
-        const auto failed = failure(UsbStep::DeviceLocation);
-        return failed ? *failed : m_simulated->GetLocationID(location);
+        return failure("location").value_or(simulated->GetLocationID(location));
     }
     UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t type, std::uint8_t subType) override {
-        if (const auto failed = failure(UsbStep::InterfaceIterator)) return {*failed, nullptr};
-        return {UsbCode::Success,
-            std::make_unique<TestIterator<UsbInterface, InterfaceService>>(
-                m_simulated->CreateInterfaceIterator(type, subType).object)};
+        return listOf<TestInterface>("interfaces", simulated->CreateInterfaceIterator(type, subType));
     }
-
-private:
-    std::unique_ptr<UsbDevice> m_simulated;
+    std::unique_ptr<UsbDevice> simulated;
 };
 
-/// A device's service is released by its destruction.
-using DeviceService =
-    TestService<UsbDevice, TestDevice, UsbStep::DevicePlugIn, UsbStep::DeviceObject, UsbStep::InterfaceServiceRelease>;
+struct TestBus : UsbBus {
+    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
+        auto [result, service] = SimulatedBus::instance().firstService(vendor, product);
+        return {result, service ? std::make_unique<TestService<UsbDevice, TestDevice>>(std::move(service)) : nullptr};
+    }
+    UsbYield<UsbIterator<UsbDevice>> allServices() override {
+        return listOf<TestDevice>("devices", SimulatedBus::instance().allServices());
+    }
+};
 
 } // namespace
 
 UsbBus& usbBus() {
-    return TestBus::instance();
-}
-
-TestBus& TestBus::instance() {
     static TestBus bus;
     return bus;
-}
-
-UsbYield<UsbService<UsbDevice>> TestBus::firstService(std::uint32_t vendor, std::uint32_t product) {
-    auto [result, service] = SimulatedBus::instance().firstService(vendor, product);
-    return {result, service ? std::make_unique<DeviceService>(std::move(service)) : nullptr};
-}
-
-UsbYield<UsbIterator<UsbDevice>> TestBus::allServices() {
-    if (const auto failed = failure(UsbStep::AllServices)) return {*failed, nullptr};
-    return {UsbCode::Success,
-        std::make_unique<TestIterator<UsbDevice, DeviceService>>(SimulatedBus::instance().allServices().object)};
 }

@@ -2,10 +2,8 @@
 
 #include "Clock.h"
 #include "Log.h"
-#include "Uvc.h"
 #include "WireText.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <string_view>
@@ -16,31 +14,20 @@
 
 namespace {
 
-std::uint8_t blockSize(int selector) {
-    return selector == 10 ? 4 : selector == 11 ? 13 : selector == 12 ? 26 : 7;
-}
+/// wValue, wIndex and wLength of the blocks' requests, from selector 10 on.
+constexpr std::array kBlocks{
+    " 00 0a 00 03 04 00 |", " 00 0b 00 03 0d 00 |", " 00 0c 00 03 1a 00 |", " 00 0d 00 03 07 00 |"};
 
-/// As it goes through without a failure.
-std::string requestText(std::uint8_t requestType, UVCRequest request, int selector, const std::vector<int>& bytes) {
-    const auto code = static_cast<std::uint8_t>(request);
-    RecordedRequest recorded{{requestType, code, 0, static_cast<std::uint8_t>(selector), 0, 3, blockSize(selector), 0},
-        {}, UsbCode::Success};
-    for (const int byte : bytes) recorded.data.push_back(static_cast<std::uint8_t>(byte));
-    return wireText(recorded);
-}
-
-std::vector<std::string> takeMatching(bool wantLog) {
-    std::vector<std::string> taken = TestHost::take();
-    std::erase_if(taken, [wantLog](const std::string& entry) {
-        return entry == "release" || entry.starts_with("sleep") || entry.starts_with("log ") != wantLog;
-    });
-    return taken;
+std::string requestText(const char* start, int selector, const std::vector<int>& bytes) {
+    const std::string data = hexText(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+    return std::string(start) + kBlocks.at(static_cast<std::size_t>(selector) - 10) + (data.empty() ? "" : ' ' + data);
 }
 
 } // namespace
 
 std::time_t hostTime() {
-    return TestHost::instance().now;
+    TestHost& host = TestHost::instance();
+    return std::exchange(host.now, host.now + host.tick);
 }
 
 void sleepForTimeInterval(double seconds) {
@@ -64,18 +51,12 @@ void TestHost::note(const std::string& entry) {
         std::ignore = ::write(host.journalCopy, entry.c_str(), entry.size() + 1); // a lost entry fails the test
 }
 
-void TestHost::setTimeZone(const char* zone) {
-    ::setenv("TZ", zone, 1);
-    ::tzset();
-}
-
 void TestHost::reset() {
     const int journalCopy = instance().journalCopy;
     instance() = TestHost();
     instance().journalCopy = journalCopy;
-    setTimeZone("UTC");
+    ::setenv("TZ", "UTC", 1);
     SimulatedBus::instance() = SimulatedBus();
-    TestBus::instance() = TestBus();
     device().onRequest = [](const RecordedRequest& request) { note(wireText(request)); };
     device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
 }
@@ -85,11 +66,9 @@ std::vector<std::string> TestHost::take() {
 }
 
 std::vector<std::string> TestHost::takeRequests() {
-    return takeMatching(false);
-}
-
-std::vector<std::string> TestHost::takeLog() {
-    return takeMatching(true);
+    std::vector<std::string> taken = take();
+    std::erase_if(taken, [](const std::string& entry) { return !entry.starts_with("a1") && !entry.starts_with("21"); });
+    return taken;
 }
 
 SimulatedDevice& device() {
@@ -97,9 +76,9 @@ SimulatedDevice& device() {
 }
 
 std::string get(int selector, const std::vector<int>& bytes) {
-    return requestText(Uvc::kGetFromInterface, UVCRequest::GET_CUR, selector, bytes);
+    return requestText("a1 81", selector, bytes);
 }
 
 std::string set(int selector, const std::vector<int>& bytes) {
-    return requestText(Uvc::kSetToInterface, UVCRequest::SET_CUR, selector, bytes);
+    return requestText("21 01", selector, bytes);
 }

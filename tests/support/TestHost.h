@@ -1,10 +1,10 @@
 #pragma once
 
 #include "SimulatedBus.h"
-#include "TestBus.h"
 
 #include <ctime>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The host of tests and fuzzers: its time advances by sleeps only, which take none, and everything that
@@ -15,6 +15,11 @@
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct TestHost {
     std::time_t now = 1'700'000'000;
+    std::time_t tick = 0; ///< seconds that pass after each look at the time
+    /// The next USB step of this name reports the result and gives nothing: "devices", "device plug-in", "device
+    /// object", "location", "interfaces", "interface plug-in", "release", "interface object", "number" or "close". Its
+    /// name is emptied then.
+    std::pair<std::string, UsbResult> failing;
     std::vector<std::string> journal;
     int journalCopy = -1; ///< file descriptor that gets every entry too, each with a NUL after it
 
@@ -24,19 +29,14 @@ struct TestHost {
     static void reset();
     /// Appends an entry to the journal.
     static void note(const std::string& entry);
-    static void setTimeZone(const char* zone);
-    /// The journal so far, which is emptied. Only the requests, or only the log, if asked for.
+    /// The journal so far, which is emptied. Only the requests, if asked for.
     static std::vector<std::string> take();
     static std::vector<std::string> takeRequests();
-    static std::vector<std::string> takeLog();
 };
 
 /// The device on the simulated bus.
 [[nodiscard]] SimulatedDevice& device();
 
-/// A GET or SET of a block of unit 3 as the journal shows it.
+/// A GET or SET of a block of unit 3 as the journal shows it, before the result of a failed one.
 [[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
 [[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
-
-inline constexpr RequestKind kAnyGet{.request = UVCRequest::GET_CUR, .selector = {}};
-inline constexpr RequestKind kAnySet{.request = UVCRequest::SET_CUR, .selector = {}};
