@@ -1,0 +1,25 @@
+// What the system's log writes to standard error.
+
+#include "Log.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
+    const std::string longest(1023, 'x');
+    testing::internal::CaptureStderr();
+    for (const std::string& message : {std::string("two\nlines\n\n"), longest + '\n', longest + "yz"})
+        deliverLogMessage(message);
+    struct stat file {};
+    ASSERT_EQ(::fstat(STDERR_FILENO, &file), 0);
+    const std::string journal = std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino);
+    ::setenv("JOURNAL_STREAM", journal.c_str(), 1); // standard error is the journal, which has the line already
+    deliverLogMessage("once");
+    ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was that, before a redirection
+    deliverLogMessage("twice");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "two lines\n" + longest + '\n' + longest + "\ntwice\n");
+}
