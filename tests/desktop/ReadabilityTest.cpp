@@ -42,6 +42,12 @@ double contrastWithin(const QImage& image) {
     return best;
 }
 
+/// Prints the figure, too.
+void expectContrast(double ratio, double least, const QString& of) {
+    qInfo("contrast %5.2f %s", ratio, qPrintable(of));
+    QVERIFY2(ratio >= least, qPrintable(of));
+}
+
 /// Whether a person sees all of a control's text.
 bool isWhole(const QWidget& control) {
     if (const auto* popUp = qobject_cast<const CustomPopUpButton*>(&control)) {
@@ -134,11 +140,8 @@ private slots:
     void textStandsOutFromItsGround() {
         for (const QString& window : kWindows) {
             const auto controller = open(window);
-            for (const QWidget* control : visibleControls(*controller->window())) {
-                const double ratio = contrastWithin(rendered(*control, kEnlarged));
-                qInfo("contrast %5.2f %s", ratio, qUtf8Printable(control->objectName()));
-                QVERIFY2(ratio >= kReadable, qUtf8Printable(control->objectName()));
-            }
+            for (const QWidget* control : visibleControls(*controller->window()))
+                expectContrast(contrastWithin(rendered(*control, kEnlarged)), kReadable, control->objectName());
         }
     }
 
@@ -146,11 +149,9 @@ private slots:
     void paletteStandsOut() {
         const QPalette palette = QApplication::palette();
         for (const auto& [text, ground] : {std::pair(QPalette::Text, QPalette::Base),
-                 {QPalette::HighlightedText, QPalette::Highlight}, {QPalette::ToolTipText, QPalette::ToolTipBase}}) {
-            const double ratio = contrast(palette.color(text).rgb(), palette.color(ground).rgb());
-            qInfo("contrast %5.2f palette's text %d", ratio, text);
-            QVERIFY2(ratio >= kReadable, qPrintable(QString::number(text)));
-        }
+                 {QPalette::HighlightedText, QPalette::Highlight}, {QPalette::ToolTipText, QPalette::ToolTipBase}})
+            expectContrast(contrast(palette.color(text).rgb(), palette.color(ground).rgb()), kReadable,
+                QStringLiteral("palette's text %1").arg(text));
         // A light window of the desktop's behind this program's light texts would be unreadable.
         QCOMPARE(palette.color(QPalette::Window), QColor("#0C0D10"));
     }
@@ -160,23 +161,16 @@ private slots:
         settings.control("QuitButton").setFocus();
         auto& slider = settings.control<QSlider>("SliderMicrophoneVolume");
         slider.setValue(128);
-        struct Part {
-            const char* name;
-            const char* control;
-            QRect place; ///< that and its ground
-        };
+        using Part = std::tuple<const char*, const char*, QRect>; // its control, and where it and its ground are
         const QRect knob(slider.width() / 2 - 1, 25, 3, 8);
-        for (const Part& part : {Part{"knob on its card", "SliderMicrophoneVolume", knob},
-                 Part{"bar on its card", "SliderMicrophoneVolume", {20, 30, 20, 10}},
-                 Part{"pop-up's border on its face", "PopupRecordQuality", {20, 0, 60, 4}},
-                 Part{"pop-up's border on its card", "PopupRecordQuality", {20, -4, 60, 5}},
-                 Part{"pop-up's chevrons", "PopupRecordQuality", {142, 4, 16, 18}},
-                 Part{"radio button's ring", "HdcpOnButton", {0, 0, 26, 26}},
-                 Part{"radio button's dot", "HdcpOffButton", {12, 10, 8, 8}}}) {
-            const double ratio = contrastWithin(rendered(settings.control(part.control), kEnlarged, part.place));
-            qInfo("contrast %5.2f %s", ratio, part.name);
-            QVERIFY2(ratio >= kNoticeable, part.name);
-        }
+        for (const auto& [name, control, place] : {Part{"knob on its card", "SliderMicrophoneVolume", knob},
+                 {"bar on its card", "SliderMicrophoneVolume", {20, 30, 20, 10}},
+                 {"pop-up's border on its face", "PopupRecordQuality", {20, 0, 60, 4}},
+                 {"pop-up's border on its card", "PopupRecordQuality", {20, -4, 60, 5}},
+                 {"pop-up's chevrons", "PopupRecordQuality", {142, 4, 16, 18}},
+                 {"radio button's ring", "HdcpOnButton", {0, 0, 26, 26}},
+                 {"radio button's dot", "HdcpOffButton", {12, 10, 8, 8}}})
+            expectContrast(contrastWithin(rendered(settings.control(control), kEnlarged, place)), kNoticeable, name);
     }
 
     void focusGoesRoundAndShows() {
