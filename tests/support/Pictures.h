@@ -21,3 +21,12 @@ inline QHash<QRgb, int> counted(const QImage& image) {
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     return counts;
 }
+
+/// The part of a picture that is not as dark as its ground.
+inline QRect inked(const QImage& image) {
+    QRegion bright;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qGray(image.pixel(x, y)) > 60) bright += QRect(x, y, 1, 1);
+    return bright.boundingRect();
+}

@@ -1,0 +1,104 @@
+// Titles with colours and mnemonics, and how the controls draw them.
+
+#include "ApplicationMain.h"
+#include "AttributedRadioButton.h"
+#include "CustomPopUpButton.h"
+#include "Pictures.h"
+
+#include <QTest>
+
+#include <functional>
+
+namespace {
+
+/// A letter per code unit: w white, r red, - none; a capital one is underlined.
+QString colorsOf(const AttributedString& text) {
+    QString colors;
+    for (qsizetype i = 0; i < text.string.size(); ++i) {
+        const QColor color = text.colorAt(i);
+        colors += color == Qt::white ? u'w' : color == Qt::red ? u'r' : u'-';
+    }
+    for (const QTextLayout::FormatRange& range : text.colors)
+        if (range.format.fontUnderline())
+            colors.replace(range.start, range.length, colors.mid(range.start, range.length).toUpper());
+    return colors;
+}
+
+} // namespace
+
+class TitlesTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { setUpApplication(*qApp); }
+
+    void attributedStrings() {
+        using Row = std::tuple<QString, QString, QString, const char*>;
+        for (const auto& [text, red, shown, colors] : {Row{"8m 8M 8M", "8M", "8m 8M 8M", "wwwrrwww"}, // the first one
+                 {"High", "Low", "High", "wwww"}, {"", "", "", ""}, {"ab", "", "ab", "ww"},
+                 {"\U0001F3A5ab", "Q", "\U0001F3A5ab", "www-"},                                 // a surrogate pair
+                 {"e\u0301a", "a", "e\u0301a", "wwr"},                                          // a combining accent
+                 {"\U0001F468\u200D\U0001F469x", "Q", "\U0001F468\u200D\U0001F469x", "ww----"}, // one family
+                 {"O&ff", "O", "Off", "rWw"}, {"O&ff", "&f", "Off", "wRw"}, {"O&ff", "ff", "Off", "wRr"},
+                 {"&On", "", "On", "Ww"}, {"On&", "", "On&", "www"}, {"O&&n", "", "O&n", "www"},
+                 {"&&&On", "", "&On", "wWw"}}) {
+            const AttributedString title = withMnemonic(createAttributedString(text, Qt::white, red, Qt::red), true);
+            QCOMPARE(title.string, shown);
+            QCOMPARE(title.font, titleFont());
+            QCOMPARE(colorsOf(title), colors);
+        }
+    }
+
+    void radioButtonDrawsItsTitle() {
+        AttributedRadioButton button;
+        button.resize(100, 30);
+        QVERIFY(counted(rendered(button)).size() > 1); // also without a title
+        int reds = 0;                                  // pixels of a title whose colour is its own
+        int others = 0;                                // and of one in another colour
+        const auto draw = [&](const QString& title) {
+            AttributedString large = createAttributedString(title, Qt::red, {}, {});
+            large.font.setPixelSize(18);
+            button.setAttributedTitle(large);
+            reds = others = 0;
+            for (const auto [color, count] : counted(rendered(button, 1, {20, 0, 80, 30})).asKeyValueRange())
+                (qBlue(color) > 50 ? others : reds) += qRed(color) > 50 ? count : 0;
+        };
+        draw("Off");
+        const int plain = reds;
+        QVERIFY(plain > 0 && others == 0); // the style draws no title
+        draw("&Off");
+        QVERIFY(reds > plain);           // by its underline
+        QCOMPARE(button.text(), "&Off"); // which the mnemonic needs
+        QCOMPARE(button.font().pixelSize(), 18);
+        for (const bool enabled : {true, false}) {
+            button.setEnabled(enabled);
+            button.setAttribute(Qt::WA_UnderMouse, enabled);
+            draw("Off");
+            QVERIFY(reds == 0 && others > 0); // white or grey
+        }
+    }
+
+    void popUpStylesItsTitles() {
+        CustomPopUpButton popUp(nullptr);
+        popUp.resize(160, 28);
+        popUp.addItemsWithTitles({QString(20, u'M'), "Two"});
+        const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
+        const QStringList more{QString(), "Three"};
+        using Step = std::pair<std::function<void()>, QColor>;
+        for (const auto& [step, color] :
+            {Step{[&] { popUp.didDecode(); }, Qt::black}, {[&] { popUp.addItemsWithTitles(more); }, light},
+                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
+                {[&] { popUp.addItemsWithTitles({}); }, light}, // adds nothing, styles all
+                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
+                {[&] { popUp.setItemStyles(7); }, light}}) {
+            step();
+            for (const int item : {0, popUp.count() - 1}) QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
+        }
+        const QRect title = inked(rendered(popUp, 1, {5, 5, 130, 18})).translated(5, 5); // is cut before the divider
+        QVERIFY(title.left() >= 12 && title.left() < 15 && title.right() > 112 && title.right() < 132);
+        QCOMPARE(title.center().y(), 13);
+    }
+};
+
+QTEST_MAIN(TitlesTest)
+#include "TitlesTest.moc"
