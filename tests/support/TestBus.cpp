@@ -21,14 +21,15 @@ std::optional<UsbResult> failure(const std::string& step) {
 /// Service and plug-in at once: makes a `Wrapper` of the simulated object.
 template <class Object, class Wrapper>
 struct TestService : UsbService<Object>, UsbPlugIn<Object> {
+    const std::string name = std::is_same_v<Object, UsbDevice> ? "device" : "interface";
     explicit TestService(std::unique_ptr<UsbService<Object>> behind) : simulated(std::move(behind)) {}
     UsbYield<UsbPlugIn<Object>> createPlugIn() override {
-        if (const auto failed = failure(std::string(Wrapper::kName) + " plug-in")) return {*failed, nullptr};
+        if (const auto failed = failure(name + " plug-in")) return {*failed, nullptr};
         return {UsbCode::Success, std::make_unique<TestService>(std::move(simulated))};
     }
     UsbResult release() override { return failure("release").value_or(UsbCode::Success); }
     UsbYield<Object> QueryInterface() override {
-        if (const auto failed = failure(std::string(Wrapper::kName) + " object")) return {*failed, nullptr};
+        if (const auto failed = failure(name + " object")) return {*failed, nullptr};
         return {UsbCode::Success, std::make_unique<Wrapper>(simulated->createPlugIn().object->QueryInterface().object)};
     }
     std::unique_ptr<UsbService<Object>> simulated;
@@ -46,7 +47,6 @@ UsbYield<UsbIterator<Object>> listOf(const char* step, const UsbYield<UsbIterato
 }
 
 struct TestInterface : UsbInterface {
-    static constexpr auto kName = "interface";
     explicit TestInterface(std::unique_ptr<UsbInterface> behind) : simulated(std::move(behind)) {}
     ~TestInterface() override { TestHost::note("release"); }
     UsbResult GetInterfaceNumber(std::uint8_t& number) override {
@@ -58,7 +58,6 @@ struct TestInterface : UsbInterface {
 };
 
 struct TestDevice : UsbDevice {
-    static constexpr auto kName = "device";
     explicit TestDevice(std::unique_ptr<UsbDevice> behind) : simulated(std::move(behind)) {}
     UsbResult GetLocationID(std::uint32_t& location) override {
         return failure("location").value_or(simulated->GetLocationID(location));
