@@ -3,108 +3,82 @@
 #include "RequestFaults.h"
 
 #include <array>
-#include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
-// Predicts what the program says, asks, shows and leaves in the device, also when a request fails. Written from
-// the rules of the device (docs/device.md) and of the window, not from the code.
+// Predicts what the program asks, says, shows and leaves in the device, also when requests fail. Written from the
+// rules of the device (docs/device.md) and of the window, not from the code.
 
 using Block = std::vector<int>;
 
+// What a device holds at first. Its clock is the test host's, or wrong.
+inline constexpr std::array<std::uint8_t, 13> kSettings{0, 0x5A, 23, 11, 14, 22, 13, 20, 0x21, 1, 0xA7, 0x3B, 0xC9};
+inline constexpr std::array<std::uint8_t, 7> kAudio{0x6D, 11, 22, 33, 0x92, 55, 0xE4};
+inline constexpr std::array<std::uint8_t, 6> kWrongClock{9, 1, 2, 3, 4, 5};
+
+/// What an action changes. The first six are the settings that a device keeps; start-up is about the clock.
+enum Field : std::size_t { Microphone, Headphone, Hdmi, Aux, BitRate, Hdcp, Versions, Clock };
+
+/// Fills in a format of at most twelve numbers.
+std::string text(const char* format, Block numbers);
+
+inline constexpr auto* kKept = "kept: %d %d %d %d %d %d"; ///< a line of the journal with what `held` returns
+
+/// The settings that a device keeps, by field.
+template <class Device>
+Block held(const Device& device) {
+    return {device.audio[3], device.audio[5], device.audio[1], device.audio[2], device.settings[8], device.settings[9]};
+}
+
+/// What happens to a device as a whole.
 enum class Event : std::uint8_t { None, Unplug, Replug, BecomeNoCamera };
 
-/// What one request meets, on the simulated device and in the model.
+/// What one request meets.
 struct Trouble {
     const char* name;
-    int code;                            ///< the request's result; 0: none of its own
-    std::optional<RequestFault> fault{}; ///< what the device does with the request
-    Event event = Event::None;           ///< what happens to the device as a whole ...
-    int eventAfter = 0;                  ///< ... after this request, or -1: after the one before
-    std::size_t devices = 1;             ///< on the bus; the program opens the first that is plugged in
+    std::optional<RequestFault> fault;
+    Event event = Event::None; ///< right after the request
+    std::size_t devices = 1;   ///< on the bus; the program opens the first that is plugged in
 };
+inline constexpr std::array<Trouble, 9> kTroubles{{
+    {"stall", RequestFault::Stall},
+    {"time-out", RequestFault::TimeOut},
+    {"short data", RequestFault::ShortData},
+    {"gone during", RequestFault::Unplug},
+    {"garbage", RequestFault::Garbage},
+    {"gone after", {}, Event::Unplug},
+    {"back after", {}, Event::Replug},
+    {"no camera", RequestFault::Stall, Event::BecomeNoCamera},
+    {"another device", RequestFault::Unplug, Event::None, 2},
+}};
 
-inline constexpr Trouble kNoTrouble{"none", 0};
-inline constexpr Trouble kStall{"stall", -9, RequestFault::Stall};
-inline constexpr std::array kTroubles{
-    kStall,
-    Trouble{"time-out", -7, RequestFault::TimeOut},
-    Trouble{"short data", -1, RequestFault::ShortData},
-    Trouble{"garbage", 0, RequestFault::Garbage},
-    Trouble{"gone before", 0, {}, Event::Unplug, -1},
-    Trouble{"gone during", -4, RequestFault::Unplug, Event::Unplug},
-    Trouble{"back after", 0, {}, Event::Replug},
-    Trouble{"no camera", -9, RequestFault::Stall, Event::BecomeNoCamera},
-    Trouble{"another device", -4, RequestFault::Unplug, Event::Unplug, 0, 2},
-};
-
-/// The n-th request from now on meets the trouble, and the one after it a stall if `twice`.
+/// When an action meets it.
 struct Plan {
-    Trouble trouble = kNoTrouble;
-    int n = 0;
-    bool twice = false;
-
-    /// To be called with 0 at once, and with each request's number after it.
-    template <class Device>
-    void afterRequest(int number, Device& device) const {
-        if (number != n + trouble.eventAfter) return;
-        if (trouble.event == Event::Unplug || trouble.event == Event::Replug) device.unplug();
-        if (trouble.event == Event::Replug) device.plugIn();
-        if (trouble.event == Event::BecomeNoCamera) device.videoControlInterface.reset();
-    }
+    Trouble trouble;
+    unsigned n; ///< at this request; 0: before the first one, which is for events only
+    bool twice; ///< the request after it stalls
 };
 
-struct ModelDevice {
-    Block settings{0x00, 0x5A, 23, 11, 14, 22, 13, 20, 0x21, 1, 0xA7, 0x3B, 0xC9}; ///< in time with the test host
-    Block audio{0x6D, 11, 22, 33, 0x92, 55, 0xE4};
-    bool plugged = true;
-    int plugs = 0;
-    std::optional<int> videoControlInterface = 0;
+/// Makes devices, the simulated ones and the model's, behave as planned.
+template <class Devices>
+void prepare(const Devices& devices, const Plan& plan) {
+    auto& first = *devices.front();
+    if (plan.trouble.fault) first.addFault({}, plan.n, *plan.trouble.fault);
+    if (plan.twice) devices.back()->addFault({}, devices.size() > 1 ? 1 : plan.n + 1, RequestFault::Stall);
+    const auto happen = [&first, event = plan.trouble.event] {
+        if (event == Event::Unplug) first.unplug();
+        if (event == Event::Replug) first.plugIn();
+        if (event == Event::BecomeNoCamera) first.videoControlInterface.reset();
+    };
+    if (plan.n == 0) happen();
+    first.onRequest = [happen, n = plan.n, number = 0U, note = first.onRequest](const auto& request) mutable {
+        note(request);
+        if (++number == n) happen();
+    };
+}
 
-    void unplug() { plugged = false; }
-    void plugIn();
-    void setClock(const Block& calendar);
-    [[nodiscard]] Block block(int selector) const;
-    void accept(int selector, const Block& written);
-};
-
-/// What the program reads and writes; the first six are settings that the device keeps.
-enum Field : std::size_t { Microphone, Headphone, Hdmi, Aux, BitRate, Hdcp, Versions, Clock, NewClock };
-
-class Model {
-public:
-    explicit Model(std::size_t devicesOnTheBus) : devices(devicesOnTheBus) {}
-
-    /// Trouble comes as planned, requests are counted from now on.
-    void expect(const Plan& plan);
-    // The actions. False: the alert came up and the program has ended.
-    bool startUp();
-    bool change(Field field, int chosen);
-    /// What the settings window shows.
-    [[nodiscard]] std::string window() const;
-
-    std::vector<ModelDevice> devices;
-    std::vector<std::string> journal; ///< as TestHost has it
-    int requests = 0;                 ///< that reached a device
-
-private:
-    void log(const std::string& line) { journal.push_back("log " + line); }
-    bool fail(const std::string& line) { return log(line), false; }
-    void sleepOneSecond();
-    bool open();
-    bool tryTwice(const std::function<bool()>& operation);
-    bool get(Field field);
-    bool set(Field field, int value);
-    bool syncClock();
-    bool read(Field field, Block& block, bool toSetIt = false);
-    bool write(Field field, Block& block);
-    bool request(bool isGet, int selector, Block& block);
-    bool transfer(bool isGet, int selector, Block& block);
-
-    Plan m_plan;
-    Block m_now{23, 11, 14, 22, 13, 20}; ///< the test host's time; sleeps stay within this minute
-    ModelDevice* m_open = nullptr;
-    bool m_hasInterface = false; ///< what is open is a camera
-    int m_openPlugs = 0;
-    std::array<Block, 7> m_reported; ///< last, of each field; zeros after a failure
-    int m_item = -1;                 ///< of the pop-up
-};
+/// The journal of an action as TestHost has it, with start-up before it unless the action is start-up itself. At its
+/// end is what the window shows and what each device keeps.
+/// `chosen`: the level, volume or state that the user chose.
+std::vector<std::string> predict(Field field, int chosen, bool clockIsRight, const Plan& plan);
