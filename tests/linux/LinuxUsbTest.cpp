@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-using testing::ElementsAre;
+using testing::Contains;
 using testing::IsEmpty;
 
 namespace {
@@ -101,16 +101,6 @@ TEST_P(BothTransports, RequestsReachTheDeviceByteForByte) {
     EXPECT_EQ(request(0x81, 2, 2), isDirect ? UsbCode::Success : UsbCode::InputOutput);
 }
 
-TEST_F(LinuxUsb, RequestsThatTheDriverCannotSendFail) {
-    for (const FakePlug& plug : {FakePlug{.videoControlInterface = 1, .driver = "uvcvideo", .captureNode = 9},
-             {.driver = "uvcvideo"}, {.driver = "vendor", .captureNode = 9}}) {
-        SCOPED_TRACE(plug.driver + std::to_string(plug.captureNode));
-        plugIn(plug);
-        expectNotOpened(UsbCode::NotSendable);
-        kernel.unplug();
-    }
-}
-
 TEST_F(LinuxUsb, PacketsThatTheDriverWouldAlterAreNotSent) {
     plugIn(kKernel);
     for (unsigned bit = 0; bit < 24; ++bit) { // of the type, and of what is beside the selector and the unit
@@ -121,6 +111,9 @@ TEST_F(LinuxUsb, PacketsThatTheDriverWouldAlterAreNotSent) {
         EXPECT_EQ(interface->ControlRequest(other), UsbCode::NotSendable) << bit;
     }
     EXPECT_THAT(kernel.calls, IsEmpty());
+    kernel.unplug();
+    plugIn({.videoControlInterface = 1, .driver = "uvcvideo", .captureNode = 9}); // which the driver fills in
+    expectNotOpened(UsbCode::NotSendable);
 }
 
 TEST_P(BothTransports, OnlyAFailedRequestLeavesTheNodeOpenAndTheBufferUntouched) {
@@ -129,7 +122,8 @@ TEST_P(BothTransports, OnlyAFailedRequestLeavesTheNodeOpenAndTheBufferUntouched)
         plugIn(plug);
         const auto fail = [&](std::uint8_t code) {
             kernel.device->addFault({}, 1, fault);
-            EXPECT_NE(request(code, 13), UsbCode::Success);
+            const bool isStall = isDirect && fault == RequestFault::Stall; // the driver does not tell
+            EXPECT_EQ(request(code, 13), isStall ? UsbCode::Stall : UsbCode::InputOutput);
             EXPECT_EQ(openNodes(), 1);
         };
         block = Bytes(7, 0xEE);
@@ -185,7 +179,7 @@ TEST_F(LinuxUsb, RequestsTimeOutAfterFiveSeconds) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(get(), UsbCode::TimeOut);
     EXPECT_EQ(std::chrono::round<std::chrono::seconds>(std::chrono::steady_clock::now() - start).count(), 5);
-    EXPECT_EQ(kernel.calls.back(), "release 0");
+    EXPECT_THAT(kernel.calls, Contains("release 0"));
     EXPECT_EQ(get(), UsbCode::Success);
 }
 
@@ -206,16 +200,25 @@ TEST_P(BothTransports, OpensOnlyTheDevicesOwnNode) {
 }
 
 TEST_F(LinuxUsb, TheTransportIsSelectedAtEachRequest) {
-    plugIn(kDirect);
-    const FakePlug renumbered{.driver = "uvcvideo", .captureNode = 8}; // the known name is the metadata node's now
-    const FakePlug claimed{.driver = "usbfs"};                         // by another program
-    for (const FakePlug& driver : {kDirect, kKernel, renumbered, claimed, kKernel, kDirect}) {
-        SCOPED_TRACE(driver.driver + std::to_string(driver.captureNode));
+    kernel.plug({.address = 9, .vendor = 0x1D6B, .driver = "uvcvideo", .captureNode = 2}); // some other camera
+    plugIn({.name = "1-2"});
+    const std::vector<std::tuple<FakePlug, UsbResult, const char*>> rows{
+        {kKernel, UsbCode::Success, "query /dev/video9"},
+        // The known name is the metadata node's now.
+        {{.driver = "uvcvideo", .captureNode = 8}, UsbCode::Success, "query /dev/video8"},
+        {kDirect, UsbCode::Success, "claim 0"},
+        {{.driver = "usbfs"}, UsbCode::Busy, "claim 0"}, // another program's claim
+    };
+    for (const auto& [driver, result, call] : rows) {
+        SCOPED_TRACE(call);
         kernel.bind(driver);
         kernel.calls.clear();
-        EXPECT_EQ(get(), driver.driver == "usbfs" ? UsbCode::Busy : UsbCode::Success);
-        EXPECT_EQ(kernel.calls.front(),
-            driver.captureNode < 0 ? "claim 0" : "query /dev/video" + std::to_string(driver.captureNode));
+        EXPECT_EQ(get(), result);
+        EXPECT_THAT(kernel.calls, Contains(call));
+    }
+    for (const FakePlug& driver : {FakePlug{.driver = "uvcvideo"}, {.driver = "vendor", .captureNode = 9}}) {
+        kernel.bind(driver);
+        expectNotOpened(UsbCode::NotSendable);
     }
 }
 
@@ -231,16 +234,19 @@ TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     const auto services = usbBus().allServices();
     while (const auto service = services.object->next()) addLocation(*service);
     addLocation(*usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID).object);
-    EXPECT_THAT(locations, ElementsAre(0x01200000U, 0x012D0000U, 0x03400000U, 0x012D0000U));
+    EXPECT_THAT(locations, testing::ElementsAre(0x01200000U, 0x012D0000U, 0x03400000U, 0x012D0000U));
 }
 
 TEST_F(LinuxUsb, WithoutAVideoControlInterfaceThereIsNone) {
-    EXPECT_FALSE(open()); // nothing is plugged in
-    kernel.plug({.interfaceClass = 9});
-    kernel.plug({.name = "1-1/1-1.2", .address = 3, .vendor = 0x1D6B}); // a camera behind it
-    EXPECT_FALSE(open());
-    kernel.unplug();
-    kernel.plug({.interfaceSubClass = 2});
+    EXPECT_EQ(usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID).result, UsbCode::NoDevice);
+    for (const FakePlug& plug : {FakePlug{.interfaceClass = 9}, {.interfaceSubClass = 2}}) {
+        kernel.plug(plug);
+        kernel.plug({.name = "1-1/1-1.2", .address = 3, .vendor = 0x1D6B}); // a camera behind it
+        EXPECT_FALSE(open());
+        kernel.unplug();
+    }
+    kernel.device->productID = TAVRO_USB_PRODUCT_ID + 1;
+    kernel.plug({});
     EXPECT_FALSE(open());
 }
 

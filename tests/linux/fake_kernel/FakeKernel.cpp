@@ -33,19 +33,37 @@ std::string pathOf(const std::string& file) {
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
 extern "C" int __real_open(const char* path, int flags, ...);
 extern "C" int __wrap_open(const char* path, int flags, mode_t mode) {
-    return running && !running->lets(path, flags) ? -1 : __real_open(path, flags, mode);
+    if (!running) return __real_open(path, flags, mode);
+    const bool isNode = (flags & O_PATH) == 0;
+    // Opening must not wait, and neither child processes nor terminals come of it.
+    if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
+        running->forbidden.push_back(text("flags %x of %s", static_cast<unsigned>(flags), path));
+    errno = isNode ? running->openError : 0;
+    return errno == 0 ? __real_open(path, flags) : -1;
 }
 extern "C" int __wrap_fstat(int file, struct stat* status) {
     // Past umockdev, which makes devices of files in some versions.
     const auto result = static_cast<int>(::syscall(SYS_fstat, file, status));
-    if (running) running->describe(file, *status);
+    if (!running) return result;
+    const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
+    status->st_mode = running->nodeKind;
+    status->st_rdev = running->nodes.at(path.substr(path.rfind("/dev/"))) + running->numberShift;
     return result;
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
 FakeKernel::FakeKernel() {
-    g_signal_connect(m_handler, "handle-ioctl", G_CALLBACK(&FakeKernel::handle), this);
     running = this;
+    // Runs in the testbed's own thread while the caller waits in its ioctl. The caller is this same process: its
+    // pointers can be followed.
+    const auto handle = [](UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) -> gboolean {
+        void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
+        const long result =
+            self->call(umockdev_ioctl_client_get_devnode(client), umockdev_ioctl_client_get_request(client), argument);
+        umockdev_ioctl_client_complete(client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
+        return TRUE;
+    };
+    g_signal_connect(m_handler, "handle-ioctl", G_CALLBACK(+handle), this);
 }
 
 FakeKernel::~FakeKernel() {
@@ -53,21 +71,6 @@ FakeKernel::~FakeKernel() {
     running = nullptr;
     g_object_unref(m_handler);
     g_object_unref(m_testbed);
-}
-
-bool FakeKernel::lets(const char* path, int flags) {
-    const bool isNode = (flags & O_PATH) == 0;
-    // Opening must not wait, and neither child processes nor terminals come of it.
-    if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
-        forbidden.push_back(text("flags %x of %s", static_cast<unsigned>(flags), path));
-    errno = isNode ? openError : 0;
-    return errno == 0;
-}
-
-void FakeKernel::describe(int node, struct stat& status) const {
-    const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(node));
-    status.st_mode = nodeKind;
-    status.st_rdev = m_nodes.at(path.substr(path.rfind("/dev/"))) + numberShift;
 }
 
 void FakeKernel::plug(const FakePlug& plug) {
@@ -92,19 +95,19 @@ void FakeKernel::plug(const FakePlug& plug) {
         std::ssize(descriptors), nullptr); // usbfs gives them to who reads the node
     addNode("/dev/" + node, makedev(189, minor));
     m_interface = "/sys" + interface;
+    m_videos.clear();
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged()) device->plugIn();
     bind(plug);
 }
 
 void FakeKernel::bind(const FakePlug& plug) {
-    std::filesystem::remove(pathOf(m_interface + "/driver"));
+    const std::filesystem::path driver = pathOf(m_interface + "/driver");
+    std::filesystem::remove(driver);
     for (const std::string& video : std::exchange(m_videos, {}))
         umockdev_testbed_remove_device(m_testbed, video.c_str());
     m_driver = plug.driver;
-    const std::string driver = "../../../../bus/usb/drivers/" + m_driver;
-    if (!m_driver.empty())
-        umockdev_testbed_set_attribute_link(m_testbed, m_interface.c_str(), "driver", driver.c_str());
+    if (!m_driver.empty()) std::filesystem::create_symlink("../../../../bus/usb/drivers/" + m_driver, driver);
     for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) { // the second one has metadata
         const int number = plug.captureNode + index;
         m_videos.push_back(m_interface + text("/video%d", number));
@@ -117,27 +120,14 @@ void FakeKernel::bind(const FakePlug& plug) {
 }
 
 void FakeKernel::addNode(const std::string& node, dev_t number) {
-    if (m_nodes.emplace(node, number).second)
-        umockdev_testbed_attach_ioctl(m_testbed, node.c_str(), m_handler, nullptr);
+    if (nodes.emplace(node, number).second) umockdev_testbed_attach_ioctl(m_testbed, node.c_str(), m_handler, nullptr);
 }
 
 void FakeKernel::unplug() {
-    for (const auto& [node, number] : std::exchange(m_nodes, {}))
+    for (const auto& [node, number] : std::exchange(nodes, {}))
         umockdev_testbed_detach_ioctl(m_testbed, node.c_str(), nullptr);
     umockdev_testbed_clear(m_testbed);
-    m_videos.clear();
-    m_claimed.reset();
     device->unplug();
-}
-
-/// Runs in the testbed's own thread while the caller waits in its ioctl. The caller is this same process: its
-/// pointers can be followed.
-gboolean FakeKernel::handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, gpointer self) {
-    void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
-    const long result = static_cast<FakeKernel*>(self)->call(
-        umockdev_ioctl_client_get_devnode(client), umockdev_ioctl_client_get_request(client), argument);
-    umockdev_ioctl_client_complete(client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
-    return TRUE;
 }
 
 long FakeKernel::call(const std::string& node, unsigned long request, void* argument) {
@@ -145,8 +135,11 @@ long FakeKernel::call(const std::string& node, unsigned long request, void* argu
     switch (request) {
     case USBDEVFS_GET_CAPABILITIES:
     case USBDEVFS_CONNECTINFO:
-    case USBDEVFS_GET_SPEED: return 0; // libusb asks when it opens the device, but nothing depends on it
-    case USBDEVFS_CONTROL: return control(*static_cast<usbdevfs_ctrltransfer*>(argument));
+    case USBDEVFS_GET_SPEED: return 0; // nothing depends on it
+    case USBDEVFS_CONTROL:             // which configuration is active
+        if (static_cast<usbdevfs_ctrltransfer*>(argument)->bRequest != 8) break;
+        *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) = kConfigurationValue;
+        return 1;
     case USBDEVFS_CLAIMINTERFACE:
         calls.push_back(text("claim %u", *static_cast<unsigned*>(argument)));
         if (m_claimed || !m_driver.empty()) return -EBUSY;
@@ -164,18 +157,11 @@ long FakeKernel::call(const std::string& node, unsigned long request, void* argu
         m_done->status = -ENOENT;
         return 0;
     case UVCIOC_CTRL_QUERY: return query(node, *static_cast<uvc_xu_control_query*>(argument));
-    default: // detaching a driver, resetting the device, and whatever else
-        forbidden.push_back(text("ioctl %08lx", request));
-        return -ENOTTY;
+    default: break;
     }
-}
-
-long FakeKernel::control(const usbdevfs_ctrltransfer& transfer) {
-    constexpr std::uint8_t kGetConfiguration = 8; // which libusb sends when it opens the device
-    if (transfer.bRequestType != kUsbDeviceToHost || transfer.bRequest != kGetConfiguration)
-        forbidden.emplace_back("a transfer without a claim");
-    *static_cast<std::uint8_t*>(transfer.data) = kConfigurationValue;
-    return 1;
+    // A transfer without a claim, detaching a driver, resetting the device, and whatever else
+    forbidden.push_back(text("ioctl %08lx", request));
+    return -ENOTTY;
 }
 
 long FakeKernel::submit(usbdevfs_urb& urb) {
@@ -196,16 +182,12 @@ long FakeKernel::query(const std::string& node, uvc_xu_control_query& query) {
     calls.push_back("query " + node);
     if (query.unit != 3 || query.selector < 10 || query.selector > 13) return -ENOENT;
     const bool isGet = (query.query & kUsbDeviceToHost) != 0;
-    UsbControlRequest request{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface, query.query,
-        static_cast<std::uint16_t>(query.selector << 8),
-        static_cast<std::uint16_t>(query.unit << 8 | *device->videoControlInterface), query.size, query.data, 0};
-    switch (device->control(request)) {
-    case UsbCode::Success: return 0;
-    case UsbCode::Stall: return -EPIPE;
-    case UsbCode::TimeOut: return -ETIMEDOUT;
-    case UsbCode::NoDevice: return -ESHUTDOWN;
-    default: // a short answer: so many bytes came, and zeros stand for the rest
-        if (isGet) std::fill_n(query.data, query.size, std::uint8_t{0});
-        return request.wLenDone;
-    }
+    const Uvc::SetupPacket packet{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface, query.query, 0, query.selector,
+        *device->videoControlInterface, query.unit, static_cast<std::uint8_t>(query.size), 0};
+    UsbControlRequest request = Uvc::requestOf(packet, query.data);
+    const UsbResult result = device->control(request);
+    if (result == UsbCode::Success) return 0;
+    if (result != UsbCode::InputOutput) return -EPIPE;               // or another reason
+    if (isGet) std::fill_n(query.data, query.size, std::uint8_t{0}); // a short answer, with zeros for the rest
+    return request.wLenDone;
 }

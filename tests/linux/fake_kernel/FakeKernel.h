@@ -32,8 +32,7 @@ class FakeKernel {
 public:
     FakeKernel();
     ~FakeKernel();
-    FakeKernel(const FakeKernel&) = delete;
-    FakeKernel& operator=(const FakeKernel&) = delete;
+    FakeKernel& operator=(FakeKernel&&) = delete; // nor can it be copied
 
     void plug(const FakePlug& plug);
     /// Takes everything off the bus.
@@ -43,28 +42,22 @@ public:
     void bind(const FakePlug& plug);
 
     std::shared_ptr<SimulatedDevice> device = std::make_shared<SimulatedDevice>();
+    std::map<std::string, dev_t> nodes; ///< with the numbers that sysfs says
     int openError = 0;                  ///< why no node can be opened, 0: they can
     mode_t nodeKind = S_IFCHR;          ///< of whatever has the nodes' names
-    dev_t numberShift = 0;              ///< of the nodes, from what sysfs says
+    dev_t numberShift = 0;              ///< of the nodes, from those
     std::vector<std::string> calls;     ///< "claim 0", "transfer", "release 0", "query /dev/video4"
     std::vector<std::string> forbidden; ///< calls that no driver or other program would survive
 
-    // For the C library's functions that the fake kernel replaces.
-    [[nodiscard]] bool lets(const char* path, int flags);
-    void describe(int node, struct stat& status) const;
-
 private:
-    static gboolean handle(UMockdevIoctlBase* base, UMockdevIoctlClient* client, gpointer self);
     /// As in the kernel, a negative result is an error number.
     [[nodiscard]] long call(const std::string& node, unsigned long request, void* argument);
-    [[nodiscard]] long control(const usbdevfs_ctrltransfer& transfer);
     [[nodiscard]] long submit(usbdevfs_urb& urb);
     [[nodiscard]] long query(const std::string& node, uvc_xu_control_query& query);
     void addNode(const std::string& node, dev_t number);
 
     UMockdevTestbed* m_testbed = umockdev_testbed_new();
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
-    std::map<std::string, dev_t> m_nodes;
     std::string m_interface;           ///< sysfs path of the one that was plugged in last
     std::string m_driver;              ///< of that interface
     std::vector<std::string> m_videos; ///< sysfs paths of that driver's nodes
