@@ -103,7 +103,7 @@ TEST_P(BothTransports, RequestsReachTheDeviceByteForByte) {
 
 TEST_F(LinuxUsb, PacketsThatTheDriverWouldAlterAreNotSent) {
     plugIn(kKernel);
-    for (unsigned bit = 0; bit < 24; ++bit) { // of the type, and of what is beside the selector and the unit
+    for (std::size_t bit = 0; bit < 24; ++bit) { // of the type, and of what is beside the selector and the unit
         Uvc::SetupPacket packet{0xA1, 0x81, 0, 13, 0, 3, 7, 0};
         packet[bit / 8 * 2] ^= static_cast<std::uint8_t>(1U << bit % 8);
         if (packet[0] == 0x21) continue; // a SET
