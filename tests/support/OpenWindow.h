@@ -34,21 +34,13 @@ struct SettingsWindow {
     std::unique_ptr<WindowController> controller;
 };
 
-/// The visible window of that name, if there is one.
-inline QWidget* visibleWindow(const QString& name) {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == name && window->isVisible()) return window;
-    }
-    return nullptr;
-}
-
-/// Once a window of that name is up, does something with it.
-inline void whenShown(const QString& name, std::function<void(QWidget&)> act) {
-    QTimer::singleShot(1, qApp, [name, act = std::move(act)] {
-        if (QWidget* window = visibleWindow(name))
+/// Once a window runs modally, does something with it.
+inline void whenModal(std::function<void(QWidget&)> act) {
+    QTimer::singleShot(1, qApp, [act = std::move(act)] {
+        if (QWidget* window = QApplication::activeModalWidget())
             act(*window);
         else
-            whenShown(name, act);
+            whenModal(act);
     });
 }
 
@@ -60,6 +52,7 @@ public:
     ChangedBundle(const ChangedBundle&) = delete;
     ChangedBundle& operator=(const ChangedBundle&) = delete;
 
+    [[nodiscard]] QString folder() const { return m_folder.path(); }
     /// A resource with all `before` replaced by `after`, which must change it.
     void replace(const QString& path, const QByteArray& before, const QByteArray& after) {
         QFile original(QStringLiteral(":/") + path);
