@@ -16,11 +16,16 @@ AT_ONCE = 10
 ABOUT = "About Tavro Setup Tool"
 
 
+def drag_by_its_picture(desktop, window):
+    left, top, *_ = desktop.place(window)
+    # The move begins farther away than the drag distance.
+    desktop.drag((left + 300, top + 30), (left + 320, top + 30), (left + 420, top + 80))
+
+
 def is_dragged_by_its_picture(desktop, program, window):
     time.sleep(0.5)  # until the window manager has placed it for good
     left, top, width, height = desktop.place(window)
-    # The move begins farther away than the drag distance.
-    desktop.drag((left + 300, top + 30), (left + 320, top + 30), (left + 420, top + 80))
+    drag_by_its_picture(desktop, window)
     wait_for("move", lambda: desktop.place(window) == (left + 100, top + 50, width, height), 5)
 
 
@@ -32,11 +37,13 @@ def about_is_modal(desktop, program, window):
     desktop.focus(window)  # as far as the window manager lets it
     desktop.key("ctrl", "q")
     desktop.key("alt", "n")
-    left, top, _, height = desktop.place(window)
+    left, top, _, height = place = desktop.place(window)
+    drag_by_its_picture(desktop, window)
     desktop.drag((left + 250, top + height - 107))  # a click on the HDCP button
     time.sleep(0.5)
     assert program.process.poll() is None and program.windows(ABOUT), "the window behind is not inert"
     assert program.requests() == before, "the window behind acts"
+    assert desktop.place(window) == place, "the window behind is dragged"
     desktop.close(about)
     wait_for("end of the modal run", lambda: not program.windows(ABOUT), 5)
     desktop.focus(window)
