@@ -94,9 +94,18 @@ private slots:
             step();
             for (const int item : {0, popUp.count() - 1}) QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
         }
-        const QRect title = inked(rendered(popUp, 1, {5, 5, 130, 18})).translated(5, 5); // is cut before the divider
-        QVERIFY(title.left() >= 12 && title.left() < 15 && title.right() > 112 && title.right() < 132);
-        QCOMPARE(title.center().y(), 13);
+        for (const auto& [enabled, least, most] : {std::tuple(true, 170, 204), {false, 90, 115}}) {
+            popUp.setEnabled(enabled);
+            const QImage face = rendered(popUp, 1, {5, 5, 130, 18});
+            const QRect title = inked(face).translated(5, 5);
+            QVERIFY(title.left() >= 12 && title.left() < 15);
+            QVERIFY(title.right() > 112 && title.right() < 132); // is cut before the divider
+            QCOMPARE(title.center().y(), 13);
+            int brightest = 0;
+            for (const auto [color, count] : counted(face).asKeyValueRange())
+                brightest = std::max(brightest, qGray(color));
+            QVERIFY(brightest >= least && brightest <= most);
+        }
     }
 };
 
