@@ -47,7 +47,7 @@ const std::vector<Seen> kSeen{
     {"knob's outline", kAtMin, State::Plain, 0x09090B, {{4.5, 34.5}, {16.5, 34.5}, {10.5, 28.5}, {10.5, 40.5}}},
     {"knob, disabled", kAtMax, State::Disabled, 0x676C74, {{195.5, 34.5}}, 6},
     {"left ring", kAtMin, State::Focused, kWhite, {{0.5, 34.5}, {1.5, 34.5}, {10.5, 24.5}, {10.5, 44.5}}},
-    {"right ring", kAtMax, State::Focused, kWhite, {{204.5, 34.5}, {205.5, 34.5}, {185.5, 34.5}, {186.5, 34.5}}},
+    {"right ring", kAtMax, State::Focused, kWhite, {{204.5, 34.5}, {205.5, 34.5}, {186.5, 34.5}, {193.5, 24.5}}},
     {"within the ring", kAtMax, State::Focused, kCard, {{187.5, 34.5}, {203.5, 34.5}, {195.5, 26.5}, {195.5, 42.5}}},
     {"round the ring", kAtMax, State::Focused, kCard, {{193.5, 45.5}, {192.5, 23.5}}},
     {"border", kPopUp, State::Plain, kRed, {{0.5, 14.5}, {159.5, 14.5}, {80.5, 0.5}, {80.5, 27.5}}},
@@ -107,7 +107,7 @@ private slots:
     void initTestCase() { setUpApplication(*qApp); }
     void init() { TestHost::reset(); }
 
-    void ticks() {
+    void geometry() {
         using enum TickSpacing;
         using Row = std::tuple<double, TickSpacing, std::size_t, double>; // width, spacing; ticks, the last one
         for (const auto& [width, spacing, count, last] :
@@ -123,7 +123,9 @@ private slots:
             QVERIFY2(positions.empty() || std::abs(positions.back() - last) < 1e-5, qPrintable(QString::number(width)));
         }
         QCOMPARE(trackRect({3, 33, 200, 99}), QRectF(3, 33, 200, 3)); // always 3 high
-        CustomPopUpButton::Line(nullptr, 0, 0, 1, 1);                 // no context, nothing to draw in
+        for (const auto& [knob, left] : {std::tuple(0, 0.0), {92, 87.5}, {185, 176.0}})
+            QCOMPARE(valueRect(knobRect(knob), 206, 30), QRectF(left, 2, 30, 16));
+        CustomPopUpButton::Line(nullptr, 0, 0, 1, 1); // no context, nothing to draw in
     }
 
     void whatIsOursIsDrawnByItsNumbers() {
