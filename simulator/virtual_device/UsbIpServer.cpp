@@ -1,7 +1,6 @@
 #include "UsbIpServer.h"
 
 #include "DeviceCommands.h"
-#include "VhciPort.h"
 
 #include <QLocalSocket>
 #include <QNetworkProxy>
@@ -49,7 +48,7 @@ QString UsbIpServer::attachToThisMachine() {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
     ours->setSocketDescriptor(ends[0]);
-    QString failure = attachToKernel(ends[1]);
+    QString failure = m_controller.attach(ends[1]);
     (void)::close(ends[1]); // the kernel has a reference of its own
     if (failure.isEmpty()) {
         Connection& connection = addConnection(std::move(ours));
@@ -60,13 +59,11 @@ QString UsbIpServer::attachToThisMachine() {
 
 void UsbIpServer::acceptConnections() {
     while (auto* socket = m_listener.nextPendingConnection()) {
-        // Drop the oldest connection without the device; real clients ask at once. One at most has the
-        // device.
+        // Drop the oldest connection without the device; real clients ask at once. One at most has the device.
         if (m_connections.size() >= kMaxConnections)
             m_connections.erase(std::ranges::find_if(
                 m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
-        socket->setSocketOption(QAbstractSocket::LowDelayOption,
-            1); // small answers, for which the client waits
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // small answers, for which the client waits
         addConnection(std::unique_ptr<QTcpSocket>(socket));
     }
 }
@@ -125,6 +122,12 @@ void UsbIpServer::readCommands() {
     // Not by QFile, which would wait until there are as many bytes.
     const ssize_t count = ::read(static_cast<int>(m_commands.socket()), bytes.data(), bytes.size());
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
+    if (count < 0 && errno == EIO) { // what is typed at a terminal is for another program now
+        using namespace std::chrono_literals;
+        m_commands.setEnabled(false);
+        QTimer::singleShot(1s, &m_commands, [this] { m_commands.setEnabled(true); });
+        return;
+    }
     if (count <= 0) {
         m_commands.setEnabled(false); // no more commands can follow
         return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HostController.h"
 #include "UsbIpSession.h"
 
 #include <QByteArray>
@@ -52,6 +53,7 @@ private:
     QByteArray m_commandBytes;
     QTcpServer m_listener;
     QTimer m_frameTimer;
+    HostController m_controller;
     bool m_attaches = false;
     std::list<Connection> m_connections;
 };

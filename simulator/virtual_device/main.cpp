@@ -9,11 +9,13 @@
 #include <QFile>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <unistd.h>
 
 namespace {
@@ -67,12 +69,27 @@ int openCommands(const QString& path) {
 }
 
 void logWireTo(const QString& path, SimulatedDevice& device) {
-    std::FILE* log = std::fopen(QFile::encodeName(path).constData(), "we"); // open until the program ends
+    // Through no link, which somebody else may have laid there.
+    const int file =
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
+    std::FILE* log = file < 0 ? nullptr : ::fdopen(file, "w"); // open until the program ends
     if (!log) stop(path, std::strerror(errno));
     device.onRequest = [log](const RecordedRequest& request) {
         (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure loses the line only
         (void)std::fflush(log);
     };
+}
+
+/// Everything is open: from here on root's rights are of no use. Whoever called through sudo goes on as themselves.
+void giveUpRights() {
+    if (::geteuid() != 0) return;
+    const auto id = [](const char* name) {
+        constexpr unsigned kNobody = 65534;
+        return decimalNumber(qgetenv(name), 1, kNobody).value_or(kNobody);
+    };
+    const gid_t group = id("SUDO_GID");
+    if (::setgroups(0, nullptr) != 0 || ::setgid(group) != 0 || ::setuid(id("SUDO_UID")) != 0)
+        stop("can't give up root's rights", std::strerror(errno));
 }
 
 } // namespace
@@ -81,6 +98,8 @@ int main(int argc, char** argv) {
     // Messages are English. Qt needs a UTF-8 locale and would warn of another.
     qputenv("LC_ALL", "C.UTF-8");
     qunsetenv("LANGUAGE");
+    // In the background of a terminal the device goes on: to read there fails instead of stopping the program.
+    (void)std::signal(SIGTTIN, SIG_IGN);
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
     parseOptions(options);
@@ -93,6 +112,7 @@ int main(int argc, char** argv) {
     const bool attach = options.isSet("attach");
     const QString failure = attach ? server.attachToThisMachine() : server.listen(port);
     if (!failure.isEmpty()) stop(attach ? "can't attach" : "can't listen", failure);
+    giveUpRights();
     std::puts("ready");
     (void)std::fflush(stdout); // a reader of a pipe gets it at once
     return QCoreApplication::exec();
