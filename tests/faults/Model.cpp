@@ -12,14 +12,14 @@ namespace {
 
 using Bytes = std::vector<std::size_t>; // by their places in a block
 
-/// What can be done with a field: to get it is to read its block and to log the value; to set it is to do that
-/// too, to store another value and to write the block.
+/// The two operations on a field. Getting it reads its block and logs the value. Setting it does that too, then
+/// stores another value in the block and writes it.
 struct Operations {
-    int selector;
-    Bytes bytes;        ///< that hold the value
-    const char* report; ///< the log line of the value that was read
-    const char* getter; ///< as a log line says which failed
-    const char* setter = nullptr;
+    int selector;                    ///< of the block: 11 settings, 12 versions, 13 audio
+    Bytes bytes;                     ///< that hold the value
+    const char* report;              ///< the log line of the value that was read
+    const char* getter;              ///< its name in the log line of a failure
+    const char* setter = nullptr;    ///< as above
     int command = 0;                 ///< byte 0 of what is written; 0: as it was read
     const char* announces = nullptr; ///< the log line of the value to be written
 };
@@ -159,6 +159,7 @@ private:
     /// If the operation fails, the device is opened again and the operation is repeated once.
     bool tryTwice(const std::function<bool()>& operation) { return operation() || (open() && operation()); }
 
+    /// After a failed read the value is reported, and shown, as zeros.
     bool getField(Field field) {
         if (field == Versions) sleepOneSecond(); // in which the device gathers them
         const Operations& of = kOperations[field];
@@ -172,7 +173,9 @@ private:
         return true;
     }
 
-    /// The clock is set only if it is wrong, by years here, and is read back.
+    /// After a failed read a volume and the clock are reported as zeros, another setting is not. A failed read of the
+    /// bit rate and of the clock is called "setData" like a failed write.
+    /// The clock is set only if it is wrong, here by years, and is read back.
     bool setField(Field field, const Block& value) {
         const Operations& of = kOperations[field];
         Block block(devices[0]->block(of.selector).size());

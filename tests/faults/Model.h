@@ -41,9 +41,10 @@ struct Trouble {
     Event event = Event::None; ///< right after the request
     std::size_t devices = 1;   ///< on the bus; the program opens the first that is plugged in
 };
+/// The first four have a fault that makes the request fail.
 inline constexpr std::array<Trouble, 9> kTroubles{{
     {"stall", RequestFault::Stall},
-    {"time-out", RequestFault::TimeOut},
+    {"timeout", RequestFault::TimeOut},
     {"short data", RequestFault::ShortData},
     {"gone during", RequestFault::Unplug},
     {"garbage", RequestFault::Garbage},
@@ -53,7 +54,7 @@ inline constexpr std::array<Trouble, 9> kTroubles{{
     {"another device", RequestFault::Unplug, Event::None, 2},
 }};
 
-/// When an action meets it.
+/// When an action meets the trouble.
 struct Plan {
     Trouble trouble;
     unsigned n; ///< at this request; 0: before the first one, which is for events only
