@@ -141,7 +141,8 @@ private slots:
         const SettingsWindow settings;
         whenModal([](QWidget& alert) {
             QList<QLabel*> texts = alert.findChildren<QLabel*>(QRegularExpression("^Label(?!Step)"));
-            QCOMPARE(texts.size(), 6);
+            QCOMPARE(texts.size(), 7);
+            QCOMPARE(texts.last()->text(), "Version " TAVRO_VERSION);
             for (QLabel* text : texts) {
                 QApplication::clipboard()->setText("nothing copied");
                 QTest::keyClick(text, Qt::Key_A, Qt::ControlModifier);
