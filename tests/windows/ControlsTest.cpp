@@ -258,6 +258,7 @@ private slots:
         QCOMPARE(heard.textInterface()->text(1, 4), "hre");
         QVERIFY(heard.childCount() == 1 && heard.state().expandable && heard.state().hasPopup);
         const QAccessibleInterface& item = *heard.child(0)->child(1);
+        QVERIFY(item.state().selected && !heard.child(0)->child(0)->state().selected);
         for (const bool opens : {true, false}) {
             heard.actionInterface()->doAction(heard.actionInterface()->actionNames().at(opens ? 0 : 1));
             QCOMPARE(heard.state().expanded, opens);
