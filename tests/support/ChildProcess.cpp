@@ -2,10 +2,8 @@
 
 #include "TestHost.h"
 
-#include <QFile>
+#include <QTemporaryFile>
 #include <QThreadPool>
-
-#include <array>
 
 #include <csignal>
 #include <fcntl.h>
@@ -17,24 +15,23 @@ static const bool kPaintsWithoutThreads = qputenv("QT_NO_GUI_THREADPOOL", "1");
 
 ChildEnd runInChild(const std::function<void()>& part) {
     QThreadPool::globalInstance()->waitForDone(); // older Qt's threads
-    std::array<int, 2> pipe{};
-    const pid_t child = ::pipe(pipe.data()) == 0 ? ::fork() : -1;
+    QTemporaryFile journal;
+    (void)journal.open();
+    const pid_t child = ::fork();
     if (child == 0) {
         (void)std::signal(SIGABRT, SIG_DFL); // Qt Test's handler would report a crash
         ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
         ::alarm(60);
         ::on_exit([](int status, void*) { ::_exit(status); }, nullptr); // without a search for leaks
-        TestHost::instance().journalCopy = pipe[1];
+        TestHost::instance().journalCopy = journal.handle();
         part();
         ::_exit(99);
     }
-    ::close(pipe[1]);
-    QFile journal;
-    (void)journal.open(pipe[0], QIODevice::ReadOnly, QFile::AutoCloseHandle);
-    QByteArrayList entries = journal.readAll().split('\0'); // until the child ends
-    entries.removeLast();
     int status = 0;
-    const bool ended = ::waitpid(child, &status, 0) == child;
+    const bool ended = ::waitpid(child, &status, 0) > 0;
+    (void)journal.seek(0);
+    QByteArrayList entries = journal.readAll().split('\0');
+    entries.removeLast();
     return {ended && WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT,
         ended && WIFEXITED(status) ? WEXITSTATUS(status) : -1, {entries.begin(), entries.end()}};
 }

@@ -49,8 +49,6 @@ class ChangedBundle {
 public:
     ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")}); }
     ~ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")}); }
-    ChangedBundle(const ChangedBundle&) = delete;
-    ChangedBundle& operator=(const ChangedBundle&) = delete;
 
     [[nodiscard]] QString folder() const { return m_folder.path(); }
     /// A resource with all `before` replaced by `after`, which must change it.
