@@ -74,8 +74,8 @@ bool writesWhatItRead(const RecordedRequest& request, std::vector<std::uint8_t>&
 
 /// Writes down that the alert came up, and dismisses it, whenever it does.
 void dismissAlerts() {
-    whenShown("AlertWindow", [](QWidget& alert) {
-        TestHost::note("alert");
+    whenModal([](QWidget& alert) {
+        TestHost::note(alert.objectName().toStdString());
         alert.close();
         dismissAlerts();
     });

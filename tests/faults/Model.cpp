@@ -228,7 +228,7 @@ std::vector<std::string> predict(Field field, int chosen, bool clockIsRight, con
     if (field == Clock ? model.startUp() : model.change(field, chosen))
         model.journal.push_back(model.window());
     else
-        model.journal.insert(model.journal.end(), {"alert", "exit 0"});
+        model.journal.insert(model.journal.end(), {"AlertWindow", "exit 0"});
     for (const auto& device : model.devices) model.journal.push_back(text(kKept, held(*device)));
     return model.journal;
 }
