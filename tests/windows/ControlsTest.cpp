@@ -143,7 +143,7 @@ private slots:
                 const QImage image = rendered(control, scale);
                 for (const QPointF point : row.points) {
                     const QRgb color = image.pixel((point * scale - QPointF(0.5, 0.5)).toPoint());
-                    for (const unsigned shift : {0, 8, 16}) // blue, green, red
+                    for (const unsigned shift : {0U, 8U, 16U}) // blue, green, red
                         QVERIFY2(std::abs(int(color >> shift & 0xFF) - int(row.color >> shift & 0xFF)) <= row.slack,
                             qPrintable(row.part + QDebug::toString(point) + QColor(color).name()));
                 }
