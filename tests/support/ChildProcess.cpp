@@ -3,7 +3,10 @@
 #include "TestHost.h"
 
 #include <QTemporaryFile>
+#include <QTest>
 #include <QThreadPool>
+
+#include <cstdlib>
 
 #include <csignal>
 #include <fcntl.h>
@@ -12,6 +15,11 @@
 
 /// Newer Qt then paints without threads, which a fork does not copy.
 static const bool kPaintsWithoutThreads = qputenv("QT_NO_GUI_THREADPOOL", "1");
+
+/// A test during which the program ends, outside of a child, has failed.
+static const int kEndsAreFailures = std::atexit([] {
+    if (QTest::currentTestFunction()) ::_exit(EXIT_FAILURE);
+});
 
 ChildEnd runInChild(const std::function<void()>& part) {
     QThreadPool::globalInstance()->waitForDone(); // older Qt's threads

@@ -104,7 +104,7 @@ private slots:
                 QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
                 if (alert) device().unplug();
                 const auto report = [&] {
-                    QString values;
+                    QString values = QApplication::activePopupWidget() ? "open list " : "";
                     for (const QWidget* control : settings.window().findChildren<QWidget*>()) {
                         if (control->property("action").isValid())
                             values += control->metaObject()->userProperty().read(control).toString() + ' ';
@@ -159,7 +159,10 @@ private slots:
         QWidget inner;
         bool innerEnded = false;
         QTimer::singleShot(0, &outer, [&] {
-            QTimer::singleShot(0, &inner, stopModal);
+            whenModal([&inner](QWidget& modal) {
+                stopModal();
+                QCOMPARE(&modal, &inner);
+            });
             runModalForWindow(inner);
             innerEnded = true;
             QVERIFY(outer.isVisible());
@@ -239,7 +242,10 @@ private slots:
         const WindowDescription main(QStringLiteral("Main"));
         for (const QString name : {"Settings", "Alert", "About"}) {
             const auto controller = main.instantiateWindowController(name + " Window Controller", &delegate);
-            const auto& view = *controller->window()->findChild<BackgroundImageView*>();
+            auto& view = *controller->window()->findChild<BackgroundImageView*>();
+            QMouseEvent press(QEvent::MouseButtonPress, {1, 1}, {1, 1}, Qt::RightButton, Qt::RightButton, {});
+            QCoreApplication::sendEvent(&view, &press);
+            QVERIFY(!press.isAccepted()); // only the left button drags
             const QImage image = controller->window()->grab().toImage();
             QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
             int red = 0; // the pictures' glow, beside what stands on them
