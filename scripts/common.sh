@@ -9,23 +9,33 @@ esac
 
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# libqt6opengl6-dev: UiTools needs it to configure.
-build_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-tools-dev qt6-tools-dev-tools
-  qt6-l10n-tools libqt6opengl6-dev libusb-1.0-0-dev libudev-dev)
+# build_depends build|test: what debian/control needs to build, or to run the tests of the build as well.
+build_depends() {
+  sed -n '/^Build-Depends:/,/^Standards-Version:/p' "$project/debian/control" |
+    awk -v want="$1" '/^[A-Z].*: *$|^Standards/ { next } { sub(/^Build-Depends:/, ""); sub(/,$/, "", $1) }
+      $1 !~ /^debhelper/ && (/nocheck/ ? "test" : "build") == want { print $1 }'
+}
+mapfile -t build_packages < <(build_depends build)
+build_packages+=(g++)
+mapfile -t test_packages < <(build_depends test)
+test_packages+=(shellcheck strace)
 # A display without a screen, a user's hands, and a look at the result. python3 is for what drives windows.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # What the tests of the desktop use: two window systems, the accessibility bus, fonts for all languages.
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway
   qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
-# What looks at a finished package.
-package_packages=(lintian desktop-file-utils appstream binutils man-db qt6-gtk-platformtheme)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libumockdev-dev umockdev shellcheck strace tzdata
-  fonts-vlgothic fonts-wqy-microhei)
+# What makes a package and looks at it.
+package_packages=(build-essential debhelper dpkg-dev xz-utils lintian desktop-file-utils appstream binutils man-db
+  qt6-gtk-platformtheme)
 
-# What people get is built in one way, whatever is tested on it: nothing is compiled twice.
-configure_release() { # configure_release [OPTION...]
-  cmake -S "$project" --preset release -DTAVRO_WARNINGS_ARE_ERRORS=ON "$@" >/dev/null
+# build PRESET [TARGET...]: configures and builds in build/PRESET, for the device that TAVRO_USB_ID names as lsusb
+# prints it, whatever the folder was built for before.
+build() {
+  local preset=$1 id=${TAVRO_USB_ID:-1209:0001}
+  shift
+  cmake -S "$project" --preset "$preset" -DTAVRO_USB_VENDOR_ID="0x${id%:*}" -DTAVRO_USB_PRODUCT_ID="0x${id#*:}" >/dev/null
+  cmake --build "$project/build/$preset" ${1:+--target "$@"}
 }
 
 # The device's "VENDOR PRODUCT", four hex digits each, which a build was given, by the udev rule that it made.
