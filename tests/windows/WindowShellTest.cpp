@@ -115,6 +115,7 @@ private slots:
                     TestHost::take();
                     meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
                     for (QAction* action : settings.window().actions()) action->trigger();
+                    settings.control<CustomPopUpButton>("PopupRecordQuality").showPopup();
                     QTest::qWait(600); // a groove that is held repeats after half a second
                     QVERIFY(small.isVisible());
                     report();
