@@ -15,6 +15,8 @@
 #include <QTranslator>
 #include <QVersionNumber>
 
+#include <cstdlib>
+
 namespace {
 
 /// Keys come from the window system, as Space needs the focus.
@@ -223,7 +225,7 @@ private slots:
             const ChildEnd end = runInChild([&, language = language] {
                 QLocale::setDefault(QLocale(language));
                 mainBundle::open(*qApp, bundle.folder());
-                ::_exit(QGuiApplication::layoutDirection());
+                std::_Exit(QGuiApplication::layoutDirection());
             });
             QCOMPARE(end.status, static_cast<int>(direction));
         }
