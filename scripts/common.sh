@@ -38,6 +38,12 @@ build() {
   cmake --build "$project/build/$preset" ${1:+--target "$@"}
 }
 
+# What a run was made on, for docs/tested.md.
+describe_system() {
+  echo "$(. /etc/os-release && echo "$PRETTY_NAME"), Qt $(pkg-config --modversion Qt6Core 2>/dev/null || echo '?')," \
+    "g++ $(c++ -dumpfullversion), $(uname -m)"
+}
+
 # The device's "VENDOR PRODUCT", four hex digits each, which a build was given, by the udev rule that it made.
 identifiers() { # identifiers RULE
   sed -n 's/.*idVendor}=="\(....\)".*idProduct}=="\(....\)".*/\1 \2/p' "$1"
