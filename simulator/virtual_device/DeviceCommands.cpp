@@ -20,7 +20,7 @@ struct Named {
 };
 
 constexpr std::array<Named<RequestFault>, 5> kFaults{
-    {{"stall", RequestFault::Stall}, {"time-out", RequestFault::TimeOut}, {"short", RequestFault::ShortData},
+    {{"stall", RequestFault::Stall}, {"timeout", RequestFault::TimeOut}, {"short", RequestFault::ShortData},
         {"garbage", RequestFault::Garbage}, {"unplug", RequestFault::Unplug}}};
 constexpr std::array<Named<std::optional<UVCRequest>>, 5> kRequests{
     {{"set", UVCRequest::SET_CUR}, {"get", UVCRequest::GET_CUR}, {"get-len", UVCRequest::GET_LEN},

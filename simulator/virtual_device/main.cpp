@@ -33,7 +33,7 @@ constexpr const char* kUsage =
     "  --video-control-interface N  number of the VideoControl interface, 0 or 1\n"
     "  --help\n"
     "\n"
-    "Commands: fault stall|time-out|short|garbage|unplug get|set|get-len|get-info|any SELECTOR|any [N],\n"
+    "Commands: fault stall|timeout|short|garbage|unplug get|set|get-len|get-info|any SELECTOR|any [N],\n"
     "clear, unplug, plug, show.\n";
 
 [[noreturn]] void stop(const QString& what, const QString& why) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""take_pictures.py BUILD FOLDER: takes screenshots of the three windows in every language, at 100 % and 200 %, of the
+"""take_screenshots.py BUILD FOLDER: takes screenshots of the three windows in every language, at 100 % and 200 %, of the
 programs in BUILD. Needs the packages that scripts/screenshots installs; leaves FOLDER/LANGUAGE/SCALE/WINDOW.png."""
 
 import concurrent.futures
