@@ -25,6 +25,11 @@ display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway
   qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
+# What boots a kernel and looks at devices there. setpriv and mawk are always there.
+kernel_packages=(qemu-system-x86 busybox-static kmod cpio xz-utils zstd udev systemd
+  v4l-utils qv4l2 usbutils usbip strace locales dbus at-spi2-core gir1.2-atspi-2.0 python3-gi)
+sanitizer_packages=(clang libclang-rt-dev)
+analysis_packages=(libbenchmark-dev clang clang-tidy cppcheck valgrind)
 # What makes a package and looks at it.
 package_packages=(build-essential debhelper dpkg-dev xz-utils lintian desktop-file-utils appstream binutils man-db
   qt6-gtk-platformtheme)
