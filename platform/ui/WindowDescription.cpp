@@ -42,11 +42,19 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
     return object;
 }
 
+/// Hides the folders of Qt's plug-ins. QUiLoader's constructor loads all that it finds there for Designer, and with it
+/// the libraries of Qt Quick.
+struct HiddenPlugins {
+    HiddenPlugins() { QCoreApplication::setLibraryPaths({}); }
+    void show() const { QCoreApplication::setLibraryPaths(paths); }
+    const QStringList paths = QCoreApplication::libraryPaths();
+};
+
 /// Makes windows from .ui files. A custom class that has not been registered is a fatal stop; QUiLoader alone
 /// would silently use its base class instead.
-class DescriptionLoader : public QUiLoader {
+class DescriptionLoader : HiddenPlugins, public QUiLoader {
 public:
-    DescriptionLoader() { clearPluginPaths(); } // all classes of our windows are in this program
+    DescriptionLoader() { show(); } // all classes of our windows are in this program
     [[nodiscard]] std::unique_ptr<QWidget> loadFile(const QString& path);
     QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override;
 };

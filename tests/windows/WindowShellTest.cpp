@@ -231,6 +231,14 @@ private slots:
         }
     }
 
+    void designersPluginsAreLeftOut() { // where they are installed; all others are still found
+        const QStringList paths = QCoreApplication::libraryPaths();
+        const SettingsWindow settings;
+        QFile libraries("/proc/self/maps");
+        QVERIFY(libraries.open(QIODevice::ReadOnly) && !libraries.readAll().contains("/designer/"));
+        QVERIFY(!paths.isEmpty() && QCoreApplication::libraryPaths() == paths);
+    }
+
     void theDesktopKnowsTheProgram() {
         QCOMPARE(QCoreApplication::applicationName(), "Tavro Setup Tool");
         QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
