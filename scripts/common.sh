@@ -31,7 +31,7 @@ kernel_packages=(qemu-system-x86 busybox-static kmod cpio xz-utils zstd udev sys
 sanitizer_packages=(clang libclang-rt-dev)
 analysis_packages=(libbenchmark-dev clang clang-tidy cppcheck valgrind)
 # What makes a package and looks at it.
-package_packages=(build-essential debhelper dpkg-dev xz-utils lintian desktop-file-utils appstream binutils man-db
+package_packages=(git build-essential debhelper dpkg-dev xz-utils lintian desktop-file-utils appstream binutils man-db
   qt6-gtk-platformtheme)
 
 # build PRESET [TARGET...]: configures and builds in build/PRESET, for the device that TAVRO_USB_ID names as lsusb

@@ -65,7 +65,8 @@ bool isWhole(const QWidget& control) {
 QList<QWidget*> visibleControls(const QWidget& window, bool withText = true) {
     QList<QWidget*> controls = window.findChildren<QWidget*>();
     controls.removeIf([withText](QWidget* control) {
-        const bool hasText = !control->property("text").toString().isEmpty() || qobject_cast<QComboBox*>(control);
+        const bool hasText =
+            !control->property("text").toString().isEmpty() || qobject_cast<QComboBox*>(control) != nullptr;
         return !control->isVisible() || (withText && !hasText);
     });
     return controls;
