@@ -117,7 +117,7 @@ private slots:
     void startUpShowsTheDevice() {
         for (const auto& [levels, hdcp, stars, item] :
             {std::tuple(0x02, 1, "img_starBest.png", 0), {0x12, 0, "img_starGood.png", 1},
-                {0x20, 2, "img_starGen.png", 2}, {0x51, 255, "img_starBest.png", -1}}) {
+                {0x20, 2, "img_starGen.png", 2}, {0x31, 255, "img_starBest.png", -1}}) {
             device().settings[8] = static_cast<std::uint8_t>(levels);
             device().settings[9] = static_cast<std::uint8_t>(hdcp);
             const std::array<std::uint8_t, 12> firmware{1, 2, 3, 4, 100, 0, 9, 99, 10, 0, 255, 7};

@@ -38,6 +38,8 @@ const std::vector<std::array<const char*, 4>> kDamages{
     {kIndex, "\"WindowController", "\"AboutViewController",
         "window description: \"Settings Window Controller\" is a AboutViewController, not a window controller"},
     {kIndex, "\"View", "\"Window", "window description: WindowController does not control a window's content"},
+    {kSettings, "\"LabelFwVersion\">", "\"Label\"><property name=\"action\"><string>QuitApp</string></property>",
+        "window description: Label is of a kind without an action"},
     {kIndex, "settings-window", "no", "window description bundle:Main/no.ui: No such file or directory"},
     {kSettings, "SliderCell2", "S", "window description: unknown class CustomS of SliderHmdiAuxVolume"},
     {kSettings, "ChangeHeadphoneVolume", "No", "window description: no handler No for SliderHeadphoneVolume"},
