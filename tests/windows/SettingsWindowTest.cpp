@@ -259,13 +259,13 @@ private slots:
         for (const auto& [volume, line] : {std::pair(256, "SliderHeadphoneVolume: 256 does not fit in 8 bits"),
                  {-1, "SliderHeadphoneVolume: -1 does not fit in 8 bits"},
                  {255, "PopupRecordQuality: -1 does not fit in 8 bits"}, {0, "DeviceCtrl is absent"}}) {
-            const ChildEnd end = runInChild([volume = volume] {
+            const ChildEnd end = runInChild([chosen = volume] {
                 const SettingsWindow settings;
                 auto& slider = settings.control<QSlider>("SliderHeadphoneVolume");
                 slider.setRange(-5, 300);
-                slider.setValue(volume);
+                slider.setValue(chosen);
                 settings.control<CustomPopUpButton>("PopupRecordQuality").selectItemAtIndex(-1);
-                if (volume == 255) settings.view().ChooseRecordQuality(nullptr);
+                if (chosen == 255) settings.view().ChooseRecordQuality(nullptr);
                 settings.view().DeviceCtrl.reset();
                 settings.view().TurnOnHdcp(nullptr);
             });

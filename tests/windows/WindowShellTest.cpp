@@ -208,9 +208,9 @@ private slots:
         const bool qtReconnects = QLibraryInfo::version() >= QVersionNumber(6, 5);
         for (const auto& [message, reconnect, status] :
             {std::tuple(kX11, true, 0), {kWayland, false, 0}, {kWayland, true, qtReconnects ? 99 : 0}}) {
-            const ChildEnd end = runInChild([message = message, reconnect = reconnect] {
-                if (reconnect) qputenv("QT_WAYLAND_RECONNECT", "1");
-                logQtMessage(QtWarningMsg, {}, message);
+            const ChildEnd end = runInChild([text = message, again = reconnect] {
+                if (again) qputenv("QT_WAYLAND_RECONNECT", "1");
+                logQtMessage(QtWarningMsg, {}, text);
             });
             QCOMPARE(end.status, status);
         }
@@ -225,8 +225,8 @@ private slots:
                 "<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
                 "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
             QCOMPARE(QProcess::execute(lrelease, {"-silent", bundle.folder() + '/' + table}), 0);
-            const ChildEnd end = runInChild([&, language = language] {
-                QLocale::setDefault(QLocale(language));
+            const ChildEnd end = runInChild([&, chosen = language] {
+                QLocale::setDefault(QLocale(chosen));
                 mainBundle::open(*qApp, bundle.folder());
                 std::_Exit(QGuiApplication::layoutDirection());
             });
