@@ -9,9 +9,8 @@ namespace {
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
     if (auto* popUp = qobject_cast<CustomPopUpButton*>(object)) return new PopUpAccessible(*popUp);
     if (auto* list = qobject_cast<PopUpList*>(object)) return new PopUpListAccessible(*list);
-    if (auto* background = qobject_cast<BackgroundImageView*>(object))
-        return new QAccessibleWidget(background,
-            QAccessible::Pane); // it shows nothing to tell, but holds all
+    if (auto* background = qobject_cast<BackgroundImageView*>(object)) // shows nothing to tell, but holds all
+        return new QAccessibleWidget(background, QAccessible::Pane);
     auto* widget = qobject_cast<QWidget*>(object);
     if (!widget) return nullptr;
     if (widget->metaObject() == &QFrame::staticMetaObject) // a card
