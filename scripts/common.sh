@@ -19,7 +19,7 @@ mapfile -t build_packages < <(build_depends build)
 build_packages+=(g++)
 mapfile -t test_packages < <(build_depends test)
 test_packages+=(shellcheck strace)
-# A display without a screen, a user's hands, and a look at the result. python3 is for what drives windows.
+# A virtual display, simulated input, and a look at the result. python3 is for what drives windows.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # What the tests of the desktop use: two window systems, the accessibility bus, fonts for all languages.
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway

@@ -85,8 +85,8 @@ void giveUpRights() {
     if (::geteuid() != 0) return;
     const auto id = [](const char* name) {
         constexpr unsigned kNobody = 65534;
-        constexpr unsigned kMost = 0xfffffffe; // the one above means "as it was"
-        return decimalNumber(qgetenv(name), 1, kMost).value_or(kNobody);
+        constexpr unsigned kMaxId = 0xfffffffe; // the one above means "as it was"
+        return decimalNumber(qgetenv(name), 1, kMaxId).value_or(kNobody);
     };
     const gid_t group = id("SUDO_GID");
     if (::setgroups(0, nullptr) != 0 || ::setgid(group) != 0 || ::setuid(id("SUDO_UID")) != 0)
