@@ -32,9 +32,11 @@ foreach(flag -Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
 endforeach()
 
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
-# It needs an optimising compiler, and some compilers set it by themselves, to another level.
-if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE" AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
-  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+# What distributions do by themselves, with another build type, and in their own way.
+if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
+  if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE") # some compilers set it by themselves, to another level
+    add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
+  endif()
+  # Builds in two folders are the same to the byte.
+  add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=.)
 endif()
-# Builds in two folders are the same to the byte.
-add_compile_options(-ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=.)

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/syscall.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
@@ -42,14 +41,17 @@ extern "C" int __wrap_open(const char* path, int flags, mode_t mode) {
     return errno == 0 ? __real_open(path, flags) : -1;
 }
 extern "C" int __wrap_fstat(int file, struct stat* status) {
-    // Past umockdev, which makes devices of files in some versions.
-    const auto result = static_cast<int>(::syscall(SYS_fstat, file, status));
-    if (!running) return result;
+    if (!running) return ::fstatat(file, "", status, AT_EMPTY_PATH);
+    *status = {};
     const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
     status->st_mode = running->nodeKind;
     status->st_rdev = running->nodes.at(path.substr(path.rfind("/dev/"))) + running->numberShift;
-    return result;
+    return 0;
 }
+// Their names on 32-bit processors, by the sizes of offsets and times
+extern "C" [[gnu::alias("__wrap_open")]] int __wrap_open64(const char* path, int flags, mode_t mode);
+extern "C" [[gnu::alias("__wrap_fstat")]] int __wrap_fstat64(int file, struct stat* status);
+extern "C" [[gnu::alias("__wrap_fstat")]] int __wrap___fstat64_time64(int file, struct stat* status);
 // NOLINTEND(bugprone-reserved-identifier)
 
 FakeKernel::FakeKernel() {
