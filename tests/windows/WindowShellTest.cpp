@@ -108,16 +108,23 @@ private slots:
                 auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
                 QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
                 if (alert) device().unplug();
-                const auto report = [&] {
+                const auto state = [&] {
                     QString values = QApplication::activePopupWidget() ? "open list " : "";
                     for (const QWidget* control : settings.window().findChildren<QWidget*>()) {
                         if (control->property("action").isValid())
                             values += control->metaObject()->userProperty().read(control).toString() + ' ';
                     }
-                    systemLog("%zu requests, %s", TestHost::takeRequests().size(), qPrintable(values));
+                    return values;
+                };
+                QString before;
+                const auto report = [&] {
+                    const QString after = state() == before ? "nothing changed" : state();
+                    systemLog("%zu requests, %s", TestHost::takeRequests().size(), qPrintable(after));
                 };
                 whenModal([&](QWidget& small) {
                     TestHost::take();
+                    before = state();
+                    QVERIFY(before.startsWith("Middle 176 ") && groove.value() > 128); // the press came through
                     meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
                     for (QAction* action : settings.window().actions()) action->trigger();
                     settings.control<CustomPopUpButton>("PopupRecordQuality").showPopup();
@@ -130,9 +137,7 @@ private slots:
                 QTest::qWait(150); // nor does it repeat afterwards
                 report();
             });
-            // Of the actions only the press came through: a page above the device's 128.
-            QCOMPARE(std::ranges::count(end.journal, "log 0 requests, Middle 176 144 255 false true false false "),
-                alert ? 1 : 2);
+            QCOMPARE(std::ranges::count(end.journal, "log 0 requests, nothing changed"), alert ? 1 : 2);
             QCOMPARE(end.status, alert ? 0 : 99);
         }
     }
