@@ -2,8 +2,11 @@
 
 #include "TestHost.h"
 
+#include <QDeadlineTimer>
+#include <QDir>
 #include <QTemporaryFile>
 #include <QTest>
+#include <QThread>
 #include <QThreadPool>
 
 #include <cstdlib>
@@ -23,6 +26,12 @@ static const int kEndsAreFailures = std::atexit([] {
 
 ChildEnd runInChild(const std::function<void()>& part) {
     QThreadPool::globalInstance()->waitForDone(); // older Qt's threads
+    // What says that it is done may still hold a lock, which a fork would copy for ever. Qt Test's watchdog stays.
+    const QDir threads("/proc/self/task");
+    for (QDeadlineTimer patience(1000); threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2;) {
+        if (patience.hasExpired()) break;
+        QThread::msleep(1);
+    }
     QTemporaryFile journal;
     (void)journal.open();
     const pid_t child = ::fork();
