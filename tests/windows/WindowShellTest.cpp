@@ -67,6 +67,16 @@ QString aboutVersion() {
     return shown;
 }
 
+/// What its controls show, and whether a list is open.
+QString stateOf(const QWidget& window) {
+    QString values = QApplication::activePopupWidget() ? "open list " : "";
+    for (const QWidget* control : window.findChildren<QWidget*>()) {
+        if (control->property("action").isValid())
+            values += control->metaObject()->userProperty().read(control).toString() + ' ';
+    }
+    return values;
+}
+
 } // namespace
 
 class WindowShellTest : public QObject {
@@ -108,14 +118,7 @@ private slots:
                 auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
                 QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
                 if (alert) device().unplug();
-                const auto state = [&] {
-                    QString values = QApplication::activePopupWidget() ? "open list " : "";
-                    for (const QWidget* control : settings.window().findChildren<QWidget*>()) {
-                        if (control->property("action").isValid())
-                            values += control->metaObject()->userProperty().read(control).toString() + ' ';
-                    }
-                    return values;
-                };
+                const auto state = [&] { return stateOf(settings.window()); };
                 QString before;
                 const auto report = [&] {
                     const QString after = state() == before ? "nothing changed" : state();
