@@ -26,12 +26,11 @@ static const int kEndsAreFailures = std::atexit([] {
 
 ChildEnd runInChild(const std::function<void()>& part) {
     QThreadPool::globalInstance()->waitForDone(); // older Qt's threads
-    // What says that it is done may still hold a lock, which a fork would copy for ever. Qt Test's watchdog stays.
+    // A thread that is done may hold a lock for a moment longer, which the child would wait for without end. This
+    // thread and Qt Test's watchdog stay.
     const QDir threads("/proc/self/task");
-    for (QDeadlineTimer patience(1000); threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2;) {
-        if (patience.hasExpired()) break;
-        QThread::msleep(1);
-    }
+    const QDeadlineTimer limit(1000);
+    while (!limit.hasExpired() && threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2) QThread::msleep(1);
     QTemporaryFile journal;
     (void)journal.open();
     const pid_t child = ::fork();

@@ -118,16 +118,17 @@ private slots:
                 auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
                 QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
                 if (alert) device().unplug();
-                const auto state = [&] { return stateOf(settings.window()); };
                 QString before;
                 const auto report = [&] {
-                    const QString after = state() == before ? "nothing changed" : state();
-                    systemLog("%zu requests, %s", TestHost::takeRequests().size(), qPrintable(after));
+                    const QString after = stateOf(settings.window());
+                    systemLog("%zu requests, %s", TestHost::takeRequests().size(),
+                        after == before ? "nothing changed" : qPrintable(after));
                 };
                 whenModal([&](QWidget& small) {
                     TestHost::take();
-                    before = state();
-                    QVERIFY(before.startsWith("Middle 176 ") && groove.value() > 128); // the press came through
+                    // Of the actions only the press came through: a page above the device's 128, or more.
+                    QVERIFY(groove.value() > 128);
+                    before = QStringLiteral("Middle 176 %1 255 false true false false ").arg(groove.value());
                     meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
                     for (QAction* action : settings.window().actions()) action->trigger();
                     settings.control<CustomPopUpButton>("PopupRecordQuality").showPopup();
