@@ -159,7 +159,9 @@ private slots:
             const QImage row = rendered(settings.control(kPopUp), scale, {0, 24, 160, 1}); // below title and chevrons
             const int red = 3 * qRound(scale) * row.height();                              // both sides and the divider
             const int black = row.width() * row.height() - red;
-            QCOMPARE(counted(row), (QHash<QRgb, int>{{0xFF000000 | kRed, red}, {kBlack, black}}));
+            QHash<QRgb, int> counts = counted(row);
+            counts[0xFF000000 | kRed] += counts.take(0xFF000000 | (kRed - 0x010000)); // the rounding of Qt on i386
+            QCOMPARE(counts, (QHash<QRgb, int>{{0xFF000000 | kRed, red}, {kBlack, black}}));
         }
     }
 
