@@ -160,7 +160,8 @@ private slots:
             const int red = 3 * qRound(scale) * row.height();                              // both sides and the divider
             const int black = row.width() * row.height() - red;
             QHash<QRgb, int> counts = counted(row);
-            counts[0xFF000000 | kRed] += counts.take(0xFF000000 | (kRed - 0x010000)); // the rounding of Qt on i386
+            if (QSysInfo::buildCpuArchitecture() == "i386") // Qt may round a line to the next shade there
+                counts[0xFF000000 | kRed] += counts.take(0xFF000000 | (kRed - 0x010000));
             QCOMPARE(counts, (QHash<QRgb, int>{{0xFF000000 | kRed, red}, {kBlack, black}}));
         }
     }
