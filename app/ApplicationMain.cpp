@@ -5,13 +5,14 @@
 #include "AlertViewController.h"
 #include "AppDelegate.h"
 #include "Bundle.h"
-#include "CustomSliderCell.h"
 #include "DescribedClasses.h"
 #include "FatalStop.h"
-#include "ImageViews.h"
 #include "Log.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
+#include "ui_about-window.h"
+#include "ui_alert-window.h"
+#include "ui_settings-window.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -68,19 +69,14 @@ bool reconnectsAfter(const QString& message) {
         && QLibraryInfo::version() >= QVersionNumber(6, 5);
 }
 
-void registerApplicationClasses() {
+void registerDescriptions() {
+    registerDescribedWindow<QWidget, Ui::SettingsWindow>(QStringLiteral("settings-window.ui"));
+    registerDescribedWindow<QDialog, Ui::AlertWindow>(QStringLiteral("alert-window.ui"));
+    registerDescribedWindow<QDialog, Ui::AboutWindow>(QStringLiteral("about-window.ui"));
     registerDescribedClass<WindowController>();
     registerDescribedClass<ViewController>();
     registerDescribedClass<AlertViewController>();
     registerDescribedClass<AboutViewController>();
-    registerDescribedClass<MyImageView>();
-    registerDescribedClass<AlertImageView>();
-    registerDescribedClass<AboutImageView>();
-    registerDescribedClass<MirroredImageView>();
-    registerDescribedClass<CustomPopUpButton>();
-    registerDescribedClass<CustomSliderCell>();
-    registerDescribedClass<CustomSliderCell2>();
-    registerDescribedClass<AttributedRadioButton>();
 }
 
 } // namespace
@@ -99,9 +95,9 @@ void setUpApplication(QApplication& application) {
     QCoreApplication::setApplicationName(QStringLiteral("Tavro Setup Tool"));
     QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
-    registerApplicationClasses();
+    registerDescriptions();
     installAccessibility();
-    QApplication::setWindowIcon(QIcon(QStringLiteral("bundle:images/tavro-setup-96.png")));
+    QApplication::setWindowIcon(mainBundle::imageNamed(QStringLiteral("tavro-setup-96.png")));
 }
 
 int applicationMain(int argc, char** argv) {

@@ -35,7 +35,7 @@ class MyImageView : public BackgroundImageView {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit MyImageView(QWidget* parent) : BackgroundImageView(parent) {}
+    explicit MyImageView(QWidget* parent) : BackgroundImageView(parent) {}
 };
 
 /// Background of the alert window.
@@ -43,7 +43,7 @@ class AlertImageView : public BackgroundImageView {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit AlertImageView(QWidget* parent) : BackgroundImageView(parent) {}
+    explicit AlertImageView(QWidget* parent) : BackgroundImageView(parent) {}
 };
 
 /// Background of the About window.
@@ -51,7 +51,7 @@ class AboutImageView : public BackgroundImageView {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit AboutImageView(QWidget* parent) : BackgroundImageView(parent) {}
+    explicit AboutImageView(QWidget* parent) : BackgroundImageView(parent) {}
 };
 
 /// A label whose picture is drawn mirrored where the layout runs from right to left.
@@ -59,7 +59,7 @@ class MirroredImageView : public QLabel {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit MirroredImageView(QWidget* parent) : QLabel(parent) {}
+    explicit MirroredImageView(QWidget* parent) : QLabel(parent) {}
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -9,7 +9,7 @@ class AttributedRadioButton : public QRadioButton {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit AttributedRadioButton(QWidget* parent = nullptr) : QRadioButton(parent) {}
+    explicit AttributedRadioButton(QWidget* parent = nullptr) : QRadioButton(parent) {}
 
     [[nodiscard]] const AttributedString& attributedTitle() const { return m_title; }
     /// Replaces the title. Its text becomes the button's, so that a mnemonic in it works.

@@ -21,7 +21,7 @@ public:
     enum class ArrowPosition : unsigned char { None, AtCenter };
 
     /// As window descriptions make it.
-    Q_INVOKABLE explicit CustomPopUpButton(QWidget* parent);
+    explicit CustomPopUpButton(QWidget* parent);
     // A pop-up of this kind is made from a window description only: these stop the program.
     [[noreturn]] explicit CustomPopUpButton(const QRect& frame);
     [[noreturn]] CustomPopUpButton(const QRect& frame, bool pullsDown);

@@ -51,7 +51,7 @@ class CustomSliderCell : public DrawnSlider {
 
 public:
     /// As window descriptions make it.
-    Q_INVOKABLE explicit CustomSliderCell(QWidget* parent) : DrawnSlider(TickSpacing::Twentieth, parent) {}
+    explicit CustomSliderCell(QWidget* parent) : DrawnSlider(TickSpacing::Twentieth, parent) {}
     // A slider of this kind is made from a window description only: these stop the program.
     [[noreturn]] explicit CustomSliderCell(const QString& textCell);
     [[noreturn]] explicit CustomSliderCell(const QImage& imageCell);
@@ -63,7 +63,7 @@ class CustomSliderCell2 : public DrawnSlider {
 
 public:
     /// As window descriptions make it.
-    Q_INVOKABLE explicit CustomSliderCell2(QWidget* parent) : DrawnSlider(TickSpacing::Quarter, parent) {}
+    explicit CustomSliderCell2(QWidget* parent) : DrawnSlider(TickSpacing::Quarter, parent) {}
     // A slider of this kind is made from a window description only: these stop the program.
     [[noreturn]] explicit CustomSliderCell2(const QString& textCell);
     [[noreturn]] explicit CustomSliderCell2(const QImage& imageCell);

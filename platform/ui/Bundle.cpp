@@ -3,15 +3,16 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <QIcon>
-#include <QImageReader>
+#include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
 
-#include <cmath>
+#include <png.h>
+
+#include <utility>
 
 namespace {
 
@@ -49,10 +50,25 @@ std::optional<QVariantMap> infoDictionary() {
     return document.object().toVariantMap();
 }
 
+// By libpng: Qt's own reader first loads every plug-in for pictures that the desktop has, to ask whether it would
+// rather read this one.
 QPixmap imageNamed(const QString& name) {
-    const QString path = QStringLiteral("bundle:images/") + name;
-    // An icon looks for the "@2x" of dense screens. A screen between 1 and 2 shows it smaller.
-    return QIcon(path).pixmap(QImageReader(path).size(), std::ceil(qGuiApp->devicePixelRatio()));
+    const bool dense = qGuiApp->devicePixelRatio() > 1; // a screen between 1 and 2 shows the dense picture smaller
+    QString path = QStringLiteral("bundle:images/") + name;
+    if (dense) path.insert(path.lastIndexOf('.'), QLatin1String("@2x"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    const QByteArray bytes = file.readAll();
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_memory(&png, bytes.constData(), static_cast<std::size_t>(bytes.size())) == 0)
+        return {};
+    png.format = PNG_FORMAT_RGBA;
+    QImage image(static_cast<int>(png.width), static_cast<int>(png.height), QImage::Format_RGBA8888);
+    if (png_image_finish_read(&png, nullptr, image.bits(), static_cast<int>(image.bytesPerLine()), nullptr) == 0)
+        return {};
+    image.setDevicePixelRatio(dense ? 2 : 1);
+    return QPixmap::fromImage(std::move(image));
 }
 
 } // namespace mainBundle

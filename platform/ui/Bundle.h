@@ -21,7 +21,8 @@ void open(
 /// read.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
-/// A picture by its file name, at the resolution of the screen. Null when there is none of that name.
+/// A picture by its file name, at the resolution of the screen. Null when there is none of that name,
+/// or it is not a PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);
 
 } // namespace mainBundle

@@ -1,10 +1,16 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QMetaObject>
 #include <QMetaType>
+#include <QString>
+#include <QWidget>
 
-/// Makes a class known by name to window descriptions. Its constructor must be Q_INVOKABLE.
+#include <functional>
+#include <memory>
+
+/// Makes a controller's class known by name to window descriptions. Its constructor must be Q_INVOKABLE.
 template <class Class>
 void registerDescribedClass() {
     qRegisterMetaType<Class*>();
@@ -13,6 +19,25 @@ void registerDescribedClass() {
 /// The meta-object of a registered class, absent for any other name.
 inline const QMetaObject* describedClass(const QByteArray& name) {
     return QMetaType::fromName(name + '*').metaObject();
+}
+
+using MakeWindow = std::function<std::unique_ptr<QWidget>()>;
+
+/// What makes each window that descriptions know, by the name of its .ui file.
+inline QHash<QString, MakeWindow>& describedWindows() {
+    static QHash<QString, MakeWindow> windows;
+    return windows;
+}
+
+/// Makes a window known to window descriptions. `Window` is the class at the top of the .ui file, `Form` what Qt's
+/// uic made of the file.
+template <class Window, class Form>
+void registerDescribedWindow(const QString& file) {
+    describedWindows()[file] = [] {
+        auto window = std::make_unique<Window>();
+        Form().setupUi(window.get());
+        return window;
+    };
 }
 
 /// A custom control that has something to do when it has been made from a description, its items included.

@@ -14,7 +14,6 @@
 #include <QMetaMethod>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QUiLoader>
 
 #include <array>
 #include <functional>
@@ -42,30 +41,11 @@ std::unique_ptr<QObject> makeObject(const QJsonObject& entry, const QString& key
     return object;
 }
 
-/// Hides the folders of Qt's plug-ins. QUiLoader's constructor loads all that it finds there for Designer, and with it
-/// the libraries of Qt Quick.
-struct HiddenPlugins {
-    HiddenPlugins() { QCoreApplication::setLibraryPaths({}); }
-    void show() const { QCoreApplication::setLibraryPaths(paths); }
-    const QStringList paths = QCoreApplication::libraryPaths();
-};
-
-/// Makes windows from .ui files. A custom class that has not been registered is a fatal stop; QUiLoader alone
-/// would silently use its base class instead.
-class DescriptionLoader : HiddenPlugins, public QUiLoader {
-public:
-    DescriptionLoader() { show(); } // all classes of our windows are in this program
-    [[nodiscard]] std::unique_ptr<QWidget> loadFile(const QString& path);
-    QWidget* createWidget(const QString& className, QWidget* parent, const QString& name) override;
-};
-
-/// A file that is missing or damaged is a fatal stop.
-std::unique_ptr<QWidget> DescriptionLoader::loadFile(const QString& path) {
-    QFile file(path);
-    std::unique_ptr<QWidget> window(file.open(QIODevice::ReadOnly) ? load(&file) : nullptr);
-    if (!window)
-        fatalStop("window description %s: %s", qUtf8Printable(path),
-            qUtf8Printable(file.isOpen() ? errorString() : file.errorString()));
+/// A new window of the description of that name.
+std::unique_ptr<QWidget> makeWindow(const QString& file) {
+    const MakeWindow make = describedWindows().value(file);
+    if (!make) fatalStop("window description: unknown window %s", qUtf8Printable(file));
+    std::unique_ptr<QWidget> window = make();
     // By name, so that dense screens get the dense picture: a pixmap in the description is one for all.
     for (QLabel* label : window->findChildren<QLabel*>()) {
         if (const QVariant image = label->property("image"); image.isValid())
@@ -78,18 +58,6 @@ std::unique_ptr<QWidget> DescriptionLoader::loadFile(const QString& path) {
     }
     for (MadeFromDescription* made : found) made->didDecode();
     return window;
-}
-
-QWidget* DescriptionLoader::createWidget(const QString& className, QWidget* parent, const QString& name) {
-    // "Line" is the loader's own word for a separator; it makes all others from their class names.
-    static const QStringList own = availableWidgets();
-    if (own.contains(className)) return QUiLoader::createWidget(className, parent, name);
-    const QMetaObject* known = describedClass(className.toLatin1());
-    auto* control = known ? qobject_cast<QWidget*>(known->newInstance(Q_ARG(QWidget*, parent))) : nullptr;
-    if (!control)
-        fatalStop("window description: unknown class %s of %s", qUtf8Printable(className), qUtf8Printable(name));
-    control->setObjectName(name);
-    return control;
 }
 
 /// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology
@@ -191,7 +159,7 @@ void WindowDescription::loadWindow(WindowController& controller, const QJsonObje
         fatalStop("window description: %s does not control a window's content", object->metaObject()->className());
     (void)object.release();
     controller.setContentController(std::unique_ptr<ContentController>(content));
-    controller.setWindow(DescriptionLoader().loadFile(QStringLiteral("bundle:%1/%2").arg(m_name, file)));
+    controller.setWindow(makeWindow(file));
     for (OutletBase* outlet : content->outlets()) outlet->connectBelow(*controller.window());
     connectActions(*controller.window(), {content, responder});
     content->viewDidLoad();

@@ -7,9 +7,9 @@
 
 #include <memory>
 
-/// A set of windows with their controllers, described in the folder of that name in the bundle: an index
-/// (`Main/Main.json` for "Main") that gives each identifier the class of its controller, its window's .ui
-/// file and the class of its content's controller, and the .ui files.
+/// A set of windows with their controllers. The index in the bundle (`Main/Main.json` for "Main") gives each
+/// identifier the class of its controller, its window's .ui file and the class of its content's controller.
+/// Classes and windows are built in, and known by their names once they are registered.
 ///
 /// The property "action" of a control or of a QAction names its handler: a slot that takes the sender, of the
 /// content's controller or else of the responder. It runs at every action of the user, whether by mouse,

@@ -2,6 +2,7 @@
 
 #include "AppDelegate.h"
 #include "ChildProcess.h"
+#include "DescribedClasses.h"
 #include "TestHost.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
@@ -42,6 +43,16 @@ inline void whenModal(std::function<void(QWidget&)> act) {
         else
             whenModal(act);
     });
+}
+
+/// From now on a control of the window of that .ui file has another value of a property.
+inline void changeDescription(const QString& file, const QString& control, const char* property, const QString& value) {
+    MakeWindow& make = describedWindows()[file];
+    make = [=, whole = make] {
+        auto window = whole();
+        window->findChild<QObject*>(control)->setProperty(property, value);
+        return window;
+    };
 }
 
 /// Puts changed resources in front of the program's own, until it goes.

@@ -246,9 +246,10 @@ private slots:
         QCOMPARE(settings.view().outlets().size(), std::size_t{16});
         for (const OutletBase* outlet : settings.view().outlets()) {
             const QByteArray name = outlet->name();
-            ChangedBundle bundle;
-            bundle.replace("Main/settings-window.ui", "name=\"" + name + "\"", "name=\"Another\"");
-            const ChildEnd end = runInChild([] { const SettingsWindow incomplete; });
+            const ChildEnd end = runInChild([&name] {
+                changeDescription("settings-window.ui", name, "objectName", "Another");
+                const SettingsWindow incomplete;
+            });
             QCOMPARE(end.aborted, !unused.contains(name));
             if (end.aborted)
                 QCOMPARE(end.journal.back(), "log Fatal: outlet " + name.toStdString() + " is not connected");

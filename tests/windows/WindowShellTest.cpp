@@ -27,24 +27,35 @@ void dismiss(QWidget& small, const QString& way) {
     QTest::keyClick(small.windowHandle(), QKeySequence(way)[0].key());
 }
 
-constexpr auto kIndex = "Main/Main.json";
-constexpr auto kSettings = "Main/settings-window.ui";
-/// File, what is replaced there by what, and what the program stops with; empty: it goes on without those windows.
-const std::vector<std::array<const char*, 4>> kDamages{
-    {kIndex, "{", "", "window description \"Main\" is missing or damaged"},
-    {kIndex, "Settings Window", "Other",
-        "window description \"Main\" has no controller \"Settings Window Controller\""},
-    {kIndex, "\"WindowController", "\"No", "window description: unknown controller class \"No\""},
-    {kIndex, "\"WindowController", "\"AboutViewController",
+/// What is replaced in the index by what, and what the program stops with; empty: it goes on without those windows.
+const std::vector<std::array<const char*, 3>> kDamagedIndices{
+    {"{", "", "window description \"Main\" is missing or damaged"},
+    {"Settings Window", "Other", "window description \"Main\" has no controller \"Settings Window Controller\""},
+    {"\"WindowController", "\"No", "window description: unknown controller class \"No\""},
+    {"\"WindowController", "\"AboutViewController",
         "window description: \"Settings Window Controller\" is a AboutViewController, not a window controller"},
-    {kIndex, "\"View", "\"Window", "window description: WindowController does not control a window's content"},
-    {kSettings, "\"LabelFwVersion\">", "\"Label\"><property name=\"action\"><string>QuitApp</string></property>",
-        "window description: Label is of a kind without an action"},
-    {kIndex, "settings-window", "no", "window description bundle:Main/no.ui: No such file or directory"},
-    {kSettings, "SliderCell2", "S", "window description: unknown class CustomS of SliderHmdiAuxVolume"},
-    {kSettings, "ChangeHeadphoneVolume", "No", "window description: no handler No for SliderHeadphoneVolume"},
-    {"Main/about-window.ui", "LabelVersionString", "No", "outlet LabelVersionString is not connected"},
-    {kIndex, "\"window\": \"a", "\"no\": \"a", ""}};
+    {"\"View", "\"Window", "window description: WindowController does not control a window's content"},
+    {"settings-window", "no", "window description: unknown window no.ui"}, {"\"window\": \"a", "\"no\": \"a", ""}};
+/// Window, which of its controls gets another value of which property, and what the program stops with.
+const std::vector<std::array<const char*, 5>> kDamagedWindows{
+    {"settings-window.ui", "LabelFwVersion", "action", "QuitApp",
+        "window description: LabelFwVersion is of a kind without an action"},
+    {"settings-window.ui", "SliderHeadphoneVolume", "action", "No",
+        "window description: no handler No for SliderHeadphoneVolume"},
+    {"about-window.ui", "LabelVersionString", "objectName", "No", "outlet LabelVersionString is not connected"}};
+
+/// Opens all three windows.
+void openAll() {
+    const SettingsWindow settings;
+    AppDelegate().ShowAboutWindow(nullptr);
+    device().unplug();
+    settings.view().TurnOnHdcp(nullptr); // shows the alert
+}
+
+void compareEnd(const ChildEnd& end, const std::string& line) {
+    QVERIFY2(line.empty() ? end.status == 0 : end.aborted, line.c_str());
+    if (!line.empty()) QCOMPARE(end.journal.back(), "log Fatal: " + line);
+}
 
 /// Does all that assistive technology and keys can do to a part of a window.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
@@ -243,18 +254,32 @@ private slots:
         }
     }
 
-    void designersPluginsAreLeftOut() { // where they are installed; all others are still found
-        const QStringList paths = QCoreApplication::libraryPaths();
+    void picturesNeedNoPlugins() { // a desktop may have dozens of them
         const SettingsWindow settings;
+        QVERIFY(!settings.control<QLabel>("QualityImage").pixmap().isNull());
         QFile libraries("/proc/self/maps");
-        QVERIFY(libraries.open(QIODevice::ReadOnly) && !libraries.readAll().contains("/designer/"));
-        QVERIFY(!paths.isEmpty() && QCoreApplication::libraryPaths() == paths);
+        QVERIFY(libraries.open(QIODevice::ReadOnly) && !libraries.readAll().contains("/imageformats/"));
+    }
+
+    void damagedPicturesAreNull() {
+        QVERIFY(mainBundle::imageNamed("no.png").isNull());
+        const QString name = qApp->devicePixelRatio() > 1 ? "images/img_starBest@2x.png" : "images/img_starBest.png";
+        QFile picture(":/" + name);
+        QVERIFY(picture.open(QIODevice::ReadOnly));
+        const QByteArray bytes = picture.readAll();
+        ChangedBundle bundle;
+        for (const QByteArray& damaged : {bytes.mid(1), bytes.chopped(20)}) {
+            bundle.write(name, damaged);
+            QVERIFY(mainBundle::imageNamed("img_starBest.png").isNull());
+        }
+        bundle.write(name, bytes);
+        QVERIFY(!mainBundle::imageNamed("img_starBest.png").isNull());
     }
 
     void theDesktopKnowsTheProgram() {
         QCOMPARE(QCoreApplication::applicationName(), "Tavro Setup Tool");
         QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
-        QCOMPARE(QApplication::windowIcon().availableSizes().value(0), QSize(96, 96));
+        QCOMPARE(QApplication::windowIcon().availableSizes().value(0), QSize(96, 96) * qApp->devicePixelRatio());
         QCOMPARE(QApplication::style()->name(), "fusion");
         for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
             QVERIFY(QApplication::palette().color(QPalette::Disabled, role) != QApplication::palette().color(role));
@@ -282,18 +307,17 @@ private slots:
     }
 
     void damagedDescriptionsStop() {
-        for (const auto& [file, before, after, line] : kDamages) {
+        for (const auto& [before, after, line] : kDamagedIndices) {
             ChangedBundle bundle;
-            bundle.replace(file, before, after);
-            const ChildEnd end = runInChild([] {
-                const SettingsWindow settings;
-                AppDelegate().ShowAboutWindow(nullptr);
-                device().unplug();
-                settings.view().TurnOnHdcp(nullptr); // shows the alert
+            bundle.replace("Main/Main.json", before, after);
+            compareEnd(runInChild(openAll), line);
+        }
+        for (const auto& [file, control, property, value, line] : kDamagedWindows) {
+            const ChildEnd end = runInChild([window = file, name = control, key = property, text = value] {
+                changeDescription(window, name, key, text);
+                openAll();
             });
-            const bool stops = *line != '\0';
-            QVERIFY2(stops ? end.aborted : end.status == 0, line);
-            if (stops) QCOMPARE(end.journal.back(), std::string("log Fatal: ") + line);
+            compareEnd(end, line);
         }
     }
 };
