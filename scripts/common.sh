@@ -54,6 +54,13 @@ identifiers() { # identifiers RULE
   sed -n 's/.*idVendor}=="\(....\)".*idProduct}=="\(....\)".*/\1 \2/p' "$1"
 }
 
+# How this machine reaches its mirror of Debian, for a system that is made here.
+apt_settings() {
+  apt-config dump | grep -iE '^Acquire::(http|https|ftp|retries|check-valid-until)' || true
+  [ -z "${http_proxy:-}" ] || echo "Acquire::http::Proxy \"$http_proxy\";"
+  [ -z "${https_proxy:-}" ] || echo "Acquire::https::Proxy \"$https_proxy\";"
+}
+
 install_packages() {
   "$project/scripts/install-packages" "$@"
 }
