@@ -45,7 +45,7 @@ build() {
 
 # What a run was made on, for docs/tested.md.
 describe_system() {
-  echo "$(. /etc/os-release && echo "$PRETTY_NAME"), Qt $(pkg-config --modversion Qt6Core 2>/dev/null || echo '?')," \
+  echo "$(. /etc/os-release && echo "$PRETTY_NAME"), Qt $("${PKG_CONFIG:-pkg-config}" --modversion Qt6Core 2>/dev/null || echo '?')," \
     "g++ $(c++ -dumpfullversion), $(uname -m)"
 }
 
