@@ -55,6 +55,12 @@ inline void changeDescription(const QString& file, const QString& control, const
     };
 }
 
+/// Empty if the program has none of that name.
+inline QByteArray resource(const QString& path) {
+    QFile file(QStringLiteral(":/") + path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// Puts changed resources in front of the program's own, until it goes.
 class ChangedBundle {
 public:
@@ -62,14 +68,6 @@ public:
     ~ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")}); }
 
     [[nodiscard]] QString folder() const { return m_folder.path(); }
-    /// A resource with all `before` replaced by `after`, which must change it.
-    void replace(const QString& path, const QByteArray& before, const QByteArray& after) {
-        QFile original(QStringLiteral(":/") + path);
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        QByteArray content = original.readAll();
-        QVERIFY2(content.contains(before), before.constData());
-        write(path, content.replace(before, after));
-    }
     void write(const QString& path, const QByteArray& content) {
         QVERIFY(QDir(m_folder.path()).mkpath(QFileInfo(path).path()));
         QFile changed(m_folder.filePath(path));
