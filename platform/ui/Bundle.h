@@ -21,8 +21,8 @@ void open(
 /// read.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
-/// A picture by its file name, at the resolution of the screen. Null when there is none of that name,
-/// or it is not a PNG.
+/// A picture by its file name, at the resolution of the screen. Null if there is none of that name,
+/// or none that can be read as PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);
 
 } // namespace mainBundle
