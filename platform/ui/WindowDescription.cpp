@@ -17,6 +17,8 @@
 
 #include <array>
 #include <functional>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -61,16 +63,19 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
 }
 
 /// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology
-/// toggles without a press, for which `clicked` is not emitted. A press emits both: `toggled` is skipped
-/// then.
+/// toggles without a press, for which `clicked` is not emitted. A press that selects emits both while one event
+/// is handled: what `toggled` asks for waits until the next, unless `clicked` has done it by then.
 void connectRadioButton(QRadioButton& button, const std::function<void()>& act) {
-    const auto pressing = std::make_shared<bool>(false);
-    QObject::connect(&button, &QRadioButton::pressed, &button, [pressing] { *pressing = true; });
-    QObject::connect(&button, &QRadioButton::released, &button, [pressing] { *pressing = false; });
-    QObject::connect(&button, &QRadioButton::clicked, &button, act);
-    QObject::connect(&button, &QRadioButton::toggled, &button, [pressing, act](bool selected) {
-        if (selected && !*pressing) act();
+    const auto waiting = std::make_shared<bool>(false);
+    QObject::connect(&button, &QRadioButton::clicked, &button, [waiting, act] {
+        *waiting = false;
+        act();
     });
+    QObject::connect(&button, &QRadioButton::toggled, &button, [waiting](bool selected) { *waiting = selected; });
+    const auto actIfWaiting = [waiting, act] {
+        if (std::exchange(*waiting, false)) act();
+    };
+    QObject::connect(&button, &QRadioButton::toggled, &button, actIfWaiting, Qt::QueuedConnection);
 }
 
 /// Runs `act` at every action of the user on a control, by mouse, wheel, keys or assistive technology. A

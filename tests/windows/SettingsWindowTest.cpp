@@ -195,12 +195,16 @@ private slots:
             QAccessible::queryAccessibleInterface(&on)->actionInterface()->doAction(
                 QAccessibleActionInterface::toggleAction());
         };
+        // As Alt+N does, which acts after a tenth of a second, and a hasty user
+        const auto pressAndLeave = [&] { on.animateClick(), on.clearFocus(), QTest::qWait(150); };
         // The second click is one on the selected button.
         const std::vector<std::pair<std::function<void()>, int>> presses{
-            {click, 1}, {click, 1}, {right, 0}, {toggle, 1}};
+            {click, 1}, {click, 1}, {right, 0}, {toggle, 1}, {right, 0}, {pressAndLeave, 1}};
         TestHost::take();
         for (const auto& [press, state] : presses) {
+            on.setFocus();
             press();
+            QCoreApplication::processEvents();
             QCOMPARE(TestHost::takeRequests().size(), 3U);
             QCOMPARE(device().settings[9], state);
             QCOMPARE(on.isChecked(), state == 1);
