@@ -64,7 +64,7 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
 
 /// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology
 /// toggles without a press, for which `clicked` is not emitted. A press that selects emits both while one event
-/// is handled: what `toggled` asks for waits until the next, unless `clicked` has done it by then.
+/// is handled: after `toggled` the action waits for the end of that event, and is dropped if `clicked` ran it.
 void connectRadioButton(QRadioButton& button, const std::function<void()>& act) {
     const auto waiting = std::make_shared<bool>(false);
     QObject::connect(&button, &QRadioButton::clicked, &button, [waiting, act] {

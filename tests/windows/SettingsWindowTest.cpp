@@ -195,7 +195,7 @@ private slots:
             QAccessible::queryAccessibleInterface(&on)->actionInterface()->doAction(
                 QAccessibleActionInterface::toggleAction());
         };
-        // As Alt+N does, which acts after a tenth of a second, and a hasty user
+        // Alt+N presses the button for a tenth of a second; a hasty user has left it by then.
         const auto pressAndLeave = [&] { on.animateClick(), on.clearFocus(), QTest::qWait(150); };
         // The second click is one on the selected button.
         const std::vector<std::pair<std::function<void()>, int>> presses{
