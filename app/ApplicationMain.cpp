@@ -7,6 +7,7 @@
 #include "Bundle.h"
 #include "DescribedClasses.h"
 #include "FatalStop.h"
+#include "HeldKeys.h"
 #include "Log.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
@@ -97,6 +98,7 @@ void setUpApplication(QApplication& application) {
     mainBundle::open(application);
     registerDescriptions();
     installAccessibility();
+    ignoreHeldKeys();
     QApplication::setWindowIcon(mainBundle::imageNamed(QStringLiteral("tavro-setup-96.png")));
 }
 

@@ -3,7 +3,6 @@
 #include <QAbstractSlider>
 #include <QApplication>
 #include <QEventLoop>
-#include <QKeyEvent>
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QPointer>
@@ -11,8 +10,6 @@
 #include <QWidget>
 #include <QWindow>
 
-#include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
@@ -41,7 +38,6 @@ public:
 
 private:
     void rememberAndRelease(QWidget& window);
-    [[nodiscard]] bool isHeldKey(QObject* object, QEvent* event) const;
 
     QWidget& m_window;
     QEventLoop m_loop;
@@ -76,22 +72,10 @@ void ModalRun::restore(const QWidget& window) const {
     }
 }
 
-/// The repeats of a key that was pressed in another window come here when this one gets the focus.
-bool ModalRun::isHeldKey(QObject* object, QEvent* event) const {
-    constexpr std::array kEndingKeys{Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape, Qt::Key_Space};
-    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride) return false;
-    const auto* widget = qobject_cast<QWidget*>(object);
-    const auto& key = static_cast<QKeyEvent&>(*event);
-    return widget != nullptr && widget->window() == &m_window && key.isAutoRepeat()
-        && std::ranges::find(kEndingKeys, key.key()) != kEndingKeys.end();
-}
-
 bool ModalRun::eventFilter(QObject* object, QEvent* event) {
     // Hiding ends the run, however it was caused. Closing hides the window; minimising is spontaneous.
     if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous()) m_loop.quit();
-    if (!isHeldKey(object, event)) return false;
-    event->accept(); // for shortcuts too
-    return true;
+    return false;
 }
 
 /// Makes the window transient for its owner, so that the window system places it there.
