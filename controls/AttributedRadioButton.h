@@ -16,6 +16,7 @@ public:
     void setAttributedTitle(const AttributedString& title);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
