@@ -2,21 +2,34 @@
 
 #include "ImageViews.h"
 #include "PopUpAccessible.h"
-#include "PopUpListAccessible.h"
+
+#include <QAccessibleWidget>
+#include <QApplication>
 
 namespace {
 
+/// A window, over which a menu may be open.
+class WindowAccessible : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
+
+    [[nodiscard]] QAccessibleInterface* childAt(int x, int y) const override {
+        QWidget* menu = QApplication::activePopupWidget();
+        if (menu && menu->geometry().contains(x, y)) return QAccessible::queryAccessibleInterface(menu);
+        return QAccessibleWidget::childAt(x, y);
+    }
+};
+
 QAccessibleInterface* makeInterface(const QString& /*className*/, QObject* object) {
-    if (auto* popUp = qobject_cast<CustomPopUpButton*>(object)) return new PopUpAccessible(*popUp);
-    if (auto* list = qobject_cast<PopUpList*>(object)) return new PopUpListAccessible(*list);
-    if (auto* background = qobject_cast<BackgroundImageView*>(object)) // shows nothing to tell, but holds all
+    if (QAccessibleInterface* ofPopUp = makePopUpAccessible(object)) return ofPopUp;
+    if (auto* background = qobject_cast<BackgroundImageView*>(object)) // a container without content of its own
         return new QAccessibleWidget(background, QAccessible::Pane);
     auto* widget = qobject_cast<QWidget*>(object);
     if (!widget) return nullptr;
     if (widget->metaObject() == &QFrame::staticMetaObject) // a card
         return new QAccessibleWidget(widget, QAccessible::Grouping);
     if (widget->metaObject() == &QWidget::staticMetaObject && widget->windowType() == Qt::Window)
-        return new QAccessibleWidget(widget, QAccessible::Window);
+        return new WindowAccessible(widget, QAccessible::Window);
     return nullptr;
 }
 

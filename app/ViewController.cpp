@@ -32,6 +32,7 @@ void show(const Outlet<QSlider>& slider, std::uint8_t volume) {
 void show(const Outlet<AttributedRadioButton>& button, bool selected) {
     const QSignalBlocker blocker(button.operator->());
     button->setChecked(selected);
+    button->setFocusPolicy(selected ? Qt::StrongFocus : Qt::ClickFocus); // Tab goes to the selected one
 }
 
 QString firmwareText(const FirmwareVersionRecord& b) {
@@ -96,9 +97,9 @@ void ViewController::fillRecordQuality(std::uint8_t level) {
     PopupRecordQuality->selectItemAtIndex(level);
     describeStars(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
-    CustomPopUpButton* popUp = PopupRecordQuality.operator->();
-    connect(popUp, &CustomPopUpButton::menuWillOpen, this, &ViewController::menuWillOpen, Qt::UniqueConnection);
-    connect(popUp, &CustomPopUpButton::menuDidClose, this, &ViewController::menuDidClose, Qt::UniqueConnection);
+    QMenu* menu = PopupRecordQuality->menu();
+    connect(menu, &QMenu::aboutToShow, this, [this, menu] { menuWillOpen(menu); });
+    connect(menu, &QMenu::aboutToHide, this, [this, menu] { menuDidClose(menu); });
 }
 
 void ViewController::styleHdcpTitles() {
@@ -160,8 +161,9 @@ void ViewController::DisplayBitRateImage(std::uint8_t level) {
 }
 
 void ViewController::describeStars(std::uint8_t level) {
-    const int shown = level < PopupRecordQuality->count() ? level : CBIT_RATE_HIGH;
-    QualityImage->setAccessibleDescription(PopupRecordQuality->itemText(shown));
+    const QString title = PopupRecordQuality->attributedTitle(level).string;
+    QualityImage->setAccessibleDescription(
+        title.isEmpty() ? PopupRecordQuality->attributedTitle(CBIT_RATE_HIGH).string : title);
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {

@@ -4,24 +4,24 @@
 #include "FatalStop.h"
 #include "ModalRun.h"
 #include "PopUpGeometry.h"
-#include "PopUpList.h"
 
 #include <QAccessible>
-#include <QSignalBlocker>
+#include <QActionGroup>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QStyleOption>
-#include <QStyledItemDelegate>
-#include <QWheelEvent>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
-constexpr int kAttributedTitle = Qt::UserRole;
 constexpr double kLineWidth = 1.0;
 constexpr double kFocusFrameWidth = 2.0;
 constexpr double kFocusFrameRadius = 3.0;
 constexpr QRectF kFocusFrame(3, 3, 133, 22);
+
+const QColor kMenuGround(0xF3, 0xF1, 0xF0);
+const QColor kActiveRow(0xF3, 0xC6, 0xC4);
 
 // The light colour's components are given on the scale 0 to 255, which makes white at 80 % opacity; the
 // clamped look is the intended one.
@@ -55,22 +55,31 @@ void drawBorder(QPainter& context) {
     for (const QRect& side : QRegion(face) - face.adjusted(width, width, -width, -width)) fillPixels(context, side);
 }
 
-/// Rows of the open list: the style, which isn't told of a text, draws all but the title.
-class TitleDelegate : public QStyledItemDelegate {
+/// Draws each item's title as it is attributed. The style sheet gives the rows their size.
+class TitleMenu : public QMenu {
 public:
-    using QStyledItemDelegate::QStyledItemDelegate;
+    using QMenu::QMenu;
 
-    void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        option.widget->style()->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
-        // The list covers the face but for the border's pixel: the titles of both are aligned.
-        const QRectF box = QRectF(option.rect).adjusted(kTitleLeft - 1, 0, -kTitleLeft, 0);
-        drawAttributedString(*painter, box, index.data(kAttributedTitle).value<AttributedString>());
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter context(this);
+        context.fillRect(rect(), lineColor()); // the border is what the rows leave of it
+        for (QAction* item : actions()) {
+            const QRect row = actionGeometry(item);
+            context.fillRect(row, item == activeAction() ? kActiveRow : kMenuGround);
+            // The rows begin beside the border, the face beneath it: the titles of both are aligned.
+            const QRectF box = QRectF(row).adjusted(kTitleLeft - kLineWidth, 0, -kTitleLeft, 0);
+            drawAttributedString(context, box, item->data().value<AttributedString>());
+        }
     }
 };
 
 } // namespace
 
-CustomPopUpButton::CustomPopUpButton(QWidget* parent) : QComboBox(parent) {
+CustomPopUpButton::CustomPopUpButton(QWidget* parent)
+    : QWidget(parent), m_menu(new TitleMenu(this)), m_items(new QActionGroup(m_menu)) {
+    m_menu->setAttribute(Qt::WA_NoMouseReplay);                 // a click beside the open menu only closes it
+    connect(m_menu, &QMenu::triggered, m_menu, &QWidget::hide); // assistive technology leaves it open
 }
 
 CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
@@ -81,48 +90,34 @@ CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/)
     fatalStop("CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)");
 }
 
-void CustomPopUpButton::didDecode() {
-    // Not earlier: the list takes its place in the window's style sheet by this button's name.
-    setView(new PopUpList(*this));
-    view()->setItemDelegate(new TitleDelegate(view()));
-    view()->installEventFilter(this);
-    setItemStyles(CPOPUP_TEXT_BLACK_COLOR);
-    // Before all handlers, so that they run after the list was closed in whatever order the toolkit does it.
-    connect(this, &QComboBox::activated, this, &CustomPopUpButton::emitMenuDidClose);
-    connect(this, &QComboBox::currentIndexChanged, this, &CustomPopUpButton::showCurrentRow);
-    showCurrentRow();
-}
-
-/// Selects the current item in the list: the toolkit leaves the selection where the user has browsed to, and
-/// screen readers read it there. The list alone would also report that the row has the focus.
-void CustomPopUpButton::showCurrentRow() {
-    const QSignalBlocker blocker(view()->selectionModel());
-    view()->setCurrentIndex(model()->index(currentIndex(), modelColumn(), rootModelIndex()));
-    QAccessibleEvent selected(view(), QAccessible::Selection);
-    selected.setChild(currentIndex());
-    QAccessible::updateAccessibility(&selected);
-}
-
-void CustomPopUpButton::removeAllItems() {
-    clear();
-}
-
 void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {
-    addItems(titles);
+    for (const QString& title : titles) {
+        QAction* item = m_items->addAction(m_menu->addAction(title));
+        item->setCheckable(true);
+        connect(item, &QAction::toggled, this, &CustomPopUpButton::showSelection);
+    }
     setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
+}
+
+int CustomPopUpButton::indexOfSelectedItem() const {
+    return static_cast<int>(m_menu->actions().indexOf(m_items->checkedAction()));
+}
+
+void CustomPopUpButton::selectItemAtIndex(int index) {
+    if (QAction* selected = m_items->checkedAction()) selected->setChecked(false);
+    if (QAction* item = m_menu->actions().value(index)) item->setChecked(true);
 }
 
 void CustomPopUpButton::setItemStyles(int style) {
     const QColor color = style == CPOPUP_TEXT_BLACK_COLOR ? QColor(Qt::black) : lightColor();
-    for (int index = 0; index < count(); ++index) {
-        const QString title = itemText(index);
-        const AttributedString attributed = createAttributedString(title, color, title, color);
-        setItemData(index, QVariant::fromValue(attributed), kAttributedTitle);
-    }
+    for (QAction* item : m_menu->actions())
+        item->setData(QVariant::fromValue(createAttributedString(item->text(), color, item->text(), color)));
+    update();
 }
 
 AttributedString CustomPopUpButton::attributedTitle(int index) const {
-    return itemData(index, kAttributedTitle).value<AttributedString>();
+    const QAction* item = m_menu->actions().value(index);
+    return item ? item->data().value<AttributedString>() : AttributedString();
 }
 
 void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
@@ -130,37 +125,49 @@ void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
     update();
 }
 
-void CustomPopUpButton::showPopup() {
-    if (count() == 0 || isBehindModalRun(*this)) return;
-    m_open = true;
-    emit menuWillOpen(view());
-    QComboBox::showPopup();
+void CustomPopUpButton::showMenu() {
+    if (m_menu->isEmpty() || isBehindModalRun(*this)) return;
+    m_menu->popup(mapToGlobal(QPoint(0, -1)), m_items->checkedAction());
+    m_menu->setActiveAction(m_items->checkedAction());
 }
 
-void CustomPopUpButton::chooseItemAtIndex(int index) {
-    if (index < 0 || index >= count() || !isEnabled() || isBehindModalRun(*this)) return;
-    hidePopup();
-    setCurrentIndex(index);
-    emit activated(index);
+void CustomPopUpButton::showSelection(bool selected) {
+    update();
+    if (!selected) return; // another item is selected next, or none
+    QAccessibleValueChangeEvent changed(this, titleOfSelectedItem());
+    QAccessible::updateAccessibility(&changed);
 }
 
-void CustomPopUpButton::emitMenuDidClose() {
-    if (std::exchange(m_open, false)) emit menuDidClose(view());
+void CustomPopUpButton::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) showMenu();
 }
 
-// The list is closed by the user, by the program, or by the window system after a click elsewhere.
-bool CustomPopUpButton::eventFilter(QObject* list, QEvent* event) {
-    if (event->type() == QEvent::Hide) {
-        emitMenuDidClose();
-        // Later: the toolkit may still have to take a choice from the row.
-        QMetaObject::invokeMethod(this, &CustomPopUpButton::showCurrentRow, Qt::QueuedConnection);
+/// The keys of a combo box: without opening the menu they choose the next item, the first or last one, or the
+/// next one with an initial.
+void CustomPopUpButton::keyPressEvent(QKeyEvent* event) {
+    const int last = static_cast<int>(m_menu->actions().size()) - 1;
+    const int selected = indexOfSelectedItem();
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_F4: return showMenu();
+    case Qt::Key_Up: return event->modifiers() & Qt::AltModifier ? showMenu() : choose(selected - 1);
+    case Qt::Key_Down: return event->modifiers() & Qt::AltModifier ? showMenu() : choose(selected + 1);
+    case Qt::Key_Home: return choose(0);
+    case Qt::Key_End: return choose(last);
+    default: break;
     }
-    return QComboBox::eventFilter(list, event);
+    for (int step = 1; step <= last + 1 && !event->text().isEmpty(); ++step) {
+        const int index = (selected + step) % (last + 1);
+        if (m_menu->actions()[index]->text().startsWith(event->text(), Qt::CaseInsensitive)) return choose(index);
+    }
+    event->ignore();
 }
 
-// A turn of the wheel while scrolling past must not change what is being recorded.
-void CustomPopUpButton::wheelEvent(QWheelEvent* event) {
-    event->ignore();
+void CustomPopUpButton::choose(int index) {
+    QAction* item = m_menu->actions().value(index);
+    if (!item) return;
+    item->trigger();
+    m_menu->setActiveAction(item); // a screen reader says it, as in the open menu
 }
 
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
@@ -191,7 +198,7 @@ void CustomPopUpButton::drawRect(QPainter& context) const {
 }
 
 void CustomPopUpButton::drawTitle(QPainter& context) const {
-    AttributedString title = attributedTitle(currentIndex());
+    AttributedString title = attributedTitle(indexOfSelectedItem());
     if (!isEnabled()) title.addColor(0, title.string.size(), kDisabledTextColor);
     drawAttributedString(context, QRectF(kTitleLeft, 0, kTitleRight - kTitleLeft, kPopUpHeight), title);
 }

@@ -3,18 +3,23 @@
 #include "AttributedString.h"
 #include "DescribedClasses.h"
 
-#include <QComboBox>
+#include <QMenu>
 #include <QStringList>
+#include <QWidget>
+
+class QActionGroup;
 
 /// Item styles of the pop-up.
-inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open list, whose ground is light
+inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open menu, whose ground is light
 inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 
-/// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron.
-/// Its items' titles are attributed strings. Each choice of the user emits `activated` once, also for the
-/// current item. Browsing the open list and the mouse wheel choose nothing.
-class CustomPopUpButton : public QComboBox, public MadeFromDescription {
+/// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron. Its
+/// items are actions of its menu, one of which is checked; their titles are attributed strings. The menu emits
+/// `triggered` once for each choice of the user, also for the current item. Browsing the open menu and the
+/// mouse wheel choose nothing.
+class CustomPopUpButton : public QWidget, public MadeFromDescription {
     Q_OBJECT
+    Q_PROPERTY(int currentIndex READ indexOfSelectedItem WRITE selectItemAtIndex USER true)
 
 public:
     /// Where the style's own arrow is drawn; the chevrons are drawn in any case.
@@ -26,15 +31,18 @@ public:
     [[noreturn]] explicit CustomPopUpButton(const QRect& frame);
     [[noreturn]] CustomPopUpButton(const QRect& frame, bool pullsDown);
 
-    void didDecode() override;
+    void didDecode() override { setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }
 
-    void removeAllItems();
+    [[nodiscard]] QMenu* menu() const { return m_menu; }
+    void removeAllItems() { m_menu->clear(); }
     /// Adds items and gives all items the light style.
     void addItemsWithTitles(const QStringList& titles);
     /// -1: nothing is selected.
-    [[nodiscard]] int indexOfSelectedItem() const { return currentIndex(); }
+    [[nodiscard]] int indexOfSelectedItem() const;
     /// Is no action of the user. An index without an item selects nothing.
-    void selectItemAtIndex(int index) { setCurrentIndex(index); }
+    void selectItemAtIndex(int index);
+    /// Empty if no item is selected.
+    [[nodiscard]] QString titleOfSelectedItem() const { return attributedTitle(indexOfSelectedItem()).string; }
     /// Gives every item's title the colour of the style: black for 1, the light one for any other.
     void setItemStyles(int style);
     [[nodiscard]] AttributedString attributedTitle(int index) const;
@@ -45,29 +53,22 @@ public:
     /// Strokes one line of the decoration; draws nothing without a context.
     static void Line(QPainter* context, double Ax, double Ay, double Bx, double By);
 
-    /// Opens the list. Does nothing while there are no items or a modal run makes this window inert.
-    void showPopup() override;
-    /// A choice by assistive technology, with the list open or closed. Closes the list first. Does nothing if
-    /// the item can't be chosen now.
-    void chooseItemAtIndex(int index);
-
-signals:
-    void menuWillOpen(QObject* menu);
-    /// Comes before `activated` when an item was chosen.
-    void menuDidClose(QObject* menu);
+    /// Opens the menu. Does nothing while there are no items or a modal run makes this window inert.
+    void showMenu();
 
 protected:
-    bool eventFilter(QObject* list, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void emitMenuDidClose();
-    void showCurrentRow();
+    void choose(int index);
+    void showSelection(bool selected);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
 
+    QMenu* m_menu;
+    QActionGroup* m_items; ///< of the menu, of which one is checked
     ArrowPosition m_arrowPosition = ArrowPosition::AtCenter;
-    bool m_open = false;
 };

@@ -7,10 +7,10 @@
 
 #include <QAbstractSlider>
 #include <QAction>
-#include <QComboBox>
 #include <QFile>
 #include <QJsonDocument>
 #include <QLabel>
+#include <QMenu>
 #include <QMetaMethod>
 #include <QPushButton>
 #include <QRadioButton>
@@ -85,8 +85,8 @@ void connectUserAction(QObject& control, const std::function<void()>& act) {
         QObject::connect(action, &QAction::triggered, action, act);
     else if (auto* slider = qobject_cast<QAbstractSlider*>(&control))
         QObject::connect(slider, &QAbstractSlider::valueChanged, slider, act);
-    else if (auto* popUp = qobject_cast<QComboBox*>(&control))
-        QObject::connect(popUp, &QComboBox::activated, popUp, act);
+    else if (auto* menu = control.findChild<QMenu*>(QString(), Qt::FindDirectChildrenOnly)) // of a pop-up button
+        QObject::connect(menu, &QMenu::triggered, menu, act);
     else if (auto* radio = qobject_cast<QRadioButton*>(&control))
         connectRadioButton(*radio, act);
     else if (auto* button = qobject_cast<QPushButton*>(&control))

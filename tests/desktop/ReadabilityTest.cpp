@@ -6,7 +6,11 @@
 #include "OpenWindow.h"
 #include "Pictures.h"
 
+#include <QAccessible>
+
 #include <QKeySequence>
+#include <QRegularExpression>
+#include <QTextDocumentFragment>
 
 #include <cmath>
 
@@ -51,8 +55,8 @@ void expectContrast(double ratio, double least, const QString& of) {
 /// Whether a person sees all of a control's text.
 bool isWhole(const QWidget& control) {
     if (const auto* popUp = qobject_cast<const CustomPopUpButton*>(&control)) {
-        for (int index = 0; index < popUp->count(); ++index)
-            if (QFontMetrics(titleFont()).horizontalAdvance(popUp->itemText(index)) > 120) return false;
+        for (const QAction* item : popUp->menu()->actions())
+            if (QFontMetrics(titleFont()).horizontalAdvance(item->text()) > 120) return false;
         return true;
     }
     QSize needed = control.sizeHint();
@@ -66,7 +70,7 @@ QList<QWidget*> visibleControls(const QWidget& window, bool withText = true) {
     QList<QWidget*> controls = window.findChildren<QWidget*>();
     controls.removeIf([withText](QWidget* control) {
         const bool hasText =
-            !control->property("text").toString().isEmpty() || qobject_cast<QComboBox*>(control) != nullptr;
+            !control->property("text").toString().isEmpty() || qobject_cast<CustomPopUpButton*>(control) != nullptr;
         return !control->isVisible() || (withText && !hasText);
     });
     return controls;
@@ -109,6 +113,52 @@ void checkWords(const QWidget& window) {
     }
 }
 
+/// What is wrong with a part of a window's accessible tree and with all below it. Parents and children must know each
+/// other; a hit test must find what is visible, and nothing hidden.
+// NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
+QString treeFaults(QAccessibleInterface& part, QAccessibleInterface& window) {
+    QString faults;
+    const auto name = [](const QAccessibleInterface* of) {
+        return of ? QDebug::toString(of->role()) + " \"" + of->text(QAccessible::Name) + "\" " : QString("nothing ");
+    };
+    const QPoint center = part.rect().center();
+    QAccessibleInterface* hit = &window;
+    while (auto* below = hit->childAt(center.x(), center.y())) hit = below;
+    if (hit->state().invisible) faults += name(hit) + "is hidden but hit; ";
+    const QWidget* menu = QApplication::activePopupWidget();
+    const bool isCovered = menu && menu->geometry().contains(center) && part.role() != QAccessible::MenuItem;
+    if (part.childCount() == 0 && !part.state().invisible && !isCovered && hit != &part)
+        faults += name(&part) + "is not hit but " + name(hit) + "; ";
+    const bool isOperated = part.state().focusable && part.role() != QAccessible::PopupMenu;
+    if (isOperated && part.text(QAccessible::Name).isEmpty()) faults += name(&part) + "has no name; ";
+    for (int i = 0; i < part.childCount(); ++i) {
+        QAccessibleInterface* child = part.child(i);
+        if (!child || child->parent() != &part || part.indexOfChild(child) != i)
+            faults += name(&part) + "and its child " + name(child) + "disagree; ";
+        if (child) faults += treeFaults(*child, window);
+    }
+    return faults;
+}
+
+/// That assistive technology finds its way through a window, with its menu open too, and hears what is shown.
+void checkAccessibleTree(const QWidget& window) {
+    auto& root = *QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&window));
+    QCOMPARE(treeFaults(root, root), "");
+    for (QWidget* control : visibleControls(window)) {
+        QString text = control->property("text").toString();
+        if (Qt::mightBeRichText(text)) text = QTextDocumentFragment::fromHtml(text).toPlainText();
+        text.remove(QRegularExpression("\\(&.\\)|&")); // the mnemonic's mark
+        const QString name = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+        QVERIFY2(name.contains(text, Qt::CaseInsensitive), qUtf8Printable(text + " is called " + name));
+    }
+    auto* popUp = window.findChild<CustomPopUpButton*>();
+    if (!popUp) return;
+    popUp->showMenu();
+    QCOMPARE(treeFaults(root, root), "");
+    popUp->menu()->hide();
+    QCOMPARE(treeFaults(root, root), "");
+}
+
 const QStringList kWindows{"Settings", "Alert", "About"};
 
 } // namespace
@@ -131,7 +181,9 @@ private slots:
             font.setPointSizeF(points);
             QApplication::setFont(font);
             for (const QString& window : kWindows) {
-                checkWords(*open(window, language)->window());
+                const auto controller = open(window, language);
+                checkWords(*controller->window());
+                checkAccessibleTree(*controller->window());
                 if (QTest::currentTestFailed())
                     QFAIL(qPrintable(QStringLiteral("%1 at %2 points").arg(window).arg(points)));
             }

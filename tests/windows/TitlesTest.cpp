@@ -84,6 +84,7 @@ private slots:
         CustomPopUpButton popUp(nullptr);
         popUp.resize(160, 28);
         popUp.addItemsWithTitles({QString(20, u'M'), "Two"});
+        popUp.selectItemAtIndex(0);
         const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
         const QStringList more{QString(), "Three"};
         using Step = std::pair<std::function<void()>, QColor>;
@@ -94,7 +95,8 @@ private slots:
                 {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
                 {[&] { popUp.setItemStyles(7); }, light}}) {
             step();
-            for (const int item : {0, popUp.count() - 1}) QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
+            for (const int item : {0, int(popUp.menu()->actions().size()) - 1})
+                QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
         }
         for (const auto& [enabled, least, most] : {std::tuple(true, 170, 204), {false, 90, 115}}) {
             popUp.setEnabled(enabled);
