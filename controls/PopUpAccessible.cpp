@@ -75,15 +75,24 @@ private:
     CustomPopUpButton& m_popUp;
 };
 
-/// The toolkit's own interface of a menu has the application as its parent.
-class MenuAccessible : public QAccessibleWidget {
+/// The toolkit's own interface of a menu has the application as its parent and no selection, by which newer screen
+/// readers find the level.
+class MenuAccessible : public QAccessibleWidget
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) // has no such interface before
+    ,
+                       public QAccessibleSelectionInterface
+#endif
+{
 public:
-    explicit MenuAccessible(QMenu& menu) : QAccessibleWidget(&menu, QAccessible::PopupMenu), m_menu(menu) {}
+    explicit MenuAccessible(QMenu& menu) : QAccessibleWidget(&menu, QAccessible::PopupMenu), m_menu(menu) {
+    }
 
     [[nodiscard]] QAccessibleInterface* parent() const override {
         return QAccessible::queryAccessibleInterface(m_menu.parent());
     }
-    [[nodiscard]] int childCount() const override { return static_cast<int>(m_menu.actions().size()); }
+    [[nodiscard]] int childCount() const override {
+        return static_cast<int>(m_menu.actions().size());
+    }
     [[nodiscard]] QAccessibleInterface* child(int index) const override {
         QAction* item = m_menu.actions().value(index);
         return item ? QAccessible::queryAccessibleInterface(item) : nullptr;
@@ -91,6 +100,38 @@ public:
     [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override {
         return child ? static_cast<int>(m_menu.actions().indexOf(child->object())) : -1;
     }
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::SelectionInterface ? static_cast<QAccessibleSelectionInterface*>(this)
+                                                       : QAccessibleWidget::interface_cast(type);
+    }
+    [[nodiscard]] int selectedItemCount() const override {
+        return static_cast<int>(selectedItems().size());
+    }
+    [[nodiscard]] QList<QAccessibleInterface*> selectedItems() const override {
+        QList<QAccessibleInterface*> selected;
+        for (QAction* item : m_menu.actions()) {
+            if (item->isChecked()) selected.append(QAccessible::queryAccessibleInterface(item));
+        }
+        return selected;
+    }
+    bool select(QAccessibleInterface* item) override {
+        const int index = indexOfChild(item);
+        if (index >= 0) m_menu.actions()[index]->trigger();
+        return index >= 0;
+    }
+    // One item is always selected, and only one.
+    bool unselect(QAccessibleInterface* /*item*/) override {
+        return false;
+    }
+    bool selectAll() override {
+        return false;
+    }
+    bool clear() override {
+        return false;
+    }
+#endif
 
 private:
     QMenu& m_menu;
@@ -118,8 +159,8 @@ public:
     }
     [[nodiscard]] QAccessible::State state() const override {
         QAccessible::State state;
-        state.checkable = state.focusable = true;
-        state.checked = m_item.isChecked();
+        state.checkable = state.focusable = state.selectable = true;
+        state.checked = state.selected = m_item.isChecked();
         state.focused = m_menu.activeAction() == &m_item;
         state.invisible = !m_menu.isVisible();
         return state;
