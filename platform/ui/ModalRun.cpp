@@ -3,6 +3,7 @@
 #include <QAbstractSlider>
 #include <QApplication>
 #include <QEventLoop>
+#include <QLabel>
 #include <QMetaProperty>
 #include <QMouseEvent>
 #include <QPointer>
@@ -10,6 +11,7 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -53,13 +55,14 @@ ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(in
     QObject::connect(&window, &QObject::destroyed, &m_loop, &QEventLoop::quit);
 }
 
-/// The window's controls get no mouse events any more: a pressed groove would repeat forever.
+/// The window's controls get no mouse events during the run: a pressed groove would repeat forever, and a pressed
+/// picture would move the window after it. A released button would be clicked.
 void ModalRun::rememberAndRelease(QWidget& window) {
     for (QWidget* control : window.findChildren<QWidget*>()) {
-        if (auto* slider = qobject_cast<QAbstractSlider*>(control)) {
-            QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), slider->mapToGlobal(QPointF()), Qt::LeftButton,
+        if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QLabel*>(control)) {
+            QMouseEvent release(QEvent::MouseButtonRelease, QPointF(), control->mapToGlobal(QPointF()), Qt::LeftButton,
                 Qt::NoButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(slider, &release);
+            QCoreApplication::sendEvent(control, &release);
         }
         const QMetaProperty property = control->metaObject()->userProperty();
         if (property.isValid()) m_shown.push_back({control, property, property.read(control)});
@@ -78,8 +81,20 @@ bool ModalRun::eventFilter(QObject* object, QEvent* event) {
     return false;
 }
 
-/// Makes the window transient for its owner, so that the window system places it there.
-void makeTransient(QWidget& window, const QWidget* owner) {
+/// The active window, or a visible one while another program is active; null if there is none.
+QWidget* ownerOf(const QWidget& window) {
+    if (QWidget* active = QApplication::activeWindow()) return active;
+    const QWidgetList others = QApplication::topLevelWidgets();
+    const auto isOwner = [&window](const QWidget* other) {
+        return other != &window && other->isVisible() && other->windowType() == Qt::Window;
+    };
+    const auto found = std::ranges::find_if(others, isOwner);
+    return found == others.end() ? nullptr : *found;
+}
+
+/// Makes the window transient for its owner: the window system keeps it above that.
+void makeTransient(QWidget& window) {
+    const QWidget* owner = ownerOf(window);
     if (!owner || !owner->windowHandle()) return;
     (void)window.winId(); // makes the window handle
     window.windowHandle()->setTransientParent(owner->windowHandle());
@@ -97,7 +112,7 @@ void focusDefaultButton(const QWidget& window) {
 void runModalForWindow(QWidget& window) {
     ModalRun run(window);
     window.setWindowModality(Qt::ApplicationModal);
-    makeTransient(window, QApplication::activeWindow());
+    makeTransient(window);
     focusDefaultButton(window);
     window.show();
     window.raise();

@@ -3,6 +3,7 @@
 #include "ApplicationMain.h"
 #include "CustomSliderCell.h"
 #include "ImageViews.h"
+#include "ModalRun.h"
 #include "OpenWindow.h"
 #include "Pictures.h"
 
@@ -226,8 +227,9 @@ private slots:
             QTest::mousePress(&label, button, {}, {1, 1});
             for (int times = 0; times < 2; ++times) // the second one must not start another move
                 QTest::mouseMove(&label, {1 + way, 1});
-            QTest::mouseRelease(&label, button, {}, {1 + way, 1});
             QWidget elsewhere;
+            QTimer::singleShot(0, qApp, stopModal);
+            runModalForWindow(elsewhere); // during which the button is released
             QTest::mousePress(&elsewhere, Qt::LeftButton);
             QTest::mouseMove(&label, {99, 99});
             QCOMPARE(background.moves, moves);
