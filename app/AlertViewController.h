@@ -2,19 +2,12 @@
 
 #include "ContentController.h"
 
-#include <QLabel>
-
-/// Controls the window that says that the device can't be reached. It shows the program's version too: who sees this
-/// window only can't open About.
+/// Controls the window that says that the device can't be reached. All its texts come from the description.
 class AlertViewController : public ContentController {
     Q_OBJECT
 
 public:
     Q_INVOKABLE AlertViewController() = default;
-
-    Outlet<QLabel> LabelAlertVersion{m_outlets, "LabelAlertVersion"};
-
-    void viewDidLoad() override;
 
 public slots:
     /// Ends the modal run; what comes after it is the opener's decision.

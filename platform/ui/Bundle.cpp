@@ -50,6 +50,15 @@ std::optional<QVariantMap> infoDictionary() {
     return document.object().toVariantMap();
 }
 
+std::optional<QString> versionText() {
+    const auto information = infoDictionary();
+    if (!information) return std::nullopt;
+    const QVariant version = information->value(QStringLiteral("CFBundleShortVersionString"));
+    if (version.typeId() != QMetaType::QString) return std::nullopt;
+    //: The program's version number follows, as in "Version 1.0.0".
+    return Localizable::tr("VERSION", "Version") + u' ' + version.toString();
+}
+
 // By libpng: Qt's own reader first loads every plug-in for pictures that the desktop has, to ask whether it would
 // rather read this one.
 QPixmap imageNamed(const QString& name) {

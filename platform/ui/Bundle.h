@@ -21,6 +21,9 @@ void open(
 /// read.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
+/// "Version 1.0.0" in the user's language. Absent if the application information has no version.
+[[nodiscard]] std::optional<QString> versionText();
+
 /// A picture by its file name, at the resolution of the screen. Null if there is none of that name,
 /// or none that can be read as PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);

@@ -52,6 +52,8 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
     for (QLabel* label : window->findChildren<QLabel*>()) {
         if (const QVariant image = label->property("image"); image.isValid())
             label->setPixmap(mainBundle::imageNamed(image.toString()));
+        if (const auto version = mainBundle::versionText(); version && label->property("showsVersion").toBool())
+            label->setText(*version);
     }
     // Found before the first is told: it may delete children of its own, as a pop-up does with its list.
     std::vector<MadeFromDescription*> found;
