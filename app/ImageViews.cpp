@@ -11,11 +11,12 @@ namespace {
 
 /// At its own size and its label's alignment; both mirrored where the layout runs from right to left.
 void drawPicture(QLabel& label) {
-    const QPixmap picture = label.pixmap();
-    const QRect place =
-        QStyle::alignedRect(Qt::LeftToRight, label.alignment(), picture.deviceIndependentSize().toSize(), label.rect());
+    QPixmap picture = label.pixmap();
+    if (label.isRightToLeft()) picture = picture.transformed(QTransform::fromScale(-1, 1));
+    const QRect place = QStyle::alignedRect(
+        label.layoutDirection(), label.alignment(), picture.deviceIndependentSize().toSize(), label.rect());
     QPainter painter(&label);
-    if (label.isRightToLeft()) painter.setWorldTransform(QTransform(-1, 0, 0, 1, label.width(), 0));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform); // between 100 and 200 % the dense picture is drawn smaller
     painter.drawPixmap(place.topLeft(), picture);
 }
 
@@ -30,7 +31,7 @@ QSize BackgroundImageView::minimumSizeHint() const {
 }
 
 void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
-    drawPicture(*this); // its bright corner is not where the window's heading begins
+    drawPicture(*this); // mirrored, so that the bright corner stays off the heading
 }
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {

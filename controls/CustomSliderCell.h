@@ -24,9 +24,13 @@ public:
     void drawBarInside(QPainter& context, const QRectF& bar, bool flipped);
     void drawTickMarks(QPainter& context) const;
 
+    [[nodiscard]] QSize sizeHint() const override { return kSmallestSlider; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return kSmallestSlider; }
+
 protected:
-    DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(parent), m_spacing(spacing) {
+    DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(Qt::Horizontal, parent), m_spacing(spacing) {
         setAttribute(Qt::WA_Hover); // is drawn again when the pointer enters and leaves
+        setFocusPolicy(Qt::StrongFocus); // a turn of the wheel does not move the focus
     }
 
     void paintEvent(QPaintEvent* event) override;

@@ -2,10 +2,13 @@
 
 #include <QRect>
 #include <QRectF>
+#include <QSize>
 
 #include <vector>
 
 // The drawn sliders' geometry in logical pixels, for painting, hit area and tests.
+
+inline constexpr QSize kSmallestSlider(240, 48);
 
 /// The distance between ticks.
 enum class TickSpacing : unsigned char { Twentieth, Quarter };

@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QMetaEnum>
+#include <QPalette>
 #include <QTranslator>
 
 #include <png.h>
@@ -48,6 +50,21 @@ std::optional<QVariantMap> infoDictionary() {
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
     if (!document.isObject()) return std::nullopt;
     return document.object().toVariantMap();
+}
+
+QString styleSheet() {
+    QFile file(QStringLiteral("bundle:Main/style.qss"));
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    QString sheet = QString::fromUtf8(file.readAll());
+    const QPalette palette = QGuiApplication::palette();
+    const auto replace = [&sheet](const QString& role, const QColor& color) {
+        sheet.replace(QStringLiteral("palette(%1)").arg(role), color.name());
+    };
+    const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
+    for (int role = 0; role < QPalette::NColorRoles; ++role)
+        replace(QString::fromLatin1(roles.valueToKey(role)), palette.color(static_cast<QPalette::ColorRole>(role)));
+    replace(QStringLiteral("DisabledText"), palette.color(QPalette::Disabled, QPalette::Text));
+    return sheet;
 }
 
 std::optional<QString> versionText() {

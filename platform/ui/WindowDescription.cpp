@@ -48,6 +48,7 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
     const MakeWindow make = describedWindows().value(file);
     if (!make) fatalStop("window description: unknown window %s", qUtf8Printable(file));
     std::unique_ptr<QWidget> window = make();
+    window->setStyleSheet(mainBundle::styleSheet());
     // By name, so that dense screens get the dense picture: a pixmap in the description is one for all.
     for (QLabel* label : window->findChildren<QLabel*>()) {
         if (const QVariant image = label->property("image"); image.isValid())

@@ -8,14 +8,6 @@
         <translation>Info zu Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Lautstärke, Aufnahmequalität und HDCP eines USB-Videoaufnahmegeräts einstellen.</translation>
     </message>
@@ -28,20 +20,12 @@
         <translation>&amp;Schließen</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Schließen</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Programmsymbol</translation>
     </message>
 </context>
 <context>
     <name>AlertWindow</name>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
     <message>
         <source>Capture device not reached</source>
         <translation>Aufnahmegerät konnte nicht erreicht werden</translation>
@@ -53,10 +37,6 @@
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Das Aufnahmegerät konnte nicht erreicht werden&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>Das Aufnahmegerät konnte nicht erreicht werden</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -85,10 +65,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>Schließt diese Meldung und beendet das Programm.</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Beenden</translation>
     </message>
 </context>
 <context>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>USB-Videoaufnahmegerät</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>Aktuelle Bitrate</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Stufe der Sterneskala; zeigt, was die Sterne bedeuten.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>Stellt HDMI- und AUX-Lautstärke zusammen ein.</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>&amp;Ein</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>Beenden (Strg+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>Info</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Beenden</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Programmsymbol</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>Stufe der Sterneskala; zeigt, was die Sterne bedeuten.</translation>
     </message>
 </context>
 </TS>

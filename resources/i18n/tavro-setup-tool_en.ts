@@ -8,14 +8,6 @@
         <translation>About Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Volume, record quality and HDCP settings for one USB video capture device.</translation>
     </message>
@@ -28,10 +20,6 @@
         <translation>&amp;Close</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Close</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Program icon</translation>
     </message>
@@ -39,20 +27,12 @@
 <context>
     <name>AlertWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Capture device not reached</source>
         <translation>Capture device not reached</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>The capture device could not be reached</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -65,10 +45,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>Closes this message and ends the program.</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quit</translation>
     </message>
     <message>
         <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>USB video capture device</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>Current bit rate</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Step of the star scale; shows what the stars mean.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>Sets the HDMI and the AUX volume together.</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>O&amp;n</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>Quit (Ctrl+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>About</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quit</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Program icon</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>Legend for the stars.</translation>
     </message>
 </context>
 </TS>

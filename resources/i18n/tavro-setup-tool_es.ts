@@ -8,14 +8,6 @@
         <translation>Acerca de Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Ajustes de volumen, calidad de grabación y HDCP de un dispositivo de captura de vídeo USB.</translation>
     </message>
@@ -28,20 +20,12 @@
         <translation>&amp;Cerrar</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Cerrar</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Icono del programa</translation>
     </message>
 </context>
 <context>
     <name>AlertWindow</name>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
     <message>
         <source>Capture device not reached</source>
         <translation>No se pudo acceder al dispositivo de captura</translation>
@@ -53,10 +37,6 @@
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;No se pudo acceder al dispositivo de captura&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>No se pudo acceder al dispositivo de captura</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -85,10 +65,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>Cierra este mensaje y cierra el programa.</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Salir</translation>
     </message>
 </context>
 <context>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>Dispositivo de captura de vídeo USB</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>Tasa de bits actual</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Nivel de la escala de estrellas; indica qué significan.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>Ajusta a la vez el volumen de HDMI y el de AUX.</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>Ac&amp;tivado</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>Salir (Ctrl+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>Acerca de</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Salir</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Icono del programa</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>Nivel de la escala de estrellas; indica qué significan.</translation>
     </message>
 </context>
 </TS>

@@ -8,14 +8,6 @@
         <translation>À propos de Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>Réglages du volume, de la qualité d’enregistrement et de HDCP d’un boîtier d’acquisition vidéo USB.</translation>
     </message>
@@ -28,20 +20,12 @@
         <translation>&amp;Fermer</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>Fermer</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Icône du programme</translation>
     </message>
 </context>
 <context>
     <name>AlertWindow</name>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
     <message>
         <source>Capture device not reached</source>
         <translation>Boîtier d’acquisition injoignable</translation>
@@ -53,10 +37,6 @@
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Le boîtier d’acquisition n’a pas pu être joint&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>Le boîtier d’acquisition n’a pas pu être joint</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -85,10 +65,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>Ferme ce message et quitte le programme.</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quitter</translation>
     </message>
 </context>
 <context>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>Boîtier d’acquisition vidéo USB</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>Débit actuel</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>Niveau de l’échelle d’étoiles&#x202f;; indique ce que signifient les étoiles.</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>Règle ensemble les volumes de HDMI et d’AUX.</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>Acti&amp;vé</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>Quitter (Ctrl+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>À propos</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>Quitter</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>Icône du programme</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>Niveau de l’échelle d’étoiles&#x202f;; indique ce que signifient les étoiles.</translation>
     </message>
 </context>
 </TS>

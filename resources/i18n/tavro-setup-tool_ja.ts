@@ -8,14 +8,6 @@
         <translation>Tavro Setup Tool のバージョン情報</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>USB ビデオキャプチャーデバイスの音量、録画品質、HDCP を設定します。</translation>
     </message>
@@ -28,20 +20,12 @@
         <translation>閉じる(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>閉じる</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>プログラムのアイコン</translation>
     </message>
 </context>
 <context>
     <name>AlertWindow</name>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
     <message>
         <source>Capture device not reached</source>
         <translation>キャプチャーデバイスに接続できませんでした</translation>
@@ -53,10 +37,6 @@
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;キャプチャーデバイスに接続できませんでした&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>キャプチャーデバイスに接続できませんでした</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -85,10 +65,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>このメッセージを閉じてプログラムを終了します。</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>終了</translation>
     </message>
 </context>
 <context>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>USB ビデオキャプチャーデバイス</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>現在のビットレート</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>星評価の段階。星の意味を示します。</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>HDMI と AUX の音量をまとめて設定します。</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>オン(&amp;N)</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>終了 (Ctrl+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>バージョン情報</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>終了</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>プログラムのアイコン</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>星評価の段階。星の意味を示します。</translation>
     </message>
 </context>
 </TS>

@@ -8,14 +8,6 @@
         <translation>关于 Tavro Setup Tool</translation>
     </message>
     <message>
-        <source>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:x-large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
         <source>Volume, record quality and HDCP settings for one USB video capture device.</source>
         <translation>设置 USB 视频采集设备的音量、录制质量和 HDCP。</translation>
     </message>
@@ -28,20 +20,12 @@
         <translation>关闭(&amp;C)</translation>
     </message>
     <message>
-        <source>Close</source>
-        <translation>关闭</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>程序图标</translation>
     </message>
 </context>
 <context>
     <name>AlertWindow</name>
-    <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
     <message>
         <source>Capture device not reached</source>
         <translation>无法连接到采集设备</translation>
@@ -53,10 +37,6 @@
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
         <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;无法连接到采集设备&lt;/span&gt;</translation>
-    </message>
-    <message>
-        <source>The capture device could not be reached</source>
-        <translation>无法连接到采集设备</translation>
     </message>
     <message>
         <source>Please check these points, then start the program again.</source>
@@ -85,10 +65,6 @@
     <message>
         <source>Closes this message and ends the program.</source>
         <translation>关闭此消息并退出程序。</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>退出</translation>
     </message>
 </context>
 <context>
@@ -132,14 +108,6 @@
 <context>
     <name>SettingsWindow</name>
     <message>
-        <source>Tavro Setup Tool</source>
-        <translation>Tavro Setup Tool</translation>
-    </message>
-    <message>
-        <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</source>
-        <translation>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;Tavro Setup Tool&lt;/span&gt;</translation>
-    </message>
-    <message>
         <source>USB video capture device</source>
         <translation>USB 视频采集设备</translation>
     </message>
@@ -170,10 +138,6 @@
     <message>
         <source>Current bit rate</source>
         <translation>当前码率</translation>
-    </message>
-    <message>
-        <source>Step of the star scale; shows what the stars mean.</source>
-        <translation>星级标尺中的一级，说明星星的含义。</translation>
     </message>
     <message>
         <source>For H.264 recording</source>
@@ -224,10 +188,6 @@
         <translation>同时设置 HDMI 和 AUX 音量。</translation>
     </message>
     <message>
-        <source>HDCP</source>
-        <translation>HDCP</translation>
-    </message>
-    <message>
         <source>O&amp;n</source>
         <translation>开(&amp;N)</translation>
     </message>
@@ -264,16 +224,12 @@
         <translation>退出 (Ctrl+Q)</translation>
     </message>
     <message>
-        <source>About</source>
-        <translation>关于</translation>
-    </message>
-    <message>
-        <source>Quit</source>
-        <translation>退出</translation>
-    </message>
-    <message>
         <source>Program icon</source>
         <translation>程序图标</translation>
+    </message>
+    <message>
+        <source>Legend for the stars.</source>
+        <translation>星级标尺中的一级，说明星星的含义。</translation>
     </message>
 </context>
 </TS>
