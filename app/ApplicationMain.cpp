@@ -5,10 +5,12 @@
 #include "AlertViewController.h"
 #include "AppDelegate.h"
 #include "Bundle.h"
+#include "Colors.h"
 #include "DescribedClasses.h"
 #include "FatalStop.h"
 #include "HeldKeys.h"
 #include "Log.h"
+#include "SliderGeometry.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
 #include "ui_about-window.h"
@@ -16,10 +18,9 @@
 #include "ui_settings-window.h"
 
 #include <QApplication>
-#include <QIcon>
 #include <QLibraryInfo>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
 #include <QVersionNumber>
 
 #include <clocale>
@@ -49,9 +50,20 @@ QPalette darkPalette() {
     set(QPalette::ToolTipBase, "#F3F1F0");
     set(QPalette::ToolTipText, "#141619");
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor("#6F747E"));
+        palette.setColor(QPalette::Disabled, role, kDisabledTextColor);
     return palette;
 }
+
+/// The knobs that the program draws don't grow with the font's DPI, so what can be grabbed must not either.
+class FusionWithFixedKnobs : public QProxyStyle {
+public:
+    FusionWithFixedKnobs() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
+        const bool ofKnob = metric == PM_SliderLength || metric == PM_SliderThickness;
+        return ofKnob ? kKnobSize : QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
 
 /// The end of the session and SIGTERM are deliberate ends. Nothing is saved and the device is not told, so
 /// there is nothing to wait for, not even for a request in progress.
@@ -90,7 +102,7 @@ void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const Q
 }
 
 void setUpApplication(QApplication& application) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new FusionWithFixedKnobs);
     QApplication::setPalette(darkPalette());
     // Not the display name: Qt appends that to window titles that don't end with it.
     QCoreApplication::setApplicationName(QStringLiteral("Tavro Setup Tool"));

@@ -29,7 +29,6 @@ constexpr int kAnglePerPixel = 2; // of devices that report nothing but pixels
 
 const QColor kKnobOutline(0x09, 0x09, 0x0B);
 const QColor kKnobGloss(255, 255, 255, 30);
-const QColor kValueColor(0x9A, 0xA0, 0xAA);
 
 QRectF grown(const QRectF& box, double by) {
     return box.adjusted(-by, -by, by, by);
@@ -119,7 +118,7 @@ void DrawnSlider::drawValue(QPainter& context) const {
     const QFont font = titleFont();
     const QString text = valueText();
     context.setFont(font);
-    context.setPen(kValueColor);
+    context.setPen(palette().color(QPalette::PlaceholderText));
     context.drawText(valueRect(knob(), width(), QFontMetricsF(font).horizontalAdvance(text)),
         Qt::AlignCenter | Qt::TextDontClip, text);
 }

@@ -6,6 +6,7 @@
 #include "ModalRun.h"
 #include "OpenWindow.h"
 #include "Pictures.h"
+#include "WindowTexts.h"
 
 #include <QStyle>
 
@@ -20,6 +21,9 @@ constexpr QRgb kTick = 0x7D7D7D; // thinner than a pixel, it is never quite whit
 constexpr int kThin = 60;
 
 enum class State : unsigned char { Plain, Focused, Disabled };
+
+/// What is drawn, and where it can be grabbed, must not grow with the fonts.
+const bool kOnlyFontsAreLarge = qputenv("QT_FONT_DPI", "144") && qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
 
 /// What is seen at some points of a control. Its numbers are logical pixels.
 struct Seen {
@@ -104,7 +108,10 @@ class ControlsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { setUpApplication(*qApp); }
+    void initTestCase() {
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, false); // which Qt Test sets
+        setUpApplication(*qApp);
+    }
     void init() { TestHost::reset(); }
 
     void geometry() {
@@ -168,7 +175,6 @@ private slots:
 
     void knobAndTextAreAtTheValue() {
         CustomSliderCell slider(nullptr);
-        slider.setOrientation(Qt::Horizontal);
         slider.resize(206, 48);
         slider.setRange(0, 255);
         const auto text = [&slider] { return inked(rendered(slider, 1, {0, 0, 206, 19})); };
@@ -218,22 +224,38 @@ private slots:
 
     void backgroundMovesItsWindowByADrag() {
         MovedView background;
+        background.resize(200, 80);
         QFrame card(&background);
         QLabel label(QStringLiteral("text"), &card);
+        LegendButton legend(&card);
+        legend.move(0, 40);
+        background.show();
+        QWindow& window = *background.windowHandle();
         const int distance = QApplication::startDragDistance();
-        for (const auto& [button, way, moves] : {std::tuple(Qt::LeftButton, 0, 0), {Qt::LeftButton, distance - 1, 0},
-                 {Qt::LeftButton, distance, 1}, {Qt::RightButton, distance, 0}}) {
+        for (const auto& [button, y, way, moves] :
+            {std::tuple(Qt::LeftButton, 1, 0, 0), {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
+                {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
             background.moves = 0;
-            QTest::mousePress(&label, button, {}, {1, 1});
+            QTest::mousePress(&window, button, {}, {1, y});
             for (int times = 0; times < 2; ++times) // the second one must not start another move
-                QTest::mouseMove(&label, {1 + way, 1});
+                QTest::mouseMove(&window, {1 + way, y});
             QWidget elsewhere;
             QTimer::singleShot(0, qApp, stopModal);
             runModalForWindow(elsewhere); // during which the button is released
-            QTest::mousePress(&elsewhere, Qt::LeftButton);
+            QTest::mouseRelease(elsewhere.windowHandle(), button);
+            QTest::mousePress(elsewhere.windowHandle(), Qt::LeftButton);
             QTest::mouseMove(&label, {99, 99});
             QCOMPARE(background.moves, moves);
+            QTest::mouseRelease(elsewhere.windowHandle(), Qt::LeftButton);
         }
+    }
+
+    void picturesAreSmoothBetweenTwoScales() {
+        const SettingsWindow settings;
+        auto& stars = settings.control<QLabel>("QualityImage");
+        stars.setPixmap(QPixmap(QStringLiteral(":/images/img_starBest@2x.png")));
+        const auto shades = counted(rendered(stars, 1.5, {0, 0, stars.height(), stars.height()})).size();
+        QVERIFY2(shades > 150, "unlike the hundred of its own that remain without smoothing");
     }
 
     void starsAreMirroredWithTheirWords() {
