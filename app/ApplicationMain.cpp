@@ -111,7 +111,7 @@ void setUpApplication(QApplication& application) {
     registerDescriptions();
     installAccessibility();
     ignoreHeldKeys();
-    QApplication::setWindowIcon(mainBundle::imageNamed(QStringLiteral("tavro-setup-96.png")));
+    QApplication::setWindowIcon(mainBundle::icon());
 }
 
 int applicationMain(int argc, char** argv) {

@@ -30,6 +30,22 @@ QString install(QCoreApplication& application, const QLocale& locale, const QStr
     return translator->language();
 }
 
+/// Null if it can't be read. By libpng: Qt's own reader first loads all plug-ins for pictures that the desktop has.
+QImage readPng(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    const QByteArray bytes = file.readAll();
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_memory(&png, bytes.constData(), static_cast<std::size_t>(bytes.size())) == 0)
+        return {};
+    png.format = PNG_FORMAT_RGBA;
+    QImage image(static_cast<int>(png.width), static_cast<int>(png.height), QImage::Format_RGBA8888);
+    if (png_image_finish_read(&png, nullptr, image.bits(), static_cast<int>(image.bytesPerLine()), nullptr) == 0)
+        return {};
+    return image;
+}
+
 } // namespace
 
 namespace mainBundle {
@@ -76,25 +92,20 @@ std::optional<QString> versionText() {
     return Localizable::tr("VERSION", "Version") + u' ' + version.toString();
 }
 
-// By libpng: Qt's own reader first loads every plug-in for pictures that the desktop has, to ask whether it would
-// rather read this one.
 QPixmap imageNamed(const QString& name) {
     const bool dense = qGuiApp->devicePixelRatio() > 1; // a screen between 1 and 2 shows the dense picture smaller
     QString path = QStringLiteral("bundle:images/") + name;
     if (dense) path.insert(path.lastIndexOf('.'), QLatin1String("@2x"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    const QByteArray bytes = file.readAll();
-    png_image png{};
-    png.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_memory(&png, bytes.constData(), static_cast<std::size_t>(bytes.size())) == 0)
-        return {};
-    png.format = PNG_FORMAT_RGBA;
-    QImage image(static_cast<int>(png.width), static_cast<int>(png.height), QImage::Format_RGBA8888);
-    if (png_image_finish_read(&png, nullptr, image.bits(), static_cast<int>(image.bytesPerLine()), nullptr) == 0)
-        return {};
+    QImage image = readPng(path);
     image.setDevicePixelRatio(dense ? 2 : 1);
     return QPixmap::fromImage(std::move(image));
+}
+
+QIcon icon() {
+    QIcon icon;
+    for (const int size : {16, 22, 24, 32, 48, 64, 128})
+        icon.addPixmap(QPixmap::fromImage(readPng(QStringLiteral("bundle:icons/%1.png").arg(size))));
+    return icon;
 }
 
 } // namespace mainBundle

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QPixmap>
 #include <QString>
@@ -31,6 +32,9 @@ void open(
 /// A picture by its file name, at the resolution of the screen. Null if there is none of that name,
 /// or none that can be read as PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);
+
+/// The program's icon in the sizes that title bars and task lists show.
+[[nodiscard]] QIcon icon();
 
 } // namespace mainBundle
 

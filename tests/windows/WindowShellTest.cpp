@@ -12,7 +12,7 @@
 #include <QClipboard>
 #include <QLibraryInfo>
 #include <QProcess>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QTranslator>
 #include <QVersionNumber>
 
@@ -275,8 +275,10 @@ private slots:
     void theDesktopKnowsTheProgram() {
         QCOMPARE(QCoreApplication::applicationName(), "Tavro Setup Tool");
         QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
-        QCOMPARE(QApplication::windowIcon().availableSizes().value(0), QSize(96, 96) * qApp->devicePixelRatio());
-        QCOMPARE(QApplication::style()->name(), "fusion");
+        QList<int> icons;
+        for (const QSize size : QApplication::windowIcon().availableSizes()) icons << size.width();
+        QCOMPARE(icons, (QList<int>{16, 22, 24, 32, 48, 64, 128}));
+        QCOMPARE(qobject_cast<QProxyStyle*>(QApplication::style())->baseStyle()->name(), "fusion");
         for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
             QVERIFY(QApplication::palette().color(QPalette::Disabled, role) != QApplication::palette().color(role));
     }
