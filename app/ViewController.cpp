@@ -25,12 +25,12 @@ std::uint8_t checkedByte(int value, const char* control) {
 
 /// Shows what the device reported, which is no action of the user.
 void show(const Outlet<QSlider>& slider, std::uint8_t volume) {
-    const QSignalBlocker blocker(slider.operator->());
+    const QSignalBlocker blocker(slider.get());
     slider->setValue(volume);
 }
 
 void show(const Outlet<AttributedRadioButton>& button, bool selected) {
-    const QSignalBlocker blocker(button.operator->());
+    const QSignalBlocker blocker(button.get());
     button->setChecked(selected);
     button->setFocusPolicy(selected ? Qt::StrongFocus : Qt::ClickFocus); // Tab goes to the selected one
 }

@@ -39,10 +39,11 @@ public:
     }
 
     /// The control. An outlet that is not connected is a fault of the window description: the program stops.
-    Control* operator->() const {
+    [[nodiscard]] Control* get() const {
         if (!m_control) fatalStop("outlet %s is not connected", name());
         return m_control.data();
     }
+    Control* operator->() const { return get(); }
 
 private:
     QPointer<Control> m_control;
