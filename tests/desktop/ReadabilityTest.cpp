@@ -153,10 +153,12 @@ void checkAccessibleTree(const QWidget& window) {
     }
     auto* popUp = window.findChild<CustomPopUpButton*>();
     if (!popUp) return;
-    popUp->showMenu();
-    QCOMPARE(treeFaults(root, root), "");
-    popUp->menu()->hide();
-    QCOMPARE(treeFaults(root, root), "");
+    auto& face = *QAccessible::queryAccessibleInterface(popUp);
+    for (const bool opens : {true, false}) {
+        face.actionInterface()->doAction(face.actionInterface()->actionNames()[opens ? 0 : 1]);
+        QCOMPARE(face.state().expanded, opens);
+        QCOMPARE(treeFaults(root, root), "");
+    }
 }
 
 const QStringList kWindows{"Settings", "Alert", "About"};
@@ -209,23 +211,6 @@ private slots:
         QCOMPARE(palette.color(QPalette::Window), QColor("#0C0D10"));
     }
 
-    void whatIsOperatedStandsOut() {
-        const SettingsWindow settings;
-        settings.control("QuitButton").setFocus();
-        auto& slider = settings.control<QSlider>("SliderMicrophoneVolume");
-        slider.setValue(128);
-        using Part = std::tuple<const char*, const char*, QRect>; // its control, and where it and its ground are
-        const QRect knob(slider.width() / 2 - 1, 25, 3, 8);
-        for (const auto& [name, control, place] : {Part{"knob on its card", "SliderMicrophoneVolume", knob},
-                 {"bar on its card", "SliderMicrophoneVolume", {20, 30, 20, 10}},
-                 {"pop-up's border on its face", "PopupRecordQuality", {20, 0, 60, 4}},
-                 {"pop-up's border on its card", "PopupRecordQuality", {20, -4, 60, 5}},
-                 {"pop-up's chevrons", "PopupRecordQuality", {142, 4, 16, 18}},
-                 {"radio button's ring", "HdcpOnButton", {0, 0, 26, 26}},
-                 {"radio button's dot", "HdcpOffButton", {12, 10, 8, 8}}})
-            expectContrast(contrastWithin(rendered(settings.control(control), kEnlarged, place)), kNoticeable, name);
-    }
-
     void focusGoesRoundAndShows() {
         for (const QString& window : kWindows) {
             const auto controller = open(window);
@@ -238,16 +223,10 @@ private slots:
                 focused->clearFocus();
                 const QImage without = rendered(*focused, kEnlarged);
                 focused->setFocus();
-                double best = 1;
                 int seen = 0;
-                for (int y = 0; y < with.height(); ++y) {
-                    for (int x = 0; x < with.width(); ++x) {
-                        const double ratio = contrast(with.pixel(x, y), without.pixel(x, y));
-                        best = std::max(best, ratio);
-                        seen += ratio >= kNoticeable ? 1 : 0;
-                    }
-                }
-                qInfo("contrast %5.2f focus of %s", best, qUtf8Printable(focused->objectName()));
+                for (int y = 0; y < with.height(); ++y)
+                    for (int x = 0; x < with.width(); ++x)
+                        seen += contrast(with.pixel(x, y), without.pixel(x, y)) >= kNoticeable ? 1 : 0;
                 // A line of 2 px along its shorter side at least; a caret is not enough.
                 const int least = 2 * std::min(focused->width(), focused->height());
                 QVERIFY2(seen >= least * kEnlarged * kEnlarged, qUtf8Printable(focused->objectName()));

@@ -18,7 +18,7 @@ LOOKS = {
 }
 
 
-WHAT = {"text": "(?:text|palette)StandsOut", "parts": "whatIsOperated", "focus": "focusGoes"}
+WHAT = {"text": "(?:text|palette)StandsOut"}
 
 failed = 0
 with X11() as desktop:
