@@ -12,6 +12,7 @@
 #include <QStyleOption>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -72,6 +73,21 @@ protected:
             drawAttributedString(context, box, item->data().value<AttributedString>());
         }
     }
+    // Newer toolkits close the menu, without a choice, by a press where the pointer has been since it opened.
+    void mousePressEvent(QMouseEvent* event) override {
+        m_pressed = actionAt(event->position().toPoint()) != nullptr;
+        if (!m_pressed) QMenu::mousePressEvent(event);
+    }
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        QAction* item = actionAt(event->position().toPoint());
+        if (std::exchange(m_pressed, false) && item)
+            item->trigger();
+        else
+            QMenu::mouseReleaseEvent(event);
+    }
+
+private:
+    bool m_pressed = false; ///< on an item
 };
 
 } // namespace
@@ -79,7 +95,7 @@ protected:
 CustomPopUpButton::CustomPopUpButton(QWidget* parent)
     : QWidget(parent), m_menu(new TitleMenu(this)), m_items(new QActionGroup(m_menu)) {
     m_menu->setAttribute(Qt::WA_NoMouseReplay);                 // a click beside the open menu only closes it
-    connect(m_menu, &QMenu::triggered, m_menu, &QWidget::hide); // assistive technology leaves it open
+    connect(m_menu, &QMenu::triggered, m_menu, &QWidget::hide); // before all handlers
 }
 
 CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
