@@ -109,8 +109,10 @@ void UsbIpServer::dropEnded() {
     const bool plugged = m_device.device().plugged();
     const bool wasAttached = attached();
     m_connections.remove_if([&](const Connection& connection) {
-        return connection.lost || (connection.session.ended() && connection.socket->bytesToWrite() == 0)
-            || (connection.session.imported() && !plugged);
+        const UsbIpSession& session = connection.session;
+        // At once if it has the device, which others wait for; else when all output is sent.
+        const bool isDone = session.ended() && (session.imported() || connection.socket->bytesToWrite() == 0);
+        return connection.lost || isDone || (session.imported() && !plugged);
     });
     if (!wasAttached || attached() || !plugged) return;
     m_device.device().unplug();
@@ -137,11 +139,12 @@ void UsbIpServer::readCommands() {
         execute(m_commandBytes.first(end));
         m_commandBytes.remove(0, end + 1);
     }
-    if (m_commandBytes.size() > kMaxCommand) m_commandBytes.clear();
+    m_commandBytes.truncate(kMaxCommand + 1); // the rest of an overlong command must not become one of its own
 }
 
 void UsbIpServer::execute(const QByteArray& line) {
-    QByteArray answer = executeCommand(line, m_device.device());
+    const bool isOverlong = line.size() > kMaxCommand;
+    QByteArray answer = isOverlong ? "error: too long for a command" : executeCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())
