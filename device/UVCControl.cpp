@@ -47,11 +47,16 @@ std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> serv
 } // namespace
 
 UVCCameraControl::~UVCCameraControl() {
+    releaseInterface();
+}
+
+void UVCCameraControl::releaseInterface() {
     if (interface) (void)interface->USBInterfaceClose(); // nothing depends on it any more
+    interface.reset();
 }
 
 bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t productID) {
-    interface.reset();
+    releaseInterface();
     const auto device = deviceForService(
         usbBus().firstService(static_cast<std::uint32_t>(vendorID), static_cast<std::uint32_t>(productID)));
     if (!device) return false;
@@ -60,7 +65,7 @@ bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t prod
 }
 
 void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
-    interface.reset();
+    releaseInterface();
     const auto services = usbBus().allServices();
     if (services.result != UsbCode::Success || !services.object) return;
     while (auto service = services.object->next()) {

@@ -21,8 +21,8 @@ struct UVCRange {
 };
 
 /// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface.
-/// Requests are synchronous; the interface is never held exclusively, so capture software continues beside
-/// it. Failures are log lines and false results, nothing throws.
+/// Requests are synchronous; the interface is held during a request at most, so capture software continues
+/// beside it. Failures are log lines and false results, nothing throws.
 ///
 /// Some of the lines belong to steps that can't fail on Linux, where sysfs is all that is read before the
 /// first request: "QueryInterface returned", "Unable to create a plug-in", "Couldn’t create a device
@@ -102,6 +102,7 @@ protected:
 
 private:
     [[nodiscard]] bool getAndDrop(UVCRequest request, const UVCControlInfo& control);
+    void releaseInterface();
 
     std::unique_ptr<UsbInterface> interface; ///< absent: no VideoControl interface could be had
     [[maybe_unused]] std::int64_t dataBuffer = 0;

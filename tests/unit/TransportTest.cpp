@@ -103,12 +103,14 @@ TEST_F(Transport, AFailedRequestClosesTheInterfaceAndKeepsIt) {
     EXPECT_THAT(status, testing::Each(9));
     EXPECT_TRUE(readStatus());
     EXPECT_THAT(status, ElementsAre(0x51, 0x02, 0x83, 0x1C));
-    failing.first = "close";
-    EXPECT_TRUE(CUvcBaseControl().initWithVendorID(kVendor, kProduct)); // and closes at its end
-    EXPECT_EQ(failing.first, "");
+    for (const bool again : {true, false}) { // closes before it opens again, and at its end
+        failing.first = "close";
+        EXPECT_TRUE(again ? open() : CUvcBaseControl().initWithVendorID(kVendor, kProduct));
+        EXPECT_EQ(failing.first, "");
+    }
     EXPECT_THAT(TestHost::take(),
         ElementsAre(get(10, {}) + " ! -7", kError + "Control request failed: fffffffb",
-            get(10, {0x51, 0x02, 0x83, 0x1C}), "release"));
+            get(10, {0x51, 0x02, 0x83, 0x1C}), "release", "release"));
 }
 
 TEST_F(Transport, LengthsThatDoNotFitAreRefusedSilently) {

@@ -7,7 +7,8 @@
 
 /// How a request reaches an interface: transfers it through `node`, the open device node. Its data stage is
 /// `bytes`, not `request.pData`: they are sent, or hold the answer after success and anything after a
-/// failure. Fewer bytes than `bytes.size()` are a failure. Blocks as long as `UsbInterface::ControlRequest`.
+/// failure. Fewer bytes than `bytes.size()` are a failure, but since Linux 6.12 the driver fills up a short
+/// answer with zeros and reports success. Blocks as long as `UsbInterface::ControlRequest`.
 using ControlTransport = UsbResult (*)(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes);
 
 /// Through the kernel's UVC driver, also while another program streams video. `node` is the device's capture

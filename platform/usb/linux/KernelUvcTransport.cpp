@@ -6,10 +6,11 @@
 
 namespace {
 
-/// Whether the driver would send the packet byte for byte. It fills in the real number of the interface,
-/// which `LinuxUsbInterface` has found to be 0.
+/// Whether the driver would send the packet byte for byte. It fills in the real number of the interface, which
+/// `LinuxUsbInterface` has found to be 0, and takes the direction from bit 7 of the request code.
 bool sendsExactly(const UsbControlRequest& request) {
-    return (request.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface && (request.wIndex & 0xFF) == 0
+    const int direction = request.bRequest & kUsbDeviceToHost;
+    return request.bmRequestType == (Uvc::kSetToInterface | direction) && (request.wIndex & 0xFF) == 0
         && (request.wValue & 0xFF) == 0;
 }
 
@@ -24,7 +25,7 @@ UsbResult transferThroughDriver(int node, UsbControlRequest& request, std::span<
         .data = bytes.data()};
     const int done = ::ioctl(node, UVCIOC_CTRL_QUERY, &query);
     if (done < 0) return UsbCode::InputOutput;
-    // The driver reports the length of a short answer, and 0 for a whole one.
+    // 0 is a whole answer. For a short one the driver returns its length up to Linux 6.11, and 0 since then.
     request.wLenDone = done > 0 ? static_cast<std::uint32_t>(done) : request.wLength;
     return done > 0 ? UsbCode::InputOutput : UsbCode::Success;
 }

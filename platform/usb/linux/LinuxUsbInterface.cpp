@@ -27,8 +27,8 @@ UsbResult resultOfOpen(int error) {
     }
 }
 
-/// Opens without waiting, whatever the name leads to. `NoDevice`: to something else than the character device
-/// with this number.
+/// Opens without waiting, also if the name leads to something else. `NoDevice` if it isn't the character device with
+/// this number.
 UsbResult openDeviceNode(const std::string& path, dev_t number, OpenFile& node) {
     OpenFile file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file) return resultOfOpen(errno);
@@ -62,7 +62,7 @@ UsbResult LinuxUsbInterface::openCaptureNode() {
 
 UsbResult LinuxUsbInterface::openUsbNode() {
     m_transport = transferDirectly;
-    return openNode(m_device.node, m_device.number, *m_device.folder);
+    return openNode(m_device.node, m_device.number, m_folder);
 }
 
 LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
@@ -85,24 +85,25 @@ UsbResult LinuxUsbInterface::selectTransport() {
     // request.
     if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success) return UsbCode::Success;
     m_captureNode = {};
-    const std::string driver = m_folder.driver();
+    if (!m_device.folder->exists()) return UsbCode::NoDevice;
+    const std::string driver = m_folder.driver(); // empty also if the interface is gone, which openUsbNode sees
     if (driver.empty() || driver == kClaimedByProgram) return openUsbNode();
-    CaptureNode found = findCaptureNode();
-    if (!m_device.folder->exists()) // another device may have been found on the port
-        return UsbCode::NoDevice;
     // The driver inserts the interface's real number; all our requests have 0.
-    if (driver != kKernelUvcDriver || m_number != 0 || found.path.empty()) return UsbCode::NotSendable;
+    if (driver != kKernelUvcDriver || m_number != 0) return UsbCode::NotSendable;
+    CaptureNode found = findCaptureNode();
+    if (!m_folder.exists()) return UsbCode::NoDevice; // another device may have been found on the port
+    if (found.path.empty()) return UsbCode::NotSendable;
     m_captureNode = std::move(found);
     return openCaptureNode();
 }
 
 UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
-    if (request.wLength > kMaxData) return UsbCode::NotSupported;
     m_node = OpenFile(); // closes what a failed request has left open
+    if (request.wLength > kMaxData) return m_notOpen = UsbCode::NotSupported;
     m_notOpen = selectTransport();
     if (m_notOpen != UsbCode::Success) return m_notOpen;
     // The answer of a failed request must not reach the caller: a block that is half zeros and then written
-    // back would wipe settings.
+    // back would wipe settings. A short answer that the driver reports as success can't be recognised.
     std::array<std::uint8_t, kMaxData> data{};
     const std::span bytes = std::span(data).first(request.wLength);
     const std::span caller(request.pData, request.wLength);

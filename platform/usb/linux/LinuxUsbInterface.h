@@ -25,7 +25,7 @@ struct PluggedDevice {
 ///
 /// The transport is selected at each request: through the kernel's driver if that is bound to the interface
 /// and sends exactly our packet, directly if none is bound. The driver is never detached: that would end a
-/// recording. After a re-plug every request fails with `NoDevice`, whatever is on the port then.
+/// recording. After a re-plug, or once the device is configured anew, every request fails with `NoDevice`.
 class LinuxUsbInterface : public UsbInterface {
 public:
     /// `path` is the interface's folder in sysfs, `number` the one in its descriptor.

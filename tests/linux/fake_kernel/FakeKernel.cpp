@@ -79,15 +79,10 @@ void FakeKernel::plug(const FakePlug& plug) {
     const auto bus = static_cast<unsigned>(std::stoi(plug.name));
     const unsigned minor = (bus - 1) * 128 + plug.address - 1;
     const std::string node = text("bus/usb/%03u/%03u", bus, plug.address);
-    const std::string interface = text("/devices/%s/%s:1.%u", plug.name.c_str(),
-        plug.name.substr(plug.name.rfind('/') + 1).c_str(), plug.videoControlInterface);
     const std::string devices =
         text("P: /devices/%s\nN: %s=00\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/%s\nE: MAJOR=189\n"
-             "E: MINOR=%u\nA: busnum=%u\nA: devnum=%u\nA: idVendor=%04x\nA: idProduct=%04x\n\n"
-             "P: %s\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\n"
-             "A: bInterfaceNumber=%02x\nA: bInterfaceClass=%02x\nA: bInterfaceSubClass=%02x\n",
-            plug.name.c_str(), node.c_str(), node.c_str(), minor, bus, plug.address, plug.vendor, device->productID,
-            interface.c_str(), plug.videoControlInterface, plug.interfaceClass, plug.interfaceSubClass);
+             "E: MINOR=%u\nA: busnum=%u\nA: devnum=%u\nA: idVendor=%04x\nA: idProduct=%04x\n",
+            plug.name.c_str(), node.c_str(), node.c_str(), minor, bus, plug.address, plug.vendor, device->productID);
     umockdev_testbed_add_from_string(m_testbed, devices.c_str(), nullptr);
     const CaptureIdentity identity{device->vendorID, device->productID, plug.videoControlInterface};
     Bytes descriptors = deviceDescriptor(identity);
@@ -96,11 +91,28 @@ void FakeKernel::plug(const FakePlug& plug) {
     g_file_set_contents(pathOf("/dev/" + node).c_str(), reinterpret_cast<const char*>(descriptors.data()),
         std::ssize(descriptors), nullptr); // usbfs gives them to who reads the node
     addNode("/dev/" + node, makedev(189, minor));
-    m_interface = "/sys" + interface;
     m_videos.clear();
     device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged()) device->plugIn();
+    addInterface(plug);
+}
+
+void FakeKernel::addInterface(const FakePlug& plug) {
+    const std::string interface = text("/devices/%s/%s:1.%u", plug.name.c_str(),
+        plug.name.substr(plug.name.rfind('/') + 1).c_str(), plug.videoControlInterface);
+    const std::string description = text("P: %s\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\n"
+                                         "A: bInterfaceNumber=%02x\nA: bInterfaceClass=%02x\n"
+                                         "A: bInterfaceSubClass=%02x\n",
+        interface.c_str(), plug.videoControlInterface, plug.interfaceClass, plug.interfaceSubClass);
+    umockdev_testbed_add_from_string(m_testbed, description.c_str(), nullptr);
+    m_interface = "/sys" + interface;
     bind(plug);
+}
+
+void FakeKernel::configureAnew(const FakePlug& plug) {
+    bind({}); // whose nodes are gone with the interface
+    umockdev_testbed_remove_device(m_testbed, m_interface.c_str());
+    addInterface(plug);
 }
 
 void FakeKernel::bind(const FakePlug& plug) {

@@ -35,6 +35,8 @@ public:
     FakeKernel& operator=(FakeKernel&&) = delete; // nor can it be copied
 
     void plug(const FakePlug& plug);
+    /// The device remains and its interfaces are made anew, as when it is authorized again.
+    void configureAnew(const FakePlug& plug);
     /// Takes everything off the bus.
     void unplug();
     /// The driver of the device that was plugged in last lets go of it, and another one takes it. The nodes remain,
@@ -55,6 +57,7 @@ private:
     [[nodiscard]] long submit(usbdevfs_urb& urb);
     [[nodiscard]] long query(const std::string& node, uvc_xu_control_query& query);
     void addNode(const std::string& node, dev_t number);
+    void addInterface(const FakePlug& plug);
 
     UMockdevTestbed* m_testbed = umockdev_testbed_new();
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
