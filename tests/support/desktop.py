@@ -17,14 +17,15 @@ OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extens
 
 
 def arguments(text, least, most=None):
-    """The command line's arguments. Prints the text, which is a script's docstring, for --help, and ends if there are
-    not so many."""
+    """The command line's arguments. Prints the text, which is a script's docstring, and ends for --help and for a wrong
+    number of arguments. No script that calls this has options."""
     given = sys.argv[1:]
     if given[:1] in (["-h"], ["--help"]):
         print(text)
         sys.exit()
-    if not least <= len(given) <= (most or least):
-        sys.exit(text)
+    if not least <= len(given) <= (most or least) or any(argument.startswith("-") for argument in given):
+        print(text, file=sys.stderr)
+        sys.exit(2)
     return given
 
 
