@@ -1,4 +1,4 @@
-// What painting the drawn controls costs, on a raster surface at 100 %.
+// Measures the painting of the drawn controls, on a raster surface at 100 %.
 
 #include "ApplicationMain.h"
 #include "CustomPopUpButton.h"

@@ -1,13 +1,12 @@
-// What one block read and one change of a setting cost through the program's layers, beside the bare kernel
-// calls on the same device, which open a node that they know, send one request and close it: run it where
-// tavro-virtual-device is attached (scripts/bench does).
+// Measures one block read and one change of a setting through the program's layers, compared with the bare
+// kernel calls on the same device, which open a known node, send one request and close it. It needs an attached
+// tavro-virtual-device (scripts/bench has one).
 //
 //     request-bench NODE [Google Benchmark's options]
 //
-// NODE is the device's capture node, or without the kernel's UVC driver its node in usbfs. Heap allocations
-// of the whole process are counted, those of libraries too. Log lines are put together as always, but not
-// delivered: what the system log and standard error cost is in none of the figures, neither the times nor the
-// allocations.
+// NODE is the device's capture node, or without the kernel's UVC driver its node in usbfs. Heap allocations of
+// the whole process are counted, including those of libraries. Log lines are formatted, but not delivered: no
+// figure includes the system log or standard error.
 
 #include "Clock.h"
 #include "Log.h"
@@ -77,7 +76,7 @@ void changeThroughLayers(benchmark::State& state) {
     measure(state, [volume = 0]() mutable { return controller->SetMicrophoneVolume(++volume); });
 }
 
-// The largest part of what a change costs above the bare calls.
+// The largest part of the difference between a change and the bare calls.
 void logLine(benchmark::State& state) {
     measure(state, [] {
         systemLog("[Get old]%s = %d,\n", "Mic gain", audio[3]);
@@ -137,11 +136,11 @@ int main(int argc, char** argv) {
         (void)std::fprintf(stderr, "usage: request-bench NODE [OPTION...], with the device attached\n");
         return EXIT_FAILURE;
     }
-    if (allocations == 0) { // making the controller takes some
+    if (allocations == 0) { // making the controller allocates
         (void)std::fprintf(stderr, "request-bench: heap allocations are not counted\n");
         return EXIT_FAILURE;
     }
-    // A fixed number, so that every run does the same.
+    // A fixed number, so that runs can be compared.
     constexpr benchmark::IterationCount kIterations = 500;
     benchmark::RegisterBenchmark("read_bare", readBare)->Iterations(kIterations);
     benchmark::RegisterBenchmark("read_through_layers", readThroughLayers)->Iterations(kIterations);

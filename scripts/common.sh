@@ -69,11 +69,12 @@ may_install_own_packages() {
 }
 
 # build PRESET [TARGET...]: configures and builds in build/PRESET, for the device that TAVRO_USB_ID names as lsusb
-# prints it.
+# prints it, or the default one, whichever device the folder was built for before.
 build() {
-  local preset=$1 id=${TAVRO_USB_ID:-1209:0001}
+  local preset=$1 id=${TAVRO_USB_ID:-}
   shift
-  cmake -S "$project" --preset "$preset" -DTAVRO_USB_VENDOR_ID="0x${id%:*}" -DTAVRO_USB_PRODUCT_ID="0x${id#*:}" >/dev/null
+  cmake -S "$project" --preset "$preset" -U 'TAVRO_USB_*' \
+    ${id:+-DTAVRO_USB_VENDOR_ID="0x${id%:*}" -DTAVRO_USB_PRODUCT_ID="0x${id#*:}"} >/dev/null
   cmake --build "$project/build/$preset" ${1:+--target "$@"}
 }
 
@@ -96,7 +97,8 @@ check_style() {
 
 # The system that tests run on.
 describe_system() {
-  echo "$(. /etc/os-release && echo "$PRETTY_NAME"), Qt $("${PKG_CONFIG:-pkg-config}" --modversion Qt6Core 2>/dev/null || echo '?')," \
+  echo "$(. /etc/os-release && echo "$PRETTY_NAME")," \
+    "Qt $("${PKG_CONFIG:-pkg-config}" --modversion Qt6Core 2>/dev/null || echo '?')," \
     "g++ $(c++ -dumpfullversion), $(uname -m)"
 }
 
