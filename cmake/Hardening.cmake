@@ -1,5 +1,5 @@
-# Hardens what is built to be used, as far as the compiler and the linker know how on this processor. A distribution's
-# own flags come with CMAKE_CXX_FLAGS and are kept. Debug builds are left alone: they go to sanitizers and debuggers.
+# Hardens release builds with the options that compiler and linker support for this processor. A distribution's own
+# flags in CMAKE_CXX_FLAGS are kept. Debug builds, for sanitizers and debuggers, get none.
 
 if(CMAKE_BUILD_TYPE STREQUAL Debug)
   return()
@@ -12,7 +12,7 @@ include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# Warnings would be taken for a no.
+# An unknown option is only a warning otherwise.
 set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
   string(MAKE_C_IDENTIFIER "HAS${flag}" known)
@@ -32,9 +32,9 @@ foreach(flag -Wl,-z,relro -Wl,-z,now -Wl,--as-needed)
 endforeach()
 
 add_compile_definitions(_GLIBCXX_ASSERTIONS)
-# What distributions do by themselves, with another build type, and in their own way.
+# Distributions have flags of their own for this and use another build type.
 if(CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
-  if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE") # some compilers set it by themselves, to another level
+  if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE") # some compilers set another level by default
     add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
   endif()
   # Builds in two folders are the same to the byte.

@@ -5,7 +5,7 @@ project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 as_root=()
 [ "$(id -u)" -eq 0 ] || as_root=(sudo)
 
-# Each script begins with a comment that says what it does, needs and leaves. --help prints it.
+# Each script begins with a comment on its purpose, its needs and the files that it leaves. --help prints it.
 show_help() { sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"; }
 
 # takes PATTERN ARGUMENT...: prints the help if the first argument asks for it. It is an error if the arguments, joined
