@@ -1,5 +1,4 @@
-"""What everything uses that drives a window: displays without a screen, X11 or Wayland, a program on them, and a user's
-hands."""
+"""Displays without a screen on X11 and Wayland, programs on them, and simulated input."""
 
 import contextlib
 import json
@@ -12,31 +11,31 @@ import sys
 import tempfile
 import time
 
-# What the program itself says; anything else on standard error is noise.
-OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |CameraControl Error:)")
+# The program's own log lines; other lines on standard error are a fault.
+OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |CameraControl Error:|"
+                       r"TimeInterval = -?\d+\.\d{6}$)")
 
 
 def arguments(text, least, most=None):
-    """The command line's arguments. Prints the text, which is a script's docstring, and ends for --help and for a wrong
-    number of arguments. No script that calls this has options."""
+    """The command line's arguments. For --help, and with status 2 for another number of arguments or an unknown option,
+    prints the text, a script's docstring, and ends."""
     given = sys.argv[1:]
     if given[:1] in (["-h"], ["--help"]):
         print(text)
         sys.exit()
-    if not least <= len(given) <= (most or least) or any(argument.startswith("-") for argument in given):
+    if not least <= len(given) <= (most or least) or any(each.startswith("-") for each in given):
         print(text, file=sys.stderr)
         sys.exit(2)
     return given
 
 
 def wait_for(what, condition, seconds=60):
-    """Returns what the condition gives as soon as that is true."""
-    end = time.monotonic() + seconds
-    while time.monotonic() < end:
-        result = condition()
-        if result:
+    """Calls the condition until its result is true, and returns the result."""
+    start = time.monotonic()
+    while (before := time.monotonic()) < start + seconds:
+        if result := condition():
             return result
-        time.sleep(0.05)
+        time.sleep(max(0.05, time.monotonic() - before))  # half of the time is left to the program
     raise AssertionError(f"no {what}")
 
 
@@ -130,8 +129,13 @@ class Display:
         self.run("xdotool", "windowfocus", "--sync", window)
 
     def key(self, *keys):
+        """Presses keys together."""
         # F1 by its code: the xdotool of newer systems presses Alt with it.
-        self.run("xdotool", "key", "+".join({"F1": "67"}.get(key, key) for key in keys))
+        self.keys("+".join({"F1": "67"}.get(key, key) for key in keys))
+
+    def keys(self, *combinations, delay=12):
+        """Presses combinations such as "alt+n" one after the other, with the delay in ms between them."""
+        self.run("xdotool", "key", "--delay", str(delay), *combinations)
 
     def point(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))

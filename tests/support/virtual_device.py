@@ -1,0 +1,76 @@
+"""The virtual device, attached to the kernel of a guest of scripts/vm-run, and its nodes there."""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+from desktop import wait_for
+
+
+def read(path):
+    """A file's text without spaces around it, empty if the file can't be read."""
+    try:
+        return pathlib.Path(path).read_text(encoding="utf-8").strip()
+    except OSError:
+        return ""
+
+
+def require_guest():
+    """Ends a script that would change drivers, rules and the seat of a real computer."""
+    if "vm_guest=1" not in read("/proc/cmdline").split():
+        sys.exit(f"{sys.argv[0]} runs only in a guest of scripts/vm-run")
+
+
+class VirtualDevice:
+    """A running tavro-virtual-device. The udev rule of the same build has the identifiers."""
+
+    def __init__(self, program, rule, *options):
+        self.vendor, self.product = re.findall(r'=="([0-9a-f]{4})"', read(rule))
+        self.wire_log = f"/run/wire.{id(self)}"
+        self.process = subprocess.Popen([program, "--wire-log", self.wire_log, *options], text=True,
+                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        answer = self.process.stdout.readline()
+        assert answer == "ready\n", answer
+
+    def ask(self, command):
+        """The answer to a command."""
+        print(command, file=self.process.stdin, flush=True)
+        return self.process.stdout.readline().strip()
+
+    def tell(self, command):
+        answer = self.ask(command)
+        assert answer == "ok", f"{command}: {answer}"
+
+    def end(self):
+        self.process.kill()
+        self.process.wait()
+        self.wait_until_gone()
+
+    def folder(self):
+        """The device's folder in sysfs."""
+        ids = pathlib.Path("/sys/bus/usb/devices").glob("*/idVendor")
+        return next((file.parent for file in ids if read(file) == self.vendor), None)
+
+    def usb_node(self):
+        if folder := self.folder():
+            node = [int(read(folder / number) or 0) for number in ("busnum", "devnum")]
+            return "/dev/bus/usb/{:03}/{:03}".format(*node)
+        return None
+
+    def capture_node(self):
+        indexes = (self.folder() or pathlib.Path("/none")).glob("*/video4linux/video*/index")
+        return next((f"/dev/{file.parent.name}" for file in indexes if read(file) == "0"), None)
+
+    def wait_until_gone(self):
+        wait_for("end of the device", lambda: not self.folder())
+
+    def wait_for_nodes(self):
+        """Of the device, and of the UVC driver if that is loaded, with the rights that udev gives them."""
+        nodes = [self.usb_node] + [self.capture_node] * pathlib.Path("/sys/module/uvcvideo").exists()
+        wait_for("nodes", lambda: all(node() and pathlib.Path(node()).is_char_device() for node in nodes))
+        subprocess.run(["udevadm", "settle", "--timeout=20"], check=False)
+
+    def wire(self):
+        """Each request to the device's units so far."""
+        return read(self.wire_log).splitlines()
