@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""log_test.py PROGRAM: what reaches the system log is what stands on standard error, line by line under the program's
-name, and none of it is the toolkit's. Needs root where no log service runs: it takes its place then."""
+"""log_test.py PROGRAM: the system log and standard error get the same lines, the log under the program's name, and none
+from the toolkit. Without a running log service it takes the service's place, as root."""
 
 import contextlib
 import os
@@ -15,7 +15,7 @@ NAME = os.path.basename(PROGRAM)
 
 
 def run(desktop):
-    # Reasons to complain: no runtime folder, a theme that is not there, a bus that does not answer.
+    # The toolkit warns of each: no runtime folder, an unknown theme, a bus that does not answer.
     program = Program(desktop, PROGRAM, XDG_RUNTIME_DIR="", QT_QPA_PLATFORMTHEME="none-such",
                       DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
     desktop.focus(program.window())

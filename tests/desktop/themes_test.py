@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""themes_test.py READABILITY_TEST: that the windows stay readable whatever theme and scale the desktop has. Prints the
-least contrasts."""
+"""themes_test.py READABILITY_TEST: the windows are readable with every theme and scale. Prints the least contrasts."""
 
 import re
 import subprocess
@@ -16,8 +15,6 @@ LOOKS = {
     "inverse high contrast": {"QT_QPA_PLATFORMTHEME": "gtk3", "GTK_THEME": "HighContrastInverse"},
     "light": {"QT_QPA_PLATFORMTHEME": "gtk3", "GTK_THEME": "Adwaita"},
 }
-
-
 WHAT = {"text": "(?:text|palette)StandsOut"}
 
 failed = 0

@@ -11,19 +11,19 @@ from desktop import X11, Program, Wayland, X11Session, arguments, wait_for
 FOLDER, RUNS = [*arguments(__doc__, 1, 2), "2"][:2]
 RUNS = int(RUNS)
 DEMO = FOLDER + "/tavro-setup-tool-demo"
-TOOL = FOLDER + "/tavro-setup-tool"  # finds no device here, and shows the alert
+TOOL = FOLDER + "/tavro-setup-tool"  # finds no device, and shows the alert
 AT_ONCE = 10
 ABOUT = "About Tavro Setup Tool"
 
 
 def drag_by_its_picture(desktop, window):
     left, top, *_ = desktop.place(window)
-    # The move begins farther away than the drag distance.
+    # The first move is longer than the drag distance.
     desktop.drag((left + 300, top + 30), (left + 320, top + 30), (left + 420, top + 80))
 
 
 def is_dragged_by_its_picture(desktop, program, window):
-    time.sleep(0.5)  # until the window manager has placed it for good
+    time.sleep(0.5)  # the window manager moves it once more
     left, top, width, height = desktop.place(window)
     drag_by_its_picture(desktop, window)
     wait_for("move", lambda: desktop.place(window) == (left + 100, top + 50, width, height), 5)
@@ -34,14 +34,14 @@ def about_is_modal(desktop, program, window):
     before = program.requests()
     desktop.key("F1")
     about = program.window(ABOUT)
-    desktop.focus(window)  # as far as the window manager lets it
+    desktop.focus(window)  # if the window manager allows it
     desktop.key("ctrl", "q")
     desktop.key("alt", "n")
     left, top, _, height = place = desktop.place(window)
     drag_by_its_picture(desktop, window)
     desktop.drag((left + 250, top + height - 107))  # a click on the HDCP button
     time.sleep(0.5)
-    assert program.process.poll() is None and program.windows(ABOUT), "the window behind is not inert"
+    assert program.process.poll() is None and program.windows(ABOUT), "the window behind has acted"
     assert program.requests() == before, "the window behind acts"
     assert desktop.place(window) == place, "the window behind is dragged"
     desktop.close(about)
@@ -55,17 +55,17 @@ def about_is_modal(desktop, program, window):
 
 
 def press(*key):
-    def way(desktop, program):
+    def act(desktop, program):
         desktop.focus(program.window())
         desktop.key(*key)
-    return way
+    return act
 
 
 def send(number):
     return lambda desktop, program: program.process.send_signal(number)
 
 
-# The programs that end by each way, and what it is; the last one ends them all at once.
+# For each way of quitting: the programs, and the action. The last one ends all programs at once.
 WAYS = {
     "Ctrl+Q": ([DEMO], press("ctrl", "q")),
     "window button": ([DEMO], lambda desktop, program: desktop.close(program.window())),
