@@ -27,13 +27,13 @@ build_packages+=(g++)
 test_packages+=(shellcheck strace)
 # A virtual display, simulated input, pictures of windows.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
-# Two window systems, the accessibility bus, fonts for all languages.
+# Two window systems, a screen reader, fonts for all languages.
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway
-  qt6-wayland dbus at-spi2-core gir1.2-atspi-2.0 python3-gi imagemagick optipng
+  qt6-wayland dbus at-spi2-core gir1.2-wnck-3.0 orca imagemagick optipng
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # A virtual machine, and tools for devices in it. setpriv and mawk are always there.
 kernel_packages=(qemu-system-x86 busybox-static kmod cpio xz-utils zstd udev systemd
-  v4l-utils qv4l2 usbutils usbip strace locales dbus at-spi2-core gir1.2-atspi-2.0 python3-gi)
+  v4l-utils qv4l2 usbutils usbip strace locales)
 sanitizer_packages=(clang libclang-rt-dev)
 style_packages=(clang-format git shellcheck)
 analysis_packages=(libbenchmark-dev clang clang-tidy cppcheck valgrind)
