@@ -36,26 +36,23 @@ UsbResult openLibusb(libusb_context*& opened) {
     return UsbCode::Success;
 }
 
-UsbResult transfer(libusb_device_handle* device, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+int transfer(libusb_device_handle* device, const UsbControlRequest& request) {
     // usbfs claims the interface of wIndex implicitly, logs that, and does not release it before the close.
     const int named = request.wIndex & 0xFF;
-    if (const UsbResult claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success) return claimed;
+    if (const int claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success) return claimed;
     const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
-        request.wIndex, bytes.data(), static_cast<std::uint16_t>(bytes.size()), kTimeout);
+        request.wIndex, request.pData, request.wLength, kTimeout);
     (void)libusb_release_interface(device, named); // fails only if the device was unplugged
-    if (done < 0) return done;
-    request.wLenDone = static_cast<std::uint32_t>(done);
-    return request.wLenDone == bytes.size() ? UsbCode::Success : UsbCode::InputOutput;
+    return done;
 }
 
 } // namespace
 
-UsbResult transferDirectly(int node, UsbControlRequest& request, std::span<std::uint8_t> bytes) {
+int transferDirectly(int node, const Uvc::SetupPacket& setup, std::span<std::uint8_t> bytes) {
     libusb_context* context = nullptr;
-    if (const UsbResult result = openLibusb(context); result != UsbCode::Success) return result;
+    if (const int result = openLibusb(context); result != UsbCode::Success) return result;
     libusb_device_handle* opened = nullptr;
-    if (const UsbResult result = libusb_wrap_sys_device(context, node, &opened); result != UsbCode::Success)
-        return result;
+    if (const int result = libusb_wrap_sys_device(context, node, &opened); result != UsbCode::Success) return result;
     const Handle handle(opened);
-    return transfer(opened, request, bytes);
+    return transfer(opened, Uvc::requestOf(setup, bytes.data()));
 }

@@ -27,8 +27,7 @@ UsbResult resultOfOpen(int error) {
     }
 }
 
-/// Opens without waiting, also if the name leads to something else. `NoDevice` if it isn't the character device with
-/// this number.
+/// Opens without blocking. `NoDevice` if it isn't the character device with this number.
 UsbResult openDeviceNode(const std::string& path, dev_t number, OpenFile& node) {
     OpenFile file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file) return resultOfOpen(errno);
@@ -49,7 +48,7 @@ UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
 UsbResult LinuxUsbInterface::openNode(const std::string& path, dev_t number, const SysfsFolder& owner) {
     OpenFile opened;
     const UsbResult result = openDeviceNode(path, number, opened);
-    if (!owner.exists()) // unplugged before the node was opened, and the number may be another device's
+    if (!owner.exists()) // unplugged before the node was opened: the number may be another device's
         return UsbCode::NoDevice;
     m_node = std::move(opened);
     return result;
@@ -63,6 +62,11 @@ UsbResult LinuxUsbInterface::openCaptureNode() {
 UsbResult LinuxUsbInterface::openUsbNode() {
     m_transport = transferDirectly;
     return openNode(m_device.node, m_device.number, m_folder);
+}
+
+bool LinuxUsbInterface::exists() const {
+    // A device that still exists had this interface when the interface's folder was opened.
+    return m_folder.exists() && m_device.folder->exists();
 }
 
 LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
@@ -85,32 +89,33 @@ UsbResult LinuxUsbInterface::selectTransport() {
     // request.
     if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success) return UsbCode::Success;
     m_captureNode = {};
-    if (!m_device.folder->exists()) return UsbCode::NoDevice;
-    const std::string driver = m_folder.driver(); // empty also if the interface is gone, which openUsbNode sees
+    const std::string driver = m_folder.driver();
+    if (!exists()) return UsbCode::NoDevice; // which shows no driver either
     if (driver.empty() || driver == kClaimedByProgram) return openUsbNode();
     // The driver inserts the interface's real number; all our requests have 0.
     if (driver != kKernelUvcDriver || m_number != 0) return UsbCode::NotSendable;
     CaptureNode found = findCaptureNode();
-    if (!m_folder.exists()) return UsbCode::NoDevice; // another device may have been found on the port
+    if (!exists()) return UsbCode::NoDevice; // what was found may be another device's
     if (found.path.empty()) return UsbCode::NotSendable;
     m_captureNode = std::move(found);
     return openCaptureNode();
 }
 
 UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
-    m_node = OpenFile(); // closes what a failed request has left open
-    if (request.wLength > kMaxData) return m_notOpen = UsbCode::NotSupported;
-    m_notOpen = selectTransport();
+    m_node = OpenFile(); // closes the node that a failed request has left open
+    m_notOpen = request.wLength > kMaxData ? UsbCode::NotSupported : selectTransport();
     if (m_notOpen != UsbCode::Success) return m_notOpen;
     // The answer of a failed request must not reach the caller: a block that is half zeros and then written
-    // back would wipe settings. A short answer that the driver reports as success can't be recognised.
+    // back would wipe settings.
     std::array<std::uint8_t, kMaxData> data{};
     const std::span bytes = std::span(data).first(request.wLength);
     const std::span caller(request.pData, request.wLength);
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
     if (!isGet) std::ranges::copy(caller, bytes.begin());
-    const UsbResult result = m_transport(m_node.get(), request, bytes);
-    if (result != UsbCode::Success) return result;
+    const int done = m_transport(m_node.get(), Uvc::setupPacket(request), bytes);
+    if (done < 0) return done;
+    request.wLenDone = static_cast<std::uint32_t>(done);
+    if (request.wLenDone != request.wLength) return UsbCode::InputOutput;
     if (isGet) std::ranges::copy(bytes, caller.begin());
     (void)USBInterfaceClose();
     return UsbCode::Success;

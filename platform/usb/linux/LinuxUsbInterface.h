@@ -25,7 +25,7 @@ struct PluggedDevice {
 ///
 /// The transport is selected at each request: through the kernel's driver if that is bound to the interface
 /// and sends exactly our packet, directly if none is bound. The driver is never detached: that would end a
-/// recording. After a re-plug, or once the device is configured anew, every request fails with `NoDevice`.
+/// recording. After a re-plug, a new authorization or a change of configuration every request fails with `NoDevice`.
 class LinuxUsbInterface : public UsbInterface {
 public:
     /// `path` is the interface's folder in sysfs, `number` the one in its descriptor.
@@ -41,10 +41,12 @@ private:
     struct CaptureNode {
         std::string path;   ///< empty: none
         dev_t number = 0;   ///< belongs to this node as long as its folder exists
-        SysfsFolder folder; ///< gone once the device is unplugged or the driver unbound
+        SysfsFolder folder; ///< exists until the device is unplugged or the driver unbound
     };
     [[nodiscard]] CaptureNode findCaptureNode() const;
 
+    /// Whether this interface still exists.
+    [[nodiscard]] bool exists() const;
     /// Each leaves its node open if the result is success.
     [[nodiscard]] UsbResult selectTransport();
     [[nodiscard]] UsbResult openCaptureNode();

@@ -1,5 +1,7 @@
 #include "FakeKernel.h"
 
+#include "WireText.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -22,7 +24,7 @@ std::string text(const char* format, Values... values) {
     return QString::asprintf(format, values...).toStdString();
 }
 
-/// Where a file of the fake kernel really is.
+/// The real path of a file of the fake kernel.
 std::string pathOf(const std::string& file) {
     return std::getenv("UMOCKDEV_DIR") + file;
 }
@@ -34,7 +36,7 @@ extern "C" int __real_open(const char* path, int flags, ...);
 extern "C" int __wrap_open(const char* path, int flags, mode_t mode) {
     if (!running) return __real_open(path, flags, mode);
     const bool isNode = (flags & O_PATH) == 0;
-    // Opening must not wait, and neither child processes nor terminals come of it.
+    // Opening must not block, leave the file to child processes, or set a controlling terminal.
     if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
         running->forbidden.push_back(text("flags %x of %s", static_cast<unsigned>(flags), path));
     errno = isNode ? running->openError : 0;
@@ -48,16 +50,12 @@ extern "C" int __wrap_fstat(int file, struct stat* status) {
     status->st_rdev = running->nodes.at(path.substr(path.rfind("/dev/"))) + running->numberShift;
     return 0;
 }
-// Their names on 32-bit processors, by the sizes of offsets and times
-extern "C" [[gnu::alias("__wrap_open")]] int __wrap_open64(const char* path, int flags, mode_t mode);
-extern "C" [[gnu::alias("__wrap_fstat")]] int __wrap_fstat64(int file, struct stat* status);
-extern "C" [[gnu::alias("__wrap_fstat")]] int __wrap___fstat64_time64(int file, struct stat* status);
 // NOLINTEND(bugprone-reserved-identifier)
 
 FakeKernel::FakeKernel() {
     running = this;
-    // Runs in the testbed's own thread while the caller waits in its ioctl. The caller is this same process: its
-    // pointers can be followed.
+    device->onRequest = [this](const RecordedRequest& request) { calls.push_back(wireText(request)); };
+    // Called in the testbed's thread while this process waits in ioctl, so that the arguments' pointers are valid.
     const auto handle = [](UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) -> gboolean {
         void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
         const long result =
@@ -79,40 +77,34 @@ void FakeKernel::plug(const FakePlug& plug) {
     const auto bus = static_cast<unsigned>(std::stoi(plug.name));
     const unsigned minor = (bus - 1) * 128 + plug.address - 1;
     const std::string node = text("bus/usb/%03u/%03u", bus, plug.address);
-    const std::string devices =
-        text("P: /devices/%s\nN: %s=00\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/%s\nE: MAJOR=189\n"
+    add(text("P: /devices/%s\nN: %s=00\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nE: DEVNAME=/dev/%s\nE: MAJOR=189\n"
              "E: MINOR=%u\nA: busnum=%u\nA: devnum=%u\nA: idVendor=%04x\nA: idProduct=%04x\n",
-            plug.name.c_str(), node.c_str(), node.c_str(), minor, bus, plug.address, plug.vendor, device->productID);
-    umockdev_testbed_add_from_string(m_testbed, devices.c_str(), nullptr);
+        plug.name.c_str(), node.c_str(), node.c_str(), minor, bus, plug.address, plug.vendor, device->productID));
     const CaptureIdentity identity{device->vendorID, device->productID, plug.videoControlInterface};
     Bytes descriptors = deviceDescriptor(identity);
     append(descriptors, configurationDescriptor(identity));
     if (plug.descriptors) descriptors = *plug.descriptors;
     g_file_set_contents(pathOf("/dev/" + node).c_str(), reinterpret_cast<const char*>(descriptors.data()),
-        std::ssize(descriptors), nullptr); // usbfs gives them to who reads the node
+        std::ssize(descriptors), nullptr); // usbfs shows them in the node
     addNode("/dev/" + node, makedev(189, minor));
-    m_videos.clear();
-    device->videoControlInterface = plug.videoControlInterface;
     if (!device->plugged()) device->plugIn();
-    addInterface(plug);
+    m_interface.clear();
+    m_videos.clear();
+    configure(plug);
 }
 
-void FakeKernel::addInterface(const FakePlug& plug) {
-    const std::string interface = text("/devices/%s/%s:1.%u", plug.name.c_str(),
-        plug.name.substr(plug.name.rfind('/') + 1).c_str(), plug.videoControlInterface);
-    const std::string description = text("P: %s\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\n"
-                                         "A: bInterfaceNumber=%02x\nA: bInterfaceClass=%02x\n"
-                                         "A: bInterfaceSubClass=%02x\n",
-        interface.c_str(), plug.videoControlInterface, plug.interfaceClass, plug.interfaceSubClass);
-    umockdev_testbed_add_from_string(m_testbed, description.c_str(), nullptr);
-    m_interface = "/sys" + interface;
+void FakeKernel::configure(const FakePlug& plug) {
+    if (!m_interface.empty()) {
+        bind({});
+        umockdev_testbed_remove_device(m_testbed, m_interface.c_str());
+    }
+    m_interface = text("/sys/devices/%s/%s:1.%u", plug.name.c_str(), plug.name.substr(plug.name.rfind('/') + 1).c_str(),
+        plug.videoControlInterface);
+    add(text("P: %s\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\n"
+             "A: bInterfaceNumber=%02x\nA: bInterfaceClass=%02x\nA: bInterfaceSubClass=%02x\n",
+        m_interface.c_str() + 4, plug.videoControlInterface, plug.interfaceClass, plug.interfaceSubClass));
+    device->videoControlInterface = plug.videoControlInterface;
     bind(plug);
-}
-
-void FakeKernel::configureAnew(const FakePlug& plug) {
-    bind({}); // whose nodes are gone with the interface
-    umockdev_testbed_remove_device(m_testbed, m_interface.c_str());
-    addInterface(plug);
 }
 
 void FakeKernel::bind(const FakePlug& plug) {
@@ -125,12 +117,15 @@ void FakeKernel::bind(const FakePlug& plug) {
     for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) { // the second one has metadata
         const int number = plug.captureNode + index;
         m_videos.push_back(m_interface + text("/video%d", number));
-        const std::string video = text("P: %s\nN: video%d=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%d\n"
-                                       "E: MAJOR=81\nE: MINOR=%d\nA: index=%d\n",
-            m_videos.back().c_str() + 4, number, number, number, index);
-        umockdev_testbed_add_from_string(m_testbed, video.c_str(), nullptr);
+        add(text("P: %s\nN: video%d=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%d\nE: MAJOR=81\nE: MINOR=%d\n"
+                 "A: index=%d\n",
+            m_videos.back().c_str() + 4, number, number, number, index));
         addNode(text("/dev/video%d", number), makedev(81, static_cast<unsigned>(number)));
     }
+}
+
+void FakeKernel::add(const std::string& folder) {
+    umockdev_testbed_add_from_string(m_testbed, folder.c_str(), nullptr);
 }
 
 void FakeKernel::addNode(const std::string& node, dev_t number) {
@@ -150,7 +145,7 @@ long FakeKernel::call(const std::string& node, unsigned long request, void* argu
     case USBDEVFS_GET_CAPABILITIES:
     case USBDEVFS_CONNECTINFO:
     case USBDEVFS_GET_SPEED: return 0; // nothing depends on it
-    case USBDEVFS_CONTROL:             // which configuration is active
+    case USBDEVFS_CONTROL:             // only for the active configuration
         if (static_cast<usbdevfs_ctrltransfer*>(argument)->bRequest != 8) break;
         *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) = kConfigurationValue;
         return 1;
@@ -173,13 +168,12 @@ long FakeKernel::call(const std::string& node, unsigned long request, void* argu
     case UVCIOC_CTRL_QUERY: return query(node, *static_cast<uvc_xu_control_query*>(argument));
     default: break;
     }
-    // A transfer without a claim, detaching a driver, resetting the device, and whatever else
+    // A synchronous transfer, detaching a driver, resetting the device, and all others
     forbidden.push_back(text("ioctl %08lx", request));
     return -ENOTTY;
 }
 
 long FakeKernel::submit(usbdevfs_urb& urb) {
-    calls.emplace_back("transfer");
     const std::span bytes(static_cast<std::uint8_t*>(urb.buffer), static_cast<std::size_t>(urb.buffer_length));
     if (urb.type != USBDEVFS_URB_TYPE_CONTROL || bytes.size() < 8 || m_claimed != bytes[4])
         forbidden.emplace_back("a transfer without a claim");
@@ -201,7 +195,7 @@ long FakeKernel::query(const std::string& node, uvc_xu_control_query& query) {
     UsbControlRequest request = Uvc::requestOf(packet, query.data);
     const UsbResult result = device->control(request);
     if (result == UsbCode::Success) return 0;
-    if (result != UsbCode::InputOutput) return -EPIPE;               // or another reason
+    if (result != UsbCode::InputOutput) return -EPIPE;               // the reason depends on the kernel
     if (isGet) std::fill_n(query.data, query.size, std::uint8_t{0}); // a short answer, with zeros for the rest
     return request.wLenDone;
 }

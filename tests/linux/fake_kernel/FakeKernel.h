@@ -13,7 +13,7 @@
 #include <linux/uvcvideo.h>
 #include <sys/stat.h>
 
-/// A device on the fake kernel's bus, and what of it can be seen.
+/// A device on the fake kernel's bus, as sysfs shows it.
 struct FakePlug {
     std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them, below those of its hub: "1-2/1-2.3"
     unsigned address = 2;
@@ -22,42 +22,43 @@ struct FakePlug {
     std::uint8_t interfaceSubClass = Uvc::kVideoControlSubClass;
     std::uint8_t videoControlInterface = 0;
     std::string driver = {};               ///< bound to the VideoControl interface, empty: none
-    int captureNode = -1;                  ///< N of /dev/videoN, which is a metadata node's neighbour; -1: none
-    std::optional<Bytes> descriptors = {}; ///< instead of good ones
+    int captureNode = -1;                  ///< N of /dev/videoN, the metadata node has N+1; -1: none
+    std::optional<Bytes> descriptors = {}; ///< instead of valid ones
 };
 
-/// Stands in for sysfs, usbfs and the UVC driver, under the real libudev and libusb. It answers as a real kernel
-/// does, records all calls, and refuses those that the program must never make. There is one at a time.
+/// Emulates sysfs, usbfs and the UVC driver, under the real libudev and libusb. It answers as a real kernel does,
+/// records all calls, and refuses those that the program must never make. Only one can exist.
 class FakeKernel {
 public:
     FakeKernel();
     ~FakeKernel();
-    FakeKernel& operator=(FakeKernel&&) = delete; // nor can it be copied
+    FakeKernel& operator=(FakeKernel&&) = delete;
 
     void plug(const FakePlug& plug);
-    /// The device remains and its interfaces are made anew, as when it is authorized again.
-    void configureAnew(const FakePlug& plug);
-    /// Takes everything off the bus.
+    /// Unplugs all devices.
     void unplug();
-    /// The driver of the device that was plugged in last lets go of it, and another one takes it. The nodes remain,
-    /// as if other devices had got the names.
+    /// Replaces the interface of the device that was plugged in last, as another configuration does, or a new
+    /// authorization.
+    void configure(const FakePlug& plug);
+    /// Unbinds the driver of that interface and binds another one. The nodes remain, as if other devices had got the
+    /// names.
     void bind(const FakePlug& plug);
 
     std::shared_ptr<SimulatedDevice> device = std::make_shared<SimulatedDevice>();
-    std::map<std::string, dev_t> nodes; ///< with the numbers that sysfs says
-    int openError = 0;                  ///< why no node can be opened, 0: they can
-    mode_t nodeKind = S_IFCHR;          ///< of whatever has the nodes' names
-    dev_t numberShift = 0;              ///< of the nodes, from those
-    std::vector<std::string> calls;     ///< "claim 0", "transfer", "release 0", "query /dev/video4"
-    std::vector<std::string> forbidden; ///< calls that no driver or other program would survive
+    std::map<std::string, dev_t> nodes; ///< and their numbers in sysfs
+    int openError = 0;                  ///< of opening any node, 0: success
+    mode_t nodeKind = S_IFCHR;          ///< file type that fstat reports of a node
+    dev_t numberShift = 0;              ///< fstat's number of a node minus that in sysfs
+    std::vector<std::string> calls;     ///< "claim 0", "release 0", "query /dev/video4", and requests as `wireText`
+    std::vector<std::string> forbidden; ///< calls that would disturb the driver or other programs
 
 private:
     /// As in the kernel, a negative result is an error number.
     [[nodiscard]] long call(const std::string& node, unsigned long request, void* argument);
     [[nodiscard]] long submit(usbdevfs_urb& urb);
     [[nodiscard]] long query(const std::string& node, uvc_xu_control_query& query);
+    void add(const std::string& folder); ///< to sysfs, as umockdev describes it
     void addNode(const std::string& node, dev_t number);
-    void addInterface(const FakePlug& plug);
 
     UMockdevTestbed* m_testbed = umockdev_testbed_new();
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
