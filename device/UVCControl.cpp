@@ -28,7 +28,7 @@ bool fits(int length, std::span<const std::uint8_t> buffer) {
 }
 
 std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> service) {
-    // No device attached shows as a plug-in that can't be made: there is nothing to make it from.
+    // Without a device the line is that of a plug-in that can't be created.
     UsbYield<UsbPlugIn<UsbDevice>> plugIn{service.result, nullptr};
     if (service.object) plugIn = service.object->createPlugIn();
     if (plugIn.result != UsbCode::Success || !plugIn.object) {
@@ -47,16 +47,16 @@ std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> serv
 } // namespace
 
 UVCCameraControl::~UVCCameraControl() {
-    releaseInterface();
+    closeInterface();
 }
 
-void UVCCameraControl::releaseInterface() {
+void UVCCameraControl::closeInterface() {
     if (interface) (void)interface->USBInterfaceClose(); // nothing depends on it any more
     interface.reset();
 }
 
 bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t productID) {
-    releaseInterface();
+    closeInterface();
     const auto device = deviceForService(
         usbBus().firstService(static_cast<std::uint32_t>(vendorID), static_cast<std::uint32_t>(productID)));
     if (!device) return false;
@@ -65,7 +65,7 @@ bool UVCCameraControl::initWithVendorID(std::int64_t vendorID, std::int64_t prod
 }
 
 void UVCCameraControl::initWithLocationID(std::uint32_t locationID) {
-    releaseInterface();
+    closeInterface();
     const auto services = usbBus().allServices();
     if (services.result != UsbCode::Success || !services.object) return;
     while (auto service = services.object->next()) {
@@ -135,14 +135,4 @@ bool UVCCameraControl::setCurrent(std::span<std::uint8_t> data, int length, int 
     return fits(length, data)
         && sendControlRequest(
             controlRequest(Uvc::kSetToInterface, UVCRequest::SET_CUR, length, selector, unit, data.data()));
-}
-
-bool UVCCameraControl::getDataFor(UVCRequest request, const UVCControlInfo& control, std::span<std::uint8_t> ret) {
-    return getDataFor(request, static_cast<int>(control.size), static_cast<int>(control.selector),
-        static_cast<int>(control.unit), ret);
-}
-
-bool UVCCameraControl::setData(std::int64_t data, const UVCControlInfo& control) {
-    return setData(
-        data, static_cast<int>(control.size), static_cast<int>(control.selector), static_cast<int>(control.unit));
 }

@@ -7,27 +7,26 @@
 #include <memory>
 #include <span>
 
-/// Where a control is and how long its value is.
+/// The address of a control and the length of its value.
 struct UVCControlInfo {
-    std::uint32_t unit;
-    std::uint32_t selector;
-    std::uint32_t size; ///< bytes
+    int unit;
+    int selector;
+    int size; ///< bytes
 };
 
-/// What a standard control's value is scaled between.
+/// The limits of a standard control's value.
 struct UVCRange {
     std::int64_t min;
     std::int64_t max;
 };
 
 /// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface.
-/// Requests are synchronous; the interface is held during a request at most, so capture software continues
-/// beside it. Failures are log lines and false results, nothing throws.
+/// Requests are synchronous. Between requests the interface is not claimed, and no driver is detached from it, so that
+/// capture software continues. Failures are log lines and false results, nothing throws.
 ///
-/// Some of the lines belong to steps that can't fail on Linux, where sysfs is all that is read before the
-/// first request: "QueryInterface returned", "Unable to create a plug-in", "Couldn’t create a device
-/// interface" and "Unable to get interface number". "IOCreatePlugInInterfaceForService returned" then means
-/// that no such device is plugged in, always with `NoDevice`.
+/// On Linux some of the lines are never logged, as only sysfs is read before the first request: "QueryInterface
+/// returned", "Unable to create a plug-in", "Couldn’t create a device interface" and "Unable to get interface number".
+/// "IOCreatePlugInInterfaceForService returned" always has `NoDevice` there: no such device is plugged in.
 class UVCCameraControl {
 public:
     UVCCameraControl() = default;
@@ -42,8 +41,8 @@ public:
     /// Opens the device at a location (`UsbDevice::GetLocationID`). None there: every request fails.
     void initWithLocationID(std::uint32_t locationID);
 
-    /// The VideoControl interface of a device, absent if it has none or it can't be had. The name's spelling
-    /// "Inferace" is part of the interface.
+    /// The VideoControl interface of a device, absent if it has none or it can't be opened. The spelling
+    /// "Inferace" is part of the name.
     [[nodiscard]] std::unique_ptr<UsbInterface> getControlInferaceWithDeviceInterface(UsbDevice& device);
     /// Asks the interface for its number and returns 0: all requests have interface number 0.
     std::uint8_t getInterfaceNumberFromInterface(UsbInterface& asked);
@@ -61,13 +60,12 @@ public:
     /// A GET of `length` bytes into the start of `ret`, which is left alone by a failure.
     [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit, std::span<std::uint8_t> ret);
 
-    // Standard camera controls on a scale from 0.0 to 1.0. They take the success flags of their requests for
-    // the device's values; callers get the same numbers from every release.
+    // Standard camera controls on a scale from 0.0 to 1.0. They use the success flags of their requests as values;
+    // callers get the same numbers from every release.
 
     /// 1 for each limit that the device answered, 0 for one that it did not.
     [[nodiscard]] UVCRange getRangeForControl(const UVCControlInfo& control);
-    /// Linear, each step rounded to single precision. A source range of zero width gives what floating point
-    /// gives (infinity or NaN).
+    /// Linear, each step rounded to single precision. A source range of zero width gives infinity or NaN.
     [[nodiscard]] float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);
     [[nodiscard]] float getValueForControl(const UVCControlInfo& control);
     [[nodiscard]] bool setValue(float value, const UVCControlInfo& control);
@@ -96,15 +94,11 @@ public:
 protected:
     /// SET_CUR of the first `length` bytes of `data`.
     [[nodiscard]] bool setCurrent(std::span<std::uint8_t> data, int length, int selector, int unit);
-    // The same for the whole value of a control.
-    [[nodiscard]] bool getDataFor(UVCRequest request, const UVCControlInfo& control, std::span<std::uint8_t> ret);
-    [[nodiscard]] bool setData(std::int64_t data, const UVCControlInfo& control);
 
 private:
-    [[nodiscard]] bool getAndDrop(UVCRequest request, const UVCControlInfo& control);
-    void releaseInterface();
+    void closeInterface();
 
-    std::unique_ptr<UsbInterface> interface; ///< absent: no VideoControl interface could be had
+    std::unique_ptr<UsbInterface> interface; ///< absent: none could be opened
     [[maybe_unused]] std::int64_t dataBuffer = 0;
     [[maybe_unused]] std::uint8_t interfaceNum = 0;
 };

@@ -7,7 +7,9 @@
 #include <cstddef>
 #include <ctime>
 
-/// One byte of the audio block, and the words by which its log lines are known.
+namespace {
+
+/// One byte of the audio block, and its names in log lines.
 struct VolumeField {
     std::size_t byte;
     const char* name;
@@ -22,18 +24,12 @@ struct SettingsField {
     const char* writeFailure;
 };
 
-namespace {
+using SettingsBlock = std::array<std::uint8_t, UvcControls2.settings.size>;
+using VersionBlock = std::array<std::uint8_t, UvcControls2.versions.size>;
+using AudioBlock = std::array<std::uint8_t, UvcControls2.audio.size>;
 
-constexpr const UVCControlInfo& kSettings = UvcControls2[1];
-constexpr const UVCControlInfo& kVersions = UvcControls2[2];
-constexpr const UVCControlInfo& kAudio = UvcControls2[3];
-
-using SettingsBlock = std::array<std::uint8_t, kSettings.size>;
-using VersionBlock = std::array<std::uint8_t, kVersions.size>;
-using AudioBlock = std::array<std::uint8_t, kAudio.size>;
-
-// The HDMI setter logs the headphone setter's lines, both spelt "Haedphone", and the AUX getter the HDMI
-// getter's: people's saved logs are read by them.
+// Saved logs are searched for these names: the HDMI setter has the headphone setter's, spelt "Haedphone", and the AUX
+// getter the HDMI getter's.
 constexpr VolumeField kMicrophone{3, "Mic gain", "SetMicrophoneVolume", "GetMicrophoneVolume"};
 constexpr VolumeField kHeadphone{5, "Headphone vol", "setHaedphone", "GetHeadphoneVolume"};
 constexpr VolumeField kHdmi{1, "HDMI vol", "setHaedphone", "GetHdmiVolume"};
@@ -57,8 +53,8 @@ std::uint8_t lowByte(int number) {
     return static_cast<std::uint8_t>(number);
 }
 
-/// The device's clock as host time. The flag for daylight saving stays 0, standard time, so a host in
-/// daylight saving sees an hour's difference and sets the clock at every start, on purpose.
+/// The device's clock as host time. The flag for daylight saving stays 0 on purpose: a host in daylight saving time
+/// sees an hour's difference and sets the clock at every start.
 std::time_t clockTime(const SettingsBlock& block) {
     std::tm calendar{};
     calendar.tm_year = block[2] + kDeviceEpoch;
@@ -84,6 +80,46 @@ void logBitRate(std::uint8_t levels) {
     systemLog("[Get old]video bit rate index : [H264]=%d, [MJPG]=%d \n", levels >> 4, levels & 15);
 }
 
+bool readBlock(CUvcBaseControl& device, const UVCControlInfo& control, std::span<std::uint8_t> block) {
+    return device.getDataFor(UVCRequest::GET_CUR, control.size, control.selector, control.unit, block);
+}
+
+bool writeBlock(CUvcBaseControl& device, const UVCControlInfo& control, std::span<std::uint8_t> block) {
+    return device.SetData2(block, control.size, control.selector, control.unit);
+}
+
+bool setVolume(CUvcBaseControl& device, const VolumeField& field, int volume) {
+    AudioBlock block{};
+    const bool read = readBlock(device, UvcControls2.audio, block);
+    systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
+    if (!read) {
+        systemLog("getExtension_%s..getData Fail! \n", field.setter);
+        return false;
+    }
+    block[field.byte] = lowByte(volume);
+    if (!writeBlock(device, UvcControls2.audio, block)) {
+        systemLog("getExtension_%s..setData Fail! \n", field.setter);
+        return false;
+    }
+    return true;
+}
+
+bool getVolume(CUvcBaseControl& device, const VolumeField& field, std::uint8_t& volume) {
+    AudioBlock block{};
+    const bool read = readBlock(device, UvcControls2.audio, block);
+    systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
+    if (!read) systemLog("getExtension_%s..getData Fail! \n", field.getter);
+    volume = read ? block[field.byte] : 0;
+    return read;
+}
+
+bool writeSettings(CUvcBaseControl& device, const SettingsField& field, std::span<std::uint8_t> block) {
+    block[0] = field.command;
+    const bool written = writeBlock(device, UvcControls2.settings, block);
+    if (!written) systemLog("%s", field.writeFailure);
+    return written;
+}
+
 } // namespace
 
 std::unique_ptr<CVn318UvcController> CVn318UvcController::CreateInstance() {
@@ -93,75 +129,34 @@ std::unique_ptr<CVn318UvcController> CVn318UvcController::CreateInstance() {
     return controller;
 }
 
-bool CVn318UvcController::readBlock(const UVCControlInfo& control, std::span<std::uint8_t> block) {
-    return getDataFor(UVCRequest::GET_CUR, control, block);
-}
-
-bool CVn318UvcController::writeBlock(const UVCControlInfo& control, std::span<std::uint8_t> block) {
-    return SetData2(
-        block, static_cast<int>(control.size), static_cast<int>(control.selector), static_cast<int>(control.unit));
-}
-
-bool CVn318UvcController::setVolume(const VolumeField& field, int volume) {
-    AudioBlock block{};
-    const bool read = readBlock(kAudio, block);
-    systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
-    if (!read) {
-        systemLog("getExtension_%s..getData Fail! \n", field.setter);
-        return false;
-    }
-    block[field.byte] = lowByte(volume);
-    if (!writeBlock(kAudio, block)) {
-        systemLog("getExtension_%s..setData Fail! \n", field.setter);
-        return false;
-    }
-    return true;
-}
-
-bool CVn318UvcController::getVolume(const VolumeField& field, std::uint8_t& volume) {
-    AudioBlock block{};
-    const bool read = readBlock(kAudio, block);
-    systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
-    if (!read) systemLog("getExtension_%s..getData Fail! \n", field.getter);
-    volume = read ? block[field.byte] : 0;
-    return read;
-}
-
 bool CVn318UvcController::SetMicrophoneVolume(int volume) {
-    return setVolume(kMicrophone, volume);
+    return setVolume(*this, kMicrophone, volume);
 }
 bool CVn318UvcController::GetMicrophoneVolume(std::uint8_t& volume) {
-    return getVolume(kMicrophone, volume);
+    return getVolume(*this, kMicrophone, volume);
 }
 bool CVn318UvcController::SetHeadphoneVolume(int volume) {
-    return setVolume(kHeadphone, volume);
+    return setVolume(*this, kHeadphone, volume);
 }
 bool CVn318UvcController::GetHeadphoneVolume(std::uint8_t& volume) {
-    return getVolume(kHeadphone, volume);
+    return getVolume(*this, kHeadphone, volume);
 }
 bool CVn318UvcController::SetHdmiVolume(int volume) {
-    return setVolume(kHdmi, volume);
+    return setVolume(*this, kHdmi, volume);
 }
 bool CVn318UvcController::GetHdmiVolume(std::uint8_t& volume) {
-    return getVolume(kHdmi, volume);
+    return getVolume(*this, kHdmi, volume);
 }
 bool CVn318UvcController::SetAuxVolume(int volume) {
-    return setVolume(kAux, volume);
+    return setVolume(*this, kAux, volume);
 }
 bool CVn318UvcController::GetAuxVolume(std::uint8_t& volume) {
-    return getVolume(kAux, volume);
-}
-
-bool CVn318UvcController::writeSettings(const SettingsField& field, std::span<std::uint8_t> block) {
-    block[0] = field.command;
-    const bool written = writeBlock(kSettings, block);
-    if (!written) systemLog("%s", field.writeFailure);
-    return written;
+    return getVolume(*this, kAux, volume);
 }
 
 bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
     SettingsBlock block{};
-    if (!readBlock(kSettings, block)) {
+    if (!readBlock(*this, UvcControls2.settings, block)) {
         systemLog("%s", kBitRate.readFailure);
         return false;
     }
@@ -169,12 +164,12 @@ bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
     const std::uint8_t levels = lowByte(h264 << 4 | (forMJEPG & 15));
     systemLog("new video bit rate index : %d \n", levels);
     block[kBitRateByte] = levels;
-    return writeSettings(kBitRate, block);
+    return writeSettings(*this, kBitRate, block);
 }
 
 bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG) {
     SettingsBlock block{};
-    const bool read = readBlock(kSettings, block);
+    const bool read = readBlock(*this, UvcControls2.settings, block);
     const std::uint8_t levels = block[kBitRateByte];
     logBitRate(levels);
     if (!read) systemLog("getExtension_getBitRate..getData Fail! \n");
@@ -185,7 +180,7 @@ bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG)
 
 bool CVn318UvcController::SetHdcpState(int state) {
     SettingsBlock block{};
-    if (!readBlock(kSettings, block)) {
+    if (!readBlock(*this, UvcControls2.settings, block)) {
         systemLog("%s", kHdcp.readFailure);
         return false;
     }
@@ -194,12 +189,12 @@ bool CVn318UvcController::SetHdcpState(int state) {
     systemLog("new HDCP state value : %d \n", stored);
     if (stored > 1) return false; // neither on nor off: refused without a log line
     block[kHdcpByte] = stored;
-    return writeSettings(kHdcp, block);
+    return writeSettings(*this, kHdcp, block);
 }
 
 bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
     SettingsBlock block{};
-    const bool read = readBlock(kSettings, block);
+    const bool read = readBlock(*this, UvcControls2.settings, block);
     systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
     state = read ? block[kHdcpByte] : 0;
     if (!read)
@@ -214,7 +209,7 @@ bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
 bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
     sleepForTimeInterval(kSettlingTime);
     VersionBlock block{};
-    const bool read = readBlock(kVersions, block);
+    const bool read = readBlock(*this, UvcControls2.versions, block);
     systemLog("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, "
               "HDMI splitter fw ver= %d.%d.%d.%d\n",
         block[22], block[23], block[24], block[25], block[14], block[15], block[16], block[17], block[18], block[19],
@@ -230,7 +225,7 @@ bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
 
 bool CVn318UvcController::SyncRtc() {
     SettingsBlock block{};
-    const bool read = readBlock(kSettings, block);
+    const bool read = readBlock(*this, UvcControls2.settings, block);
     systemLog("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
         block[7]);
     if (!read) {
@@ -244,9 +239,9 @@ bool CVn318UvcController::SyncRtc() {
         return true;
     }
     storeClock(block, hostTime());
-    if (!writeSettings(kClock, block)) return false;
+    if (!writeSettings(*this, kClock, block)) return false;
     sleepForTimeInterval(kSettlingTime);
-    const bool readBack = readBlock(kSettings, block);
+    const bool readBack = readBlock(*this, UvcControls2.settings, block);
     systemLog("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
         block[7]);
     if (!readBack) systemLog("%s", kClock.readFailure);

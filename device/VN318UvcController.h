@@ -12,20 +12,17 @@
 using FirmwareVersionRecord = std::array<std::uint8_t, 12>;
 
 /// The device's blocks: each is the current value of one control, and the device refuses any other length.
-inline constexpr std::array<UVCControlInfo, 4> UvcControls2{{
-    {3, 10, 4},  // status
-    {3, 11, 13}, // settings: command byte, clock, bit rate, HDCP
-    {3, 12, 26}, // firmware versions
-    {3, 13, 7},  // audio: four volumes
-}};
-
-struct VolumeField;
-struct SettingsField;
+struct VendorControls {
+    UVCControlInfo status{3, 10, 4};
+    UVCControlInfo settings{3, 11, 13}; ///< command byte, clock, bit rate, HDCP
+    UVCControlInfo versions{3, 12, 26}; ///< of the firmware
+    UVCControlInfo audio{3, 13, 7};     ///< four volumes
+};
+inline constexpr VendorControls UvcControls2;
 
 /// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all stored in
-/// four blocks of extension unit 3 (docs/device.md). Nothing is cached; a setting is changed by reading its
-/// whole block, changing its field and writing the whole block back, so that nothing else changes. A block
-/// that could not be read is never written.
+/// four blocks of extension unit 3 (docs/device.md). Nothing is cached. To change a setting, its whole block is read,
+/// its field changed and the whole block written back. A block that could not be read is never written.
 ///
 /// Every operation returns true on success. Getters set their out-arguments to 0 on failure. Setters store
 /// the low 8 bits of a volume or an HDCP state, and the low 4 bits of a bit-rate level.
@@ -34,8 +31,8 @@ public:
     static constexpr std::uint16_t kVendorID = TAVRO_USB_VENDOR_ID;
     static constexpr std::uint16_t kProductID = TAVRO_USB_PRODUCT_ID;
 
-    /// Brings the device's clock to the host's local time when they are more than 2 seconds apart, which
-    /// takes a second. True: it was in time, or was set and could be read back.
+    /// Sets the device's clock to the host's local time if they are more than 2 seconds apart, which takes a second.
+    /// True: it was right, or was set and could be read back.
     [[nodiscard]] bool SyncRtc();
 
     // "MJEPG" is the operations' own spelling; the log lines say "MJPG".
@@ -58,13 +55,6 @@ public:
     [[nodiscard]] bool SetHdcpState(int state);
     [[nodiscard]] bool GetHdcpState(std::uint8_t& state);
 
-    /// Opens the device. Absent: there is none, or it can't be reached.
+    /// Opens the device, absent if there is none or it can't be reached.
     [[nodiscard]] static std::unique_ptr<CVn318UvcController> CreateInstance();
-
-private:
-    [[nodiscard]] bool readBlock(const UVCControlInfo& control, std::span<std::uint8_t> block);
-    [[nodiscard]] bool writeBlock(const UVCControlInfo& control, std::span<std::uint8_t> block);
-    [[nodiscard]] bool setVolume(const VolumeField& field, int volume);
-    [[nodiscard]] bool getVolume(const VolumeField& field, std::uint8_t& volume);
-    [[nodiscard]] bool writeSettings(const SettingsField& field, std::span<std::uint8_t> block);
 };

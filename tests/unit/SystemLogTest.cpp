@@ -1,4 +1,4 @@
-// What the system's log writes to standard error.
+// Log messages on standard error.
 
 #include "Log.h"
 
@@ -12,14 +12,15 @@
 TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     const std::string longest(1023, 'x');
     testing::internal::CaptureStderr();
-    for (const std::string& message : {std::string("two\nlines\n\n"), longest + '\n', longest + "yz"})
-        deliverLogMessage(message);
+    deliverLogMessage(longest + '\n');
+    for (const std::string& message : {std::string("two\nlines\n\n"), longest + "yz"}) systemLog("%s", message.c_str());
+    systemLog("%ls", L"\u5668"); // no text in the locale C
     struct stat file {};
     ASSERT_EQ(::fstat(STDERR_FILENO, &file), 0);
     const std::string journal = std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino);
-    ::setenv("JOURNAL_STREAM", journal.c_str(), 1); // standard error is the journal, which has the line already
+    ::setenv("JOURNAL_STREAM", journal.c_str(), 1); // standard error is the journal
     deliverLogMessage("once");
-    ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was that, before a redirection
+    ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was, before a redirection
     deliverLogMessage("twice");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "two lines\n" + longest + '\n' + longest + "\ntwice\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\ntwo lines\n" + longest + "\ntwice\n");
 }
