@@ -110,9 +110,9 @@ UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (unitOf(request) != kInterfaceItself) m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     const bool hasData = !isGet || result == UsbCode::Success;
-    requests.push_back({Uvc::setupPacket(request),
-        hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(), result});
-    if (onRequest) onRequest(requests.back());
+    if (onRequest)
+        onRequest({Uvc::setupPacket(request),
+            hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(), result});
     return result;
 }
 

@@ -69,9 +69,7 @@ public:
     /// Sets the clock, in the form of settings bytes 2 to 7 (year minus 2000, month, day, h, min, s).
     void setClock(std::span<const std::uint8_t, 6> calendar);
 
-    /// Every request that reached the device, refused ones included.
-    std::vector<RecordedRequest> requests;
-    /// Called for every request after it was recorded.
+    /// Called for every request that reached the device, also for one that it refused.
     std::function<void(const RecordedRequest&)> onRequest;
 
 private:

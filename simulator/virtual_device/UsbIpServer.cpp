@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -19,7 +20,20 @@
 namespace {
 
 constexpr std::size_t kMaxConnections = 8;
-constexpr qsizetype kMaxCommand = 4096; // bytes
+constexpr qsizetype kMaxCommand = 4096; // bytes of a line
+
+/// First free port for high speed of the kernel's virtual host controller. Its table has a line per port: hub, port,
+/// state, and more.
+std::optional<unsigned> freePort() {
+    constexpr unsigned kFree = 4;
+    QFile table("/sys/devices/platform/vhci_hcd.0/status");
+    if (!table.open(QIODevice::ReadOnly)) return std::nullopt;
+    for (const QByteArray& line : table.readAll().split('\n')) {
+        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (fields.size() > 2 && fields[0] == "hs" && fields[2].toUInt() == kFree) return fields[1].toUInt();
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -48,13 +62,19 @@ QString UsbIpServer::attachToThisMachine() {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
     ours->setSocketDescriptor(ends[0]);
-    QString failure = m_controller.attach(ends[1]);
-    (void)::close(ends[1]); // the kernel has a reference of its own
-    if (failure.isEmpty()) {
-        Connection& connection = addConnection(std::move(ours));
-        connection.session.importNow(UsbIpSession::Clock::now());
-    }
-    return failure;
+    const OpenFile kernels(ends[1]); // the kernel keeps a reference of its own
+    if (QString failure = handToKernel(ends[1]); !failure.isEmpty()) return failure;
+    addConnection(std::move(ours)).session.importNow(UsbIpSession::Clock::now());
+    return {};
+}
+
+QString UsbIpServer::handToKernel(int socket) {
+    const auto port = freePort();
+    if (!port) return "no free port: is the module vhci_hcd loaded?";
+    const QString command = QString("%1 %2 %3 %4").arg(*port).arg(socket).arg(UsbIp::kDeviceID).arg(UsbIp::kHighSpeed);
+    constexpr auto kMode = QIODevice::WriteOnly | QIODevice::ExistingOnly | QIODevice::Unbuffered;
+    const bool opened = m_attach.isOpen() || m_attach.open(kMode);
+    return opened && m_attach.write(command.toLatin1()) > 0 ? QString() : m_attach.errorString();
 }
 
 void UsbIpServer::acceptConnections() {
@@ -104,15 +124,15 @@ bool UsbIpServer::attached() const {
         m_connections, [](const Connection& connection) { return connection.session.imported(); });
 }
 
-/// A client that leaves has unplugged the device. On the loopback interface it can be attached again at once.
+/// A client that disconnects has unplugged the device. On the loopback interface it can be attached again at once, also
+/// when a client with unread answers does not disconnect.
 void UsbIpServer::dropEnded() {
     const bool plugged = m_device.device().plugged();
     const bool wasAttached = attached();
     m_connections.remove_if([&](const Connection& connection) {
         const UsbIpSession& session = connection.session;
-        // At once if it has the device, which others wait for; else when all output is sent.
-        const bool isDone = session.ended() && (session.imported() || connection.socket->bytesToWrite() == 0);
-        return connection.lost || isDone || (session.imported() && !plugged);
+        return connection.lost || (session.imported() && !plugged)
+            || (session.ended() && (session.imported() || connection.socket->bytesToWrite() == 0));
     });
     if (!wasAttached || attached() || !plugged) return;
     m_device.device().unplug();
@@ -121,10 +141,10 @@ void UsbIpServer::dropEnded() {
 
 void UsbIpServer::readCommands() {
     std::array<char, kMaxCommand> bytes{};
-    // Not by QFile, which would wait until there are as many bytes.
+    // Not by QFile, which would wait until the buffer is full.
     const ssize_t count = ::read(static_cast<int>(m_commands.socket()), bytes.data(), bytes.size());
     if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (count < 0 && errno == EIO) { // what is typed at a terminal is for another program now
+    if (count < 0 && errno == EIO) { // in the background of a terminal
         using namespace std::chrono_literals;
         m_commands.setEnabled(false);
         QTimer::singleShot(1s, &m_commands, [this] { m_commands.setEnabled(true); });
@@ -139,12 +159,12 @@ void UsbIpServer::readCommands() {
         execute(m_commandBytes.first(end));
         m_commandBytes.remove(0, end + 1);
     }
-    m_commandBytes.truncate(kMaxCommand + 1); // the rest of an overlong command must not become one of its own
+    m_commandBytes.truncate(kMaxCommand + 1); // enough of an overlong line to refuse it at its end
 }
 
 void UsbIpServer::execute(const QByteArray& line) {
-    const bool isOverlong = line.size() > kMaxCommand;
-    QByteArray answer = isOverlong ? "error: too long for a command" : executeCommand(line, m_device.device());
+    QByteArray answer =
+        line.size() > kMaxCommand ? QByteArray("error: the line is too long") : executeCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())

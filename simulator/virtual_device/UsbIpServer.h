@@ -1,9 +1,10 @@
 #pragma once
 
-#include "HostController.h"
+#include "OpenFile.h"
 #include "UsbIpSession.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QIODevice>
 #include <QSocketNotifier>
 #include <QString>
@@ -14,17 +15,16 @@
 #include <list>
 #include <memory>
 
-/// Serves one virtual device to one client at a time, and takes its commands, in the thread's event loop.
-/// When too many are connected, the oldest connection is dropped, but never the one that has the device.
+/// Serves one virtual device to one client at a time and executes its commands, in the thread's event loop. Of too many
+/// connections the oldest is dropped, but never the one that has the device.
 class UsbIpServer {
 public:
-    /// `commands`: file descriptor that command lines come from; their answers go to standard output.
+    /// `commands`: file descriptor of the command lines; their answers are written to standard output.
     UsbIpServer(VirtualCaptureDevice& device, int commands);
 
-    /// Serves on a TCP port of the loopback interface, and nowhere else. Empty on success, else what is
-    /// wrong.
+    /// Serves on a TCP port of the loopback interface only. The error, empty on success.
     [[nodiscard]] QString listen(std::uint16_t port);
-    /// Plugs the device into this machine's kernel, now and after every "plug". Empty on success.
+    /// Plugs the device into this machine's kernel, now and after every "plug". The error, empty on success.
     [[nodiscard]] QString attachToThisMachine();
 
 private:
@@ -42,6 +42,8 @@ private:
     void acceptConnections();
     template <class Socket>
     Connection& addConnection(std::unique_ptr<Socket> owned);
+    /// Hands one end of a connection, which stays the caller's, to the kernel's virtual host controller.
+    [[nodiscard]] QString handToKernel(int socket);
     void sendFrames();
     void dropEnded();
     void readCommands();
@@ -53,7 +55,7 @@ private:
     QByteArray m_commandBytes;
     QTcpServer m_listener;
     QTimer m_frameTimer;
-    HostController m_controller;
+    QFile m_attach{QStringLiteral("/sys/devices/platform/vhci_hcd.0/attach")}; ///< stays open: opening needs root
     bool m_attaches = false;
     std::list<Connection> m_connections;
 };

@@ -7,7 +7,6 @@ struct VirtualCaptureDevice::Setup : UsbControlRequest {
     explicit Setup(const Uvc::SetupPacket& packet) : UsbControlRequest(Uvc::requestOf(packet, nullptr)) {}
 
     [[nodiscard]] bool toHost() const { return (bmRequestType & kUsbDeviceToHost) != 0; }
-    [[nodiscard]] std::uint8_t valueHigh() const { return static_cast<std::uint8_t>(wValue >> 8); }
     [[nodiscard]] std::uint8_t valueLow() const { return static_cast<std::uint8_t>(wValue); }
 };
 
@@ -74,7 +73,6 @@ std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup,
     UsbControlRequest request = setup;
     request.pData = bytes.data();
     const UsbResult result = m_device.control(request);
-    m_device.requests.clear(); // it would store all of them
     if (result == UsbCode::TimeOut || result == UsbCode::NoDevice) return std::nullopt;
     if (result == UsbCode::Stall) return stalled();
     bytes.resize(setup.toHost() ? std::min<std::size_t>(request.wLenDone, setup.wLength) : 0);
@@ -97,7 +95,7 @@ TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
 
 TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
     Bytes bytes;
-    switch (setup.valueHigh()) {
+    switch (Uvc::selectorOf(setup)) { // the high byte of wValue is the descriptor's type
     case DescriptorType::Device: bytes = deviceDescriptor(identity()); break;
     case DescriptorType::Configuration:
         if (setup.valueLow() == 0) bytes = configurationDescriptor(identity());
@@ -112,14 +110,15 @@ TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
 TransferEnd VirtualCaptureDevice::streamRequest(
     const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now) {
     const auto code = static_cast<UVCRequest>(setup.bRequest);
-    const bool known = setup.valueHigh() == Probe || setup.valueHigh() == Commit;
+    const std::uint8_t selector = Uvc::selectorOf(setup);
+    const bool known = selector == Probe || selector == Commit;
     if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF || setup.toHost() == (code == UVCRequest::SET_CUR))
         return stalled();
     switch (code) {
     case UVCRequest::SET_CUR:
         if (data.size() < kIntervalPlace + sizeof m_frameInterval) return stalled();
         m_frameInterval = data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
-        if (setup.valueHigh() == Commit) m_frames.start(m_frameInterval, now);
+        if (selector == Commit) m_frames.start(m_frameInterval, now);
         return {.status = 0, .length = setup.wLength, .data = {}};
     case UVCRequest::GET_CUR:
     case UVCRequest::GET_MIN:
