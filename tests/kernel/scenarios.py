@@ -1,4 +1,4 @@
-"""What only a real kernel shows. Each function with the decorator is a scenario."""
+"""Scenarios: what only a real kernel shows."""
 
 import fcntl
 import grp
@@ -8,9 +8,9 @@ import re
 import time
 
 from desktop import wait_for
-from guest import HOME, run
+from guest import HOME, failed, run
 from virtual_device import read
-from wire import GET, HDCP_ON, MICROPHONE, SET, START_UP, each_control
+from wire import HDCP_ON, MICROPHONE, SET, START_UP
 
 SCENARIOS = {}
 DRIVER = pathlib.Path("/sys/bus/usb/drivers/uvcvideo")
@@ -20,29 +20,6 @@ CHECK_PRIVILEGES = os.path.dirname(os.path.realpath(__file__)) + "/../linux/chec
 def scenario(function):
     SCENARIOS[function.__name__] = function
     return function
-
-
-def use_each_control(guest, transport, *tracer):
-    """After a failed request the program opens the device again and repeats the action."""
-    # From Linux 6.12 on the driver fills up a short answer with zeros and reports success.
-    short = transport == "direct" or [int(number) for number in os.uname().release.split(".")[:2]] < [6, 12]
-    program = guest.open_settings(*tracer)
-    guest.expect(START_UP, transport)
-    guest.device.tell("fault stall get 13")
-    guest.device.tell("fault timeout set 11")
-    program.press("alt+m", "Right", "alt+n")
-    wait_for("HDCP write", lambda: HDCP_ON[-1] in guest.sent())
-    if short:
-        guest.device.tell("fault short get 11")
-    program.press("alt+f", "alt+h", "Prior", "alt+x", "Home", "alt+r", "space", delay=200)
-    time.sleep(1)  # the menu opens
-    program.press("Down", "Return")
-    guest.expect(each_control(short))
-    program.expect_logged(failed("00000000"))
-
-
-def failed(code):
-    return "CameraControl Error: Control request failed: " + code
 
 
 @scenario
@@ -59,15 +36,15 @@ def changes_through_the_driver_beside_a_stream(guest):
         assert stream.process.poll() is None, "the stream has ended"
 
     expect_frames()
-    use_each_control(guest, "driver")
+    guest.use_each_control("driver")
     expect_frames()
-    for selector, writes, *keys in (("0d", 100, "alt+m", "Left", "Right"), ("0d", 100, "alt+h", "Left", "Right"),
-                                    ("0d", 200, "alt+x", "Right", "Left"), ("0b", 100, "alt+r", "Up", "Down"),
-                                    ("0b", 100, "alt+f", "alt+n", "alt+f")):
+    for selector, writes, first, keys in (("0d", 100, "alt+m", "Left Right"), ("0d", 100, "alt+h", "Left Right"),
+                                          ("0d", 200, "alt+x", "Right Left"), ("0b", 100, "alt+r", "Up Down"),
+                                          ("0b", 100, "", "alt+n alt+f")):
         def written():
             return sum(line.startswith(f"{SET}{selector} ") for line in device.wire())
         before = written()
-        guest.program.press(keys[0], *keys[1:] * 50)
+        guest.program.press(*first.split(), *keys.split() * 50)
         wait_for(f"writes by {keys}", lambda: written() >= before + writes)
         time.sleep(0.5)
         assert written() == before + writes, f"{keys}: {written() - before} writes"
@@ -83,7 +60,7 @@ def changes_directly_with_our_rule(guest):
     run("modprobe", "-r", "uvcvideo")
     guest.install_rule()
     guest.plug_in()
-    use_each_control(guest, "direct")
+    guest.use_each_control("direct")
     guest.program.quit()
 
 
@@ -96,7 +73,7 @@ def opens_nothing_but_its_device(guest):
             guest.install_rule()
         device = guest.plug_in()
         trace = f"{HOME}/{transport}"
-        use_each_control(guest, transport, "strace", "-DD", "-f", "-q", "--seccomp-bpf", "-o", trace, "-e",
+        guest.use_each_control(transport, "strace", "-DD", "-f", "-q", "--seccomp-bpf", "-o", trace, "-e",
                          "trace=%file,%network")
         guest.program.quit()
         wait_for("end of the trace", lambda: read(trace).endswith("+++ exited with 0 +++"))
