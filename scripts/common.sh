@@ -61,7 +61,7 @@ may_install() {
 
 # For scripts that install our own packages on this system and purge them in the end.
 may_install_own_packages() {
-  if dpkg-query -W tavro-setup-tool tavro-setup-tool-demo >/dev/null 2>&1; then
+  if dpkg-query -W -f '${db:Status-Status}\n' 'tavro-setup-tool*' 2>/dev/null | grep -qx installed; then
     echo "tavro-setup-tool or tavro-setup-tool-demo is installed here; remove it first" >&2
     exit 1
   fi
