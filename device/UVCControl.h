@@ -57,7 +57,7 @@ public:
 
     /// SET_CUR of the low `length` (1 to 8) bytes of `data`, little-endian.
     [[nodiscard]] bool setData(std::int64_t data, int length, int selector, int unit);
-    /// A GET of `length` bytes into the start of `ret`, which is left alone by a failure.
+    /// A GET of `length` bytes into the start of `ret`, which a failure does not change.
     [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit, std::span<std::uint8_t> ret);
 
     // Standard camera controls on a scale from 0.0 to 1.0. They use the success flags of their requests as values;

@@ -46,7 +46,7 @@ constexpr std::size_t kBitRateByte = 8;
 constexpr std::size_t kHdcpByte = 9;
 
 constexpr double kClockTolerance = 2.0; // seconds, inclusive
-constexpr double kSettlingTime = 1.0;   // seconds the device needs to take its clock or gather its versions
+constexpr double kSettlingTime = 1.0;   // seconds that the device needs to set its clock or collect its versions
 constexpr int kDeviceEpoch = 100;       // the device counts years from 2000, the C library from 1900
 
 std::uint8_t lowByte(int number) {

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] bool SetAuxVolume(int volume);
     [[nodiscard]] bool GetAuxVolume(std::uint8_t& volume);
 
-    /// Takes at least a second. The record is left alone on failure.
+    /// Takes at least a second. A failure does not change the record.
     [[nodiscard]] bool GetFwVersion(FirmwareVersionRecord& version);
 
     /// 1 on, 0 off; other states are refused.

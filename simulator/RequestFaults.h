@@ -6,12 +6,12 @@
 #include <optional>
 #include <vector>
 
-/// What a fault makes of a request.
+/// The effect of a fault on a request.
 enum class RequestFault : std::uint8_t {
     Stall,
     TimeOut,   ///< no answer
-    ShortData, ///< a GET answers fewer bytes than asked for; a SET is acted on, but not acknowledged in full
-    Garbage,   ///< a GET answers bytes that mean nothing
+    ShortData, ///< half of the bytes are transferred; a SET takes effect all the same
+    Garbage,   ///< a GET answers other bytes
     Unplug,    ///< the device is unplugged during the request
 };
 
@@ -27,7 +27,7 @@ public:
     /// The n-th request of a kind from now on (1 is the next) has the fault, once.
     void add(RequestKind kind, unsigned n, RequestFault fault) { m_pending.push_back({kind, n, fault}); }
     void clear() { m_pending.clear(); }
-    /// Counts a request. The fault that is due for it, absent if none is.
+    /// Counts a request and returns the fault that is due for it, absent if none is.
     [[nodiscard]] std::optional<RequestFault> takeDue(const UsbControlRequest& request);
 
 private:

@@ -20,7 +20,7 @@ public:
         return UsbCode::Success;
     }
     UsbResult ControlRequest(UsbControlRequest& request) override {
-        // A handle from before a re-plug stays dead.
+        // After a re-plug an older handle is invalid.
         return m_device->plugCount() == m_plugCount ? m_device->control(request) : UsbCode::NoDevice;
     }
     UsbResult USBInterfaceClose() override { return UsbCode::Success; }

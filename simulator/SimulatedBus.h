@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-/// A bus of simulated devices. A program that is linked with it finds it where the computer's bus would be.
+/// A bus of simulated devices, in place of the computer's bus.
 class SimulatedBus : public UsbBus {
 public:
     /// The bus of this program, with one device on it.
@@ -16,5 +16,5 @@ public:
     UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override;
     UsbYield<UsbIterator<UsbDevice>> allServices() override;
 
-    std::vector<std::shared_ptr<SimulatedDevice>> devices; ///< in the order in which the bus meets them
+    std::vector<std::shared_ptr<SimulatedDevice>> devices; ///< in the order of the bus
 };

@@ -94,7 +94,7 @@ void SimulatedDevice::setClock(std::span<const std::uint8_t, 6> calendar) {
 void SimulatedDevice::fillInClock() {
     const std::time_t now = hostTime() + m_clockOffset;
     std::tm fields{};
-    (void)::gmtime_r(&now, &fields); // fails only for years that no byte can hold
+    (void)::gmtime_r(&now, &fields); // fails only for years far outside those of a byte
     const std::array<int, kClockBytes> calendar{
         fields.tm_year - 100, fields.tm_mon + 1, fields.tm_mday, fields.tm_hour, fields.tm_min, fields.tm_sec};
     std::ranges::transform(calendar, settings.begin() + 2, [](int field) { return static_cast<std::uint8_t>(field); });
@@ -171,7 +171,7 @@ std::vector<std::uint8_t> SimulatedDevice::answerUnitControl(const UsbControlReq
     return {bytes.begin(), bytes.end()};
 }
 
-/// What a driver asks before it uses a control: how long it is, and what can be done with it.
+/// Answers GET_LEN and GET_INFO, which a driver asks before it uses a control.
 std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& request) const {
     std::size_t size = unitOf(request) == kExtensionUnit ? block(selectorOf(request)).size() : 0;
     bool settable = selectorOf(request) == Settings || selectorOf(request) == Audio;
@@ -223,7 +223,7 @@ void SimulatedDevice::acceptSettings(std::span<const std::uint8_t> block) {
     case SetClock: setClock(block.subspan<2, kClockBytes>()); break;
     case SetBitRate: settings[8] = block[8]; break;
     case SetHdcp: settings[9] = block[9]; break;
-    default: // the device takes a block without a command and changes nothing
+    default: // the device accepts a block without a command and changes nothing
         break;
     }
 }

@@ -1,5 +1,4 @@
-// The program on a simulated device. Prints every request as it crosses the wire, and at the end the settings
-// that the device then has.
+// The program on a simulated device. Prints every request, and at the end the device's settings.
 
 #include "ApplicationMain.h"
 #include "SimulatedBus.h"
@@ -25,7 +24,7 @@ void printRequest(const RecordedRequest& request) {
     std::printf("%s unit %d selector %2d  setup %s  data %s", requestName(request.setup[1]), request.unit(),
         request.selector(), hexText(request.setup).c_str(), hexText(request.data).c_str());
     std::printf(request.result == UsbCode::Success ? "\n" : "  failed: %d\n", request.result);
-    (void)std::fflush(stdout); // a reader of a pipe gets it at once
+    (void)std::fflush(stdout); // for a reader of a pipe
 }
 
 void printDevice() {
@@ -36,6 +35,6 @@ void printDevice() {
 
 int main(int argc, char** argv) {
     SimulatedBus::instance().devices.front()->onRequest = printRequest;
-    (void)std::atexit(printDevice); // the program ends by exit; only an exhausted table refuses
+    (void)std::atexit(printDevice); // fails only if its table is full
     return applicationMain(argc, argv);
 }

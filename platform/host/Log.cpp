@@ -6,7 +6,7 @@
 #include <cstdio>
 
 void systemLog(const char* format, ...) {
-    // On the stack and not cleared: logging is part of every request. What is longer is cut.
+    // On the stack and not cleared: every request is logged.
     std::array<char, 1024> message;
     std::va_list arguments;
     va_start(arguments, format);

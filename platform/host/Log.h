@@ -2,10 +2,9 @@
 
 #include <string_view>
 
-/// Writes one line to the system log and to standard error.
-/// printf-style; a trailing newline is not required and adds no empty line. What is longer than 1023 bytes is
-/// cut.
+/// Writes one line to the system log and to standard error, cut after 1023 bytes. printf-style; a trailing newline is
+/// not required and adds no empty line.
 [[gnu::format(printf, 1, 2)]] void systemLog(const char* format, ...);
 
-/// Where `systemLog` delivers: `message` is filled in and complete, its trailing newline included.
+/// Called by `systemLog` with the whole message, its trailing newline included.
 void deliverLogMessage(std::string_view message);

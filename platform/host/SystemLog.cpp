@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Whether what is written to standard error is in the journal already: systemd.exec(5), JOURNAL_STREAM.
+/// Whether standard error is the journal: systemd.exec(5), JOURNAL_STREAM.
 bool standardErrorIsJournal() {
     const char* journal = std::getenv("JOURNAL_STREAM");
     struct stat file {};
@@ -29,7 +29,7 @@ void deliverLogMessage(std::string_view message) {
     // One message stays one line in the journal.
     *std::ranges::replace_copy(message, line.begin(), '\n', ' ').out = '\0';
     ::syslog(LOG_NOTICE, "%s", line.data());
-    // The system log has the program's name and the priority, so that one is kept.
+    // The entry in the system log has the program's name and the priority, so that one is kept.
     if (!standardErrorIsJournal())
         (void)std::fprintf(stderr, "%s\n", line.data()); // a failure can't be reported anywhere
 }

@@ -22,7 +22,7 @@ constexpr Guid kYuy2{'Y', 'U', 'Y', '2', 0, 0, 0x10, 0, 0x80, 0, 0, 0xAA, 0, 0x3
 constexpr Guid kUnitGuid{
     0x54, 0x61, 0x76, 0x72, 0x6F, 0x20, 0x43, 0x40, 0x80, 0x74, 0x72, 0x6F, 0x6C, 0x73, 0x20, 0x31};
 
-/// Starts with its own length, which is filled in at the end.
+/// Its first byte is its length, which `bytes` fills in.
 class Descriptor {
 public:
     Descriptor(std::initializer_list<std::uint8_t> bytes) : m_bytes{0} { byte(bytes); }
@@ -83,7 +83,7 @@ Bytes videoControl(const CaptureIdentity& identity) {
             .word(0)
             .byte({3, 0x0A, 0, 0})
             .bytes(),
-        // brightness, contrast, saturation, sharpness, white balance and its automatic, gain
+        // brightness, contrast, saturation, sharpness, white balance and its automatic mode, gain
         Descriptor{ClassInterface, 5, ProcessingUnit, CameraTerminal}
             .word(0)
             .byte({2, 0x5B, 0x12, NoString, 0})

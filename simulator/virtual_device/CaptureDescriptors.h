@@ -4,11 +4,11 @@
 
 #include <cstdint>
 
-/// What tells one virtual device from another.
+/// The properties that can differ between virtual devices.
 struct CaptureIdentity {
     std::uint16_t vendorID;
     std::uint16_t productID;
-    /// Number of the VideoControl interface. With another than 0 an interface without a driver comes first.
+    /// Number of the VideoControl interface. Interfaces with lower numbers have no driver.
     std::uint8_t videoControlInterface;
 
     [[nodiscard]] std::uint8_t streamingInterface() const {
@@ -45,5 +45,5 @@ inline constexpr std::uint8_t kConfigurationValue = 1;
 /// The configuration with all its interfaces (camera terminal 1, processing unit 2, extension unit 3 with
 /// selectors 10 to 13, and the stream).
 [[nodiscard]] Bytes configurationDescriptor(const CaptureIdentity& identity);
-/// Empty: there is no such string.
+/// Empty if there is no such string.
 [[nodiscard]] Bytes stringDescriptor(std::uint8_t index);

@@ -11,10 +11,10 @@
 inline constexpr std::uint16_t kFrameWidth = 160;  // pixels
 inline constexpr std::uint16_t kFrameHeight = 120; // pixels
 inline constexpr std::uint32_t kFrameSize = 2U * kFrameWidth * kFrameHeight;
-/// Bytes of one payload, its header included. Kernels give a bulk transfer at most 32 packets of 512 bytes;
-/// with one payload in each, none has to be put together from several transfers.
+/// Bytes of one payload with its header. A kernel's bulk transfer has at most 32 packets of 512 bytes, so that each
+/// payload fits into one transfer.
 inline constexpr std::uint32_t kMaxPayload = 16384;
-/// Frame intervals, in units of 100 ns; the first is the one to start with.
+/// Frame intervals, in units of 100 ns; the first is the default.
 inline constexpr std::array<std::uint32_t, 2> kFrameIntervals{666666, 333333};
 
 /// Colour bars with a line that moves down by one row per frame, cut into payloads at the pace of a camera.
@@ -22,7 +22,7 @@ class CaptureFrames {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Begins with a whole frame, now.
+    /// Starts with a new frame.
     void start(std::uint32_t frameInterval, Clock::time_point now);
     /// When the next payload may go out.
     [[nodiscard]] Clock::time_point due() const { return m_due; }

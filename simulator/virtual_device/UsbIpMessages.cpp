@@ -9,18 +9,18 @@ namespace {
 
 constexpr std::uint16_t kVersion = 0x0111;
 
-// Operations before a device is handed out. A reply has the request's code without the highest bit.
+// Operations before the import of a device. A reply has the request's code without the highest bit.
 constexpr std::uint16_t kRequest = 0x8000;
 constexpr std::uint16_t kDeviceList = 0x0005;
 constexpr std::uint16_t kImport = 0x0003;
 constexpr std::size_t kBusIDField = 32;
 
-// Transfers after it.
+// Transfers after the import.
 constexpr std::uint32_t kSubmit = 1;
 constexpr std::uint32_t kUnlink = 2;
 constexpr std::uint32_t kSubmitReply = 3;
 constexpr std::uint32_t kUnlinkReply = 4;
-constexpr std::uint32_t kNoPackets = 0xFFFFFFFF; // not isochronous, as 0 is too
+constexpr std::uint32_t kNoPackets = 0xFFFFFFFF; // not isochronous; 0 means the same
 
 struct TransferHeader {
     std::uint32_t command = 0;
@@ -28,7 +28,7 @@ struct TransferHeader {
     std::uint32_t device = 0;
     std::uint32_t direction = 0;
     std::uint32_t endpoint = 0;
-    std::uint32_t flags = 0; ///< of an Unlink: the transfer to take back
+    std::uint32_t flags = 0; ///< of an Unlink: the sequence number of the transfer
     std::uint32_t length = 0;
     std::uint32_t startFrame = 0;
     std::uint32_t packets = 0;
@@ -86,7 +86,7 @@ void writeDevice(QDataStream& client, const CaptureIdentity& identity) {
            << kRelease << device[4] << device[5] << device[6] << kConfigurationValue << kConfigurations << interfaces;
 }
 
-/// Fields that only a client fills in stay 0.
+/// Fields that only a client sets are 0.
 void writeTransferHeader(
     QDataStream& client, std::uint32_t command, std::uint32_t sequence, std::int32_t status, std::uint32_t length) {
     constexpr std::array<std::uint8_t, 12> kNotIn{}; // device, direction, endpoint
@@ -108,7 +108,7 @@ std::optional<UsbIp::Message> UsbIp::readOperation(QDataStream& client) {
     const bool isList = code == (kRequest | kDeviceList);
     const bool isImport = code == (kRequest | kImport);
     if (client.status() == QDataStream::Ok && (version != kVersion || !(isList || isImport))) return malformed(client);
-    std::array<std::uint8_t, kBusIDField + 1> busID{}; // ends with 0 whatever the client sends
+    std::array<std::uint8_t, kBusIDField + 1> busID{}; // one byte longer, so that it always ends with 0
     if (isImport) readRaw(client, std::span(busID).first<kBusIDField>());
     if (!client.commitTransaction()) return std::nullopt;
     if (isList) return DeviceListRequest{};
@@ -159,6 +159,6 @@ void UsbIp::writeSubmitReply(QDataStream& client, std::uint32_t sequence, const 
     writeRaw(client, end.data);
 }
 
-void UsbIp::writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool takenBack) {
-    writeTransferHeader(client, kUnlinkReply, sequence, takenBack ? -ECONNRESET : 0, 0);
+void UsbIp::writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool isCancelled) {
+    writeTransferHeader(client, kUnlinkReply, sequence, isCancelled ? -ECONNRESET : 0, 0);
 }

@@ -17,7 +17,7 @@ namespace UsbIp {
 /// Asks for the list of devices.
 struct DeviceListRequest {};
 
-/// Asks for one device. After it the connection is for transfers only.
+/// Asks for one device. Afterwards the connection has transfers only.
 struct ImportRequest {
     std::string busID;
 };
@@ -28,10 +28,10 @@ struct Submit {
     bool toHost = false;
     std::uint32_t length = 0; ///< bytes to send, or room for as many
     std::array<std::uint8_t, 8> setup{};
-    Bytes data; ///< `length` bytes when it is not `toHost`
+    Bytes data; ///< `length` bytes, unless `toHost`
 };
 
-/// Takes back a transfer that was submitted.
+/// Cancels a submitted transfer.
 struct Unlink {
     std::uint32_t sequence = 0;
     std::uint32_t victim = 0; ///< sequence number of the transfer
@@ -42,11 +42,11 @@ struct Malformed {};
 
 using Message = std::variant<DeviceListRequest, ImportRequest, Submit, Unlink, Malformed>;
 
-/// How a transfer ended. Status 0 is success, everything else a negative errno of the kernel.
+/// Result of a transfer. Status 0 is success, everything else a negative errno of the kernel.
 struct TransferEnd {
     std::int32_t status = 0;
     std::uint32_t length = 0; ///< bytes transferred
-    Bytes data;               ///< `length` bytes when they go to the host
+    Bytes data;               ///< `length` bytes, if `toHost`
 };
 
 inline constexpr const char* kBusID = "1-1";
@@ -60,17 +60,17 @@ inline constexpr std::uint32_t kMaxTransfer = 65536;
 /// In bytes: a transfer and its header.
 inline constexpr std::uint32_t kMaxMessage = 48 + kMaxTransfer;
 
-/// The next message of a client that has no device yet; absent, and nothing is read, if it is not complete.
-/// After `Malformed` there is no next. Streams are big-endian, as a `QDataStream` is unless told otherwise.
+/// The next message of a client without the device; absent, with nothing read, if it is incomplete. `Malformed` is the
+/// last one. Streams are big-endian, the default of `QDataStream`.
 [[nodiscard]] std::optional<Message> readOperation(QDataStream& client);
-/// The same of the client that has the device.
+/// The same for the client with the device.
 [[nodiscard]] std::optional<Message> readTransfer(QDataStream& client);
 
 void writeDeviceList(QDataStream& client, const CaptureIdentity& identity, bool attachable);
 void writeImport(QDataStream& client, const CaptureIdentity& identity);
 void writeImportRefusal(QDataStream& client);
 void writeSubmitReply(QDataStream& client, std::uint32_t sequence, const TransferEnd& end);
-/// `takenBack`: the transfer was still pending and gets no reply.
-void writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool takenBack);
+/// `isCancelled`: the transfer was pending and gets no reply.
+void writeUnlinkReply(QDataStream& client, std::uint32_t sequence, bool isCancelled);
 
 } // namespace UsbIp

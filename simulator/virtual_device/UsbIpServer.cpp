@@ -83,7 +83,7 @@ void UsbIpServer::acceptConnections() {
         if (m_connections.size() >= kMaxConnections)
             m_connections.erase(std::ranges::find_if(
                 m_connections, [](const Connection& connection) { return !connection.session.imported(); }));
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // small answers, for which the client waits
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // the client waits for small answers
         addConnection(std::unique_ptr<QTcpSocket>(socket));
     }
 }
@@ -107,7 +107,7 @@ UsbIpServer::Connection& UsbIpServer::addConnection(std::unique_ptr<Socket> owne
     return connection;
 }
 
-/// Sends the frames that are due, and waits for the next one.
+/// Sends the frames that are due, and sets the timer for the next one.
 void UsbIpServer::sendFrames() {
     using namespace std::chrono;
     const auto now = UsbIpSession::Clock::now();
@@ -171,5 +171,5 @@ void UsbIpServer::execute(const QByteArray& line) {
             answer = "error: " + failure.toLocal8Bit();
     }
     std::puts(answer.constData());
-    (void)std::fflush(stdout); // a reader of a pipe gets it at once
+    (void)std::fflush(stdout); // for a reader of a pipe
 }

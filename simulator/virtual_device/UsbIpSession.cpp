@@ -7,7 +7,7 @@
 
 namespace {
 
-// Far above what any kernel needs.
+// Far above the needs of any kernel.
 constexpr std::size_t kMaxWaiting = 256;       // transfers
 constexpr qint64 kMaxOutput = qint64{4} << 20; // bytes that the client has not fetched
 

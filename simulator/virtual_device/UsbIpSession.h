@@ -9,8 +9,8 @@
 
 class QIODevice;
 
-/// One client's connection, independent of the socket. Robust against any client: what the session stores for
-/// it is limited, and anything but USB/IP ends it.
+/// One client's connection, independent of the socket. Robust against any client: its memory is limited, and anything
+/// but USB/IP ends it.
 class UsbIpSession {
 public:
     using Clock = CaptureFrames::Clock;
@@ -18,12 +18,12 @@ public:
     UsbIpSession(QIODevice& client, VirtualCaptureDevice& device)
         : m_client(client), m_input(&client), m_output(&client), m_device(device) {}
 
-    /// Gives the client the device without a request: for the kernel, to which the connection was handed.
+    /// Gives the client the device without a request: for a connection that was handed to the kernel.
     void importNow(Clock::time_point now);
     [[nodiscard]] bool imported() const { return m_imported; }
-    /// Handles what the client has sent. `attachable`: the device is plugged in and nobody else's.
+    /// Handles the received messages. `attachable`: the device is plugged in, and no client has it.
     void receive(bool attachable, Clock::time_point now);
-    /// Sends what is due of the stream.
+    /// Sends the frames that are due.
     void sendFrames(Clock::time_point now);
     /// When to call `sendFrames`, absent if no transfer waits for a frame.
     [[nodiscard]] std::optional<Clock::time_point> due() const;
@@ -44,11 +44,11 @@ private:
     void handleStream(const UsbIp::Submit& submit);
 
     QIODevice& m_client;
-    QDataStream m_input; // of its own, because an incomplete message leaves it in an error state
+    QDataStream m_input; // separate, as an incomplete message leaves it in an error state
     QDataStream m_output;
     VirtualCaptureDevice& m_device;
     std::deque<Fetch> m_fetches;                ///< transfers that wait for a frame
-    std::vector<std::uint32_t> m_neverAnswered; ///< transfers that the client will take back
+    std::vector<std::uint32_t> m_neverAnswered; ///< transfers that the client will unlink
     bool m_imported = false;
     bool m_ended = false;
 };

@@ -7,8 +7,8 @@
 
 #include <optional>
 
-/// Puts the simulated device behind a whole USB device: descriptors, standard requests, and a video
-/// stream. Requests to the units go to the simulated device.
+/// A whole USB device: descriptors, standard requests and a video stream. It passes requests to the units to the
+/// simulated device.
 class VirtualCaptureDevice {
 public:
     explicit VirtualCaptureDevice(SimulatedDevice& device) : m_device(device) {}
@@ -19,9 +19,9 @@ public:
     [[nodiscard]] SimulatedDevice& device() { return m_device; }
     [[nodiscard]] CaptureFrames& frames() { return m_frames; }
 
-    /// Plugged in: the host knows nothing of it yet.
+    /// Resets the stream, as after plugging in.
     void reset(CaptureFrames::Clock::time_point now);
-    /// How a transfer on the control pipe ends, absent if the device never answers it.
+    /// The result of a transfer on the control pipe, absent if the device never answers it.
     [[nodiscard]] std::optional<UsbIp::TransferEnd> control(
         const UsbIp::Submit& submit, CaptureFrames::Clock::time_point now);
 

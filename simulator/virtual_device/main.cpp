@@ -1,4 +1,4 @@
-// A capture device for any Linux machine: the simulated one, served over USB/IP.
+// The simulated device, served over USB/IP to any Linux computer.
 
 #include "DeviceCommands.h"
 #include "UsbIpServer.h"
@@ -25,16 +25,14 @@ constexpr const char* kUsage =
     "Serves a virtual capture device over USB/IP on 127.0.0.1; attach it with\n"
     "  usbip attach -r 127.0.0.1 -b 1-1\n"
     "\n"
-    "  --attach                     plug it into this machine's kernel by itself (needs root and the\n"
-    "                               module vhci_hcd)\n"
+    "  --attach                     plug it into this computer's kernel (needs root and the module vhci_hcd)\n"
     "  --port N                     TCP port, 3240 if not given\n"
-    "  --commands FIFO              take commands from there instead of standard input\n"
-    "  --wire-log FILE              write every request to the units there, one a line\n"
+    "  --commands FIFO              read commands from this named pipe instead of standard input\n"
+    "  --wire-log FILE              write every request to the device's units to this file\n"
     "  --video-control-interface N  number of the VideoControl interface, 0 or 1\n"
     "  --help\n"
     "\n"
-    "Commands: fault stall|timeout|short|garbage|unplug get|set|get-len|get-info|any SELECTOR|any [N],\n"
-    "clear, unplug, plug, show.\n";
+    "Commands are fault, clear, unplug, plug and show: see docs/virtual-device.md.\n";
 
 [[noreturn]] void stop(const QString& what, const QString& why) {
     (void)std::fprintf(stderr, "tavro-virtual-device: %s: %s\n", qPrintable(what), qPrintable(why));
@@ -47,7 +45,7 @@ unsigned number(const QString& text, unsigned least, unsigned most) {
     return *value;
 }
 
-/// Ends the program if the options ask for help or can't be understood.
+/// Ends the program after --help and after wrong options.
 void parseOptions(QCommandLineParser& parser) {
     parser.addOptions({{"attach", {}}, {"port", {}, "N", "3240"}, {"commands", {}, "FIFO"}, {"wire-log", {}, "FILE"},
         {"video-control-interface", {}, "N", "0"}, {"help", {}}});
@@ -62,14 +60,14 @@ void parseOptions(QCommandLineParser& parser) {
 }
 
 int openCommands(const QString& path) {
-    // Open for writing too: it does not end when a writer closes it.
+    // Open for writing too, so that it does not end when a writer closes it.
     const int commands = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
     if (commands < 0) stop(path, std::strerror(errno));
     return commands;
 }
 
 void logWireTo(const QString& path, SimulatedDevice& device) {
-    // Through no link, which somebody else may have laid there.
+    // Don't follow symlinks: another user may have planted one.
     const int file =
         ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
     std::FILE* log = file < 0 ? nullptr : ::fdopen(file, "w"); // open until the program ends
@@ -80,12 +78,12 @@ void logWireTo(const QString& path, SimulatedDevice& device) {
     };
 }
 
-/// Everything is open: from here on root's rights are of no use. Whoever called through sudo goes on as themselves.
+/// Drops root's rights, which were needed to attach: continues as the user who called sudo, or as nobody.
 void giveUpRights() {
     if (::geteuid() != 0) return;
     const auto id = [](const char* name) {
         constexpr unsigned kNobody = 65534;
-        constexpr unsigned kMaxId = 0xfffffffe; // the one above means "as it was"
+        constexpr unsigned kMaxId = 0xfffffffe; // the next one means "unchanged"
         return decimalNumber(qgetenv(name), 1, kMaxId).value_or(kNobody);
     };
     const gid_t group = id("SUDO_GID");
@@ -99,7 +97,7 @@ int main(int argc, char** argv) {
     // Messages are English. Qt needs a UTF-8 locale and would warn of another.
     qputenv("LC_ALL", "C.UTF-8");
     qunsetenv("LANGUAGE");
-    // In the background of a terminal the device goes on: to read there fails instead of stopping the program.
+    // In the background of a terminal, reads must fail instead of stopping the process.
     (void)std::signal(SIGTTIN, SIG_IGN);
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
@@ -115,6 +113,6 @@ int main(int argc, char** argv) {
     if (!failure.isEmpty()) stop(attach ? "can't attach" : "can't listen", failure);
     giveUpRights();
     std::puts("ready");
-    (void)std::fflush(stdout); // a reader of a pipe gets it at once
+    (void)std::fflush(stdout); // for a reader of a pipe
     return QCoreApplication::exec();
 }

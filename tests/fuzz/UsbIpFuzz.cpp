@@ -1,4 +1,4 @@
-// What a client of the virtual device may send, in pieces as a socket hands them over.
+// Messages of a client of the virtual device, in pieces as from a socket.
 
 #include "UsbIpSession.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Passes on the bytes it is given, and discards the answers.
+/// Passes the given bytes on and discards the answers.
 class Client : public QIODevice {
 public:
     Client() { open(QIODevice::ReadWrite); }

@@ -16,18 +16,18 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Newer Qt then paints without threads, which a fork does not copy.
+/// Newer Qt then paints without threads: a fork does not copy them.
 static const bool kPaintsWithoutThreads = qputenv("QT_NO_GUI_THREADPOOL", "1");
 
-/// A test during which the program ends, outside of a child, has failed.
+/// A test fails if the program ends outside of a child.
 static const int kEndsAreFailures = std::atexit([] {
     if (QTest::currentTestFunction()) ::_exit(EXIT_FAILURE);
 });
 
 ChildEnd runInChild(const std::function<void()>& part) {
     QThreadPool::globalInstance()->waitForDone(); // older Qt's threads
-    // A thread that is done may hold a lock for a moment longer, which the child would wait for without end. This
-    // thread and Qt Test's watchdog stay.
+    // A finished thread can still hold a lock for a moment, on which the child would block forever. This thread and Qt
+    // Test's watchdog remain.
     const QDir threads("/proc/self/task");
     const QDeadlineTimer limit(1000);
     while (!limit.hasExpired() && threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2) QThread::msleep(1);

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-/// How a part of the program ended that ran in a process of its own.
+/// The end of a process.
 struct ChildEnd {
     bool aborted = false;
-    int status = -1;                  ///< exit status, if it exited
+    int status = -1;                  ///< exit status; -1 if it did not exit
     std::vector<std::string> journal; ///< of the part alone
 };
 
-/// Runs `part`, which ends its process, in a copy of this one. A part that returns ends it with status 99, one
-/// that takes too long ends without a status.
+/// Runs `part` in a copy of this process: for parts that abort, or that change settings of the whole process. After a
+/// part that returns the status is 99, after one that takes too long it is absent.
 [[nodiscard]] ChildEnd runInChild(const std::function<void()>& part);

@@ -1,5 +1,5 @@
-// The simulated bus, each of whose steps can be made to fail (`TestHost::failing`). Every list of services has, behind
-// each one, another that can't be reached.
+// The simulated bus with one step that fails (`TestHost::failing`). In every list of services each one is followed by
+// another without an object.
 
 #include "SimulatedBus.h"
 #include "TestHost.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// What the step has to fail with, if its turn has come.
+/// The result of the step that fails, absent for any other step.
 std::optional<UsbResult> failure(const std::string& step) {
     auto& [failingStep, result] = TestHost::instance().failing;
     if (step != failingStep) return std::nullopt;
@@ -18,7 +18,7 @@ std::optional<UsbResult> failure(const std::string& step) {
     return result;
 }
 
-/// Service and plug-in at once: makes a `Wrapper` of the simulated object.
+/// Service and plug-in: creates a `Wrapper` of the simulated object.
 template <class Object, class Wrapper>
 struct TestService : UsbService<Object>, UsbPlugIn<Object> {
     const std::string name = std::is_same_v<Object, UsbDevice> ? "device" : "interface";

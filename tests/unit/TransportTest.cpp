@@ -1,4 +1,4 @@
-// Finding the device and its interface, and what goes over the wire.
+// The search for the device and its interface, and the requests on the wire.
 
 #include "TestHost.h"
 #include "UvcBaseClass.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint16_t kVendor = CVn318UvcController::kVendorID;
 constexpr std::uint16_t kProduct = CVn318UvcController::kProductID;
 const std::string kError = "log CameraControl Error: ";
-const std::string kUnreachable = kError + "QueryInterface returned 0.\n"; // the second service of TestBus.cpp's pairs
+const std::string kUnreachable = kError + "QueryInterface returned 0.\n"; // the service without an object (TestBus.cpp)
 
 class Transport : public testing::Test {
 protected:
@@ -50,7 +50,7 @@ TEST_F(Transport, FindsItsDeviceAmongOthers) {
 }
 
 TEST_F(Transport, EachStepFailsWithItsLine) {
-    /// The step, its result, whether a controller comes of it (which then has no interface), and the line.
+    /// The step, its result, whether the object is usable (but without an interface), and the line.
     const std::vector<std::tuple<const char*, UsbResult, bool, const char*>> rows{
         {"device plug-in", UsbCode::Access, false, "IOCreatePlugInInterfaceForService returned 0xfffffffd."},
         {"device plug-in", UsbCode::Success, false, "IOCreatePlugInInterfaceForService returned 0x00000000."},
@@ -63,13 +63,13 @@ TEST_F(Transport, EachStepFailsWithItsLine) {
             "Couldn’t create a device interface for the interface (00000000)"}};
     for (const auto& [step, result, opens, line] : rows) {
         SCOPED_TRACE(line);
-        ASSERT_TRUE(open()); // which the failure takes away
+        ASSERT_TRUE(open()); // then the failure closes it
         TestHost::instance().failing = {step, result};
         EXPECT_EQ(open(), opens);
         EXPECT_FALSE(readStatus());
         EXPECT_THAT(TestHost::take(), ElementsAre("release", kError + line, kError + "No interface to send request"));
     }
-    // These end the search by location without a word.
+    // These end the search by location without a log line.
     for (const auto& [step, result] :
         {std::pair("devices", UsbCode::InputOutput), {"devices", UsbCode::Success}, {"location", UsbCode::InputOutput},
             {"interfaces", UsbCode::InputOutput}, {"interfaces", UsbCode::Success}}) {
@@ -129,7 +129,7 @@ TEST_F(Transport, LengthsThatDoNotFitAreRefusedSilently) {
     EXPECT_TRUE(std::isinf(control.getValueForControl({3, 12, 26}))); // the longest block is read without its limits
 }
 
-// A responding device has the range 1 to 1, so that whatever is set is a 1 and what is read is no number.
+// A responding device has the range 1 to 1: every written value is 1, and every read value is not a number.
 TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
     using U = UVCCameraControl;
     /// wValue, wIndex and wLength as on the wire, the operations, and whether 0.0 is the device's 1.
@@ -168,7 +168,7 @@ TEST_F(Transport, StandardControlsTakeSuccessFlagsForValues) {
 TEST_F(Transport, NumbersAndModes) {
     ASSERT_TRUE(open());
     EXPECT_TRUE(control.setData(0x1234, 2, 3, 2));
-    EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device does not know
+    EXPECT_FALSE(control.setData(-2, 8, 4, 1)); // a length that the device refuses
     EXPECT_TRUE(control.setAutoExposure(true));
     EXPECT_TRUE(control.setAutoExposure(false));
     EXPECT_TRUE(control.setAutoWhiteBalance(true));

@@ -5,8 +5,8 @@
 #include <span>
 
 /// Transfers one request through `node`, the open device node. `bytes` is the data stage, as long as `setup` says:
-/// what to send, or the answer after success and anything after a failure. Returns the number of bytes transferred, or
-/// the negative code of a failure. Blocks as long as `UsbInterface::ControlRequest`.
+/// the bytes to send, or the answer after success and any bytes after a failure. Returns the number of bytes
+/// transferred, or the negative code of a failure. Blocks as long as `UsbInterface::ControlRequest`.
 using ControlTransport = int (*)(int node, const Uvc::SetupPacket& setup, std::span<std::uint8_t> bytes);
 
 /// Through the kernel's UVC driver, also while another program streams video. `node` is the device's capture

@@ -21,7 +21,7 @@ using Handle = std::unique_ptr<libusb_device_handle, Free<libusb_close>>;
 
 constexpr unsigned kTimeout = 5000; // milliseconds, as in the kernel; 0 would disable it
 
-/// Made once, as it costs many times what a request does. It holds no device.
+/// Created once, as that costs many times as much as a request. It opens no device.
 UsbResult openLibusb(libusb_context*& opened) {
     static Context context;
     if (!context) {

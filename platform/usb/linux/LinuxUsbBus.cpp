@@ -69,13 +69,13 @@ std::unique_ptr<UsbService<UsbDevice>> serviceOf(
     return std::make_unique<ChainService<UsbDevice>>([plugged] { return std::make_unique<LinuxDevice>(plugged); });
 }
 
-/// What is plugged in and meets the condition.
+/// The plugged-in devices that meet the condition.
 template <class Condition>
 std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(Condition condition) {
     const Udev context(udev_new());
     std::vector<std::unique_ptr<UsbService<UsbDevice>>> found;
     for (const std::string& path : foldersWith(context, "usb", "devnum")) {
-        auto folder = std::make_shared<const SysfsFolder>(path); // before all that is read by path
+        auto folder = std::make_shared<const SysfsFolder>(path); // before anything is read by path
         const Device device = deviceAt(context, path);
         if (device && condition(device)) // absent if unplugged
             found.push_back(serviceOf(device, path, std::move(folder)));

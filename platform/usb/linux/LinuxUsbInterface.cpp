@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMaxData = 64; // bytes; the device's longest block has 26
 constexpr std::string_view kKernelUvcDriver = "uvcvideo";
-constexpr std::string_view kClaimedByProgram = "usbfs"; // by another program, perhaps for one request only
+constexpr std::string_view kClaimedByProgram = "usbfs"; // by another program
 
 UsbResult resultOfOpen(int error) {
     switch (error) {
@@ -76,7 +76,7 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
     if (!interface) return {};
     for (const std::string& folder : foldersWith(context, "video4linux", "index", interface.get())) {
         const Device node = deviceAt(context, folder);
-        // Index 0 captures; the node with index 1 has metadata and answers no control request.
+        // The node with index 1 has metadata and answers no control request.
         if (node && numberIn(node, "index", 10) == 0)
             return {
                 orEmpty(udev_device_get_devnode(node.get())), udev_device_get_devnum(node.get()), SysfsFolder(folder)};
@@ -85,17 +85,16 @@ LinuxUsbInterface::CaptureNode LinuxUsbInterface::findCaptureNode() const {
 }
 
 UsbResult LinuxUsbInterface::selectTransport() {
-    // The node of an earlier request is nearly always valid, and a search costs many times as much as a
-    // request.
+    // The node of an earlier request is nearly always valid. A search costs many times as much as a request.
     if (!m_captureNode.path.empty() && openCaptureNode() == UsbCode::Success) return UsbCode::Success;
     m_captureNode = {};
     const std::string driver = m_folder.driver();
-    if (!exists()) return UsbCode::NoDevice; // which shows no driver either
+    if (!exists()) return UsbCode::NoDevice; // a vanished folder shows no driver
     if (driver.empty() || driver == kClaimedByProgram) return openUsbNode();
     // The driver inserts the interface's real number; all our requests have 0.
     if (driver != kKernelUvcDriver || m_number != 0) return UsbCode::NotSendable;
     CaptureNode found = findCaptureNode();
-    if (!exists()) return UsbCode::NoDevice; // what was found may be another device's
+    if (!exists()) return UsbCode::NoDevice; // the node may be another device's
     if (found.path.empty()) return UsbCode::NotSendable;
     m_captureNode = std::move(found);
     return openCaptureNode();

@@ -9,9 +9,9 @@
 
 #include <sys/types.h>
 
-/// A device that is plugged in, as sysfs shows it.
+/// A plugged-in device, as sysfs shows it.
 struct PluggedDevice {
-    std::shared_ptr<const SysfsFolder> folder; ///< tells whether it is still plugged in
+    std::shared_ptr<const SysfsFolder> folder; ///< exists as long as it is plugged in
     std::string path;                          ///< of the folder
     std::string name;                          ///< bus and chain of ports: "1-2.3"; of a root hub "usb1"
     std::string node;                          ///< in usbfs
@@ -37,10 +37,10 @@ public:
     UsbResult USBInterfaceClose() override;
 
 private:
-    /// The device node that the kernel's UVC driver made for the video of the interface.
+    /// The node of the kernel's UVC driver for the video of the interface.
     struct CaptureNode {
         std::string path;   ///< empty: none
-        dev_t number = 0;   ///< belongs to this node as long as its folder exists
+        dev_t number = 0;   ///< valid as long as the folder exists
         SysfsFolder folder; ///< exists until the device is unplugged or the driver unbound
     };
     [[nodiscard]] CaptureNode findCaptureNode() const;

@@ -14,13 +14,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// The folder of one device in sysfs, kept by descriptor: its path leads to another device after a re-plug,
-/// the descriptor never does. It holds neither the device nor its driver.
+/// The folder of one device in sysfs, by descriptor: its path can lead to another device after a re-plug, a descriptor
+/// can't. It blocks neither the device nor its driver.
 class SysfsFolder {
 public:
     SysfsFolder() = default;
     explicit SysfsFolder(const std::string& path) : m_folder(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
-    /// Whether the device is still there. One that could not be opened is not.
+    /// Whether the device still exists. False for a folder that could not be opened.
     [[nodiscard]] bool exists() const {
         struct stat status {};
         return m_folder && ::fstatat(m_folder.get(), "uevent", &status, 0) == 0; // every device has the file
@@ -37,7 +37,7 @@ private:
     OpenFile m_folder;
 };
 
-/// Searches in sysfs. An object that could not be made is empty and finds nothing.
+/// Searches in sysfs. An object that could not be created is empty and finds nothing.
 namespace udevSearch {
 
 template <class Object, Object* (*kUnref)(Object*)>

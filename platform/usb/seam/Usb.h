@@ -3,14 +3,14 @@
 #include <cstdint>
 #include <memory>
 
-/// What a step of USB access reports: 0 is success, everything else a failure.
+/// Result of a step of USB access: 0 is success, every other number a failure.
 using UsbResult = std::int32_t;
 
-/// The failures that all implementations share. The numbers are libusb's, so that a code in a saved log
-/// means the same whatever the transport was.
+/// The failures of all implementations. The numbers are libusb's, so that a code in a saved log has the same meaning
+/// with every transport.
 namespace UsbCode {
 inline constexpr UsbResult Success = 0;
-inline constexpr UsbResult InputOutput = -1; ///< also: fewer bytes came than were asked for
+inline constexpr UsbResult InputOutput = -1; ///< also: the answer was short
 inline constexpr UsbResult Access = -3;      ///< the user has no rights on the device
 inline constexpr UsbResult NoDevice = -4;    ///< not attached, or unplugged
 inline constexpr UsbResult NotFound = -5;
@@ -18,7 +18,7 @@ inline constexpr UsbResult Busy = -6;
 inline constexpr UsbResult TimeOut = -7;
 inline constexpr UsbResult Stall = -9; ///< the device refused the request
 inline constexpr UsbResult NotSupported = -12;
-/// Not libusb's: the kernel's driver holds the interface, and nothing can send exactly this request past it.
+/// Not libusb's: a driver is bound to the interface and would not send exactly this request.
 inline constexpr UsbResult NotSendable = -100;
 } // namespace UsbCode
 
@@ -40,14 +40,13 @@ struct UsbControlRequest {
     std::uint32_t wLenDone; ///< bytes transferred
 };
 
-/// Bit 7 of bmRequestType: the data stage is sent by the device.
+/// Bit 7 of bmRequestType: the device sends the data stage.
 inline constexpr std::uint8_t kUsbDeviceToHost = 0x80;
 
-// Devices and their interfaces are accessed in the same steps: the bus lists services, a service makes a
-// plug-in, and the plug-in gives the object that requests are sent to. Nothing is opened before the first
-// request. Destroying an object releases it.
+// Devices and interfaces are accessed in the same steps: the bus lists services, a service creates a plug-in, and the
+// plug-in returns the object. No node is opened before the first request. To release an object, destroy it.
 
-/// Gives the object behind a service.
+/// Creates the object of a service.
 template <class Object>
 class UsbPlugIn {
 public:
@@ -61,7 +60,7 @@ class UsbService {
 public:
     virtual ~UsbService() = default;
     [[nodiscard]] virtual UsbYield<UsbPlugIn<Object>> createPlugIn() = 0;
-    /// Releases the service; what was made from it remains usable.
+    /// Releases the service; its plug-in remains usable.
     [[nodiscard]] virtual UsbResult release() = 0;
 };
 
@@ -73,15 +72,14 @@ public:
     [[nodiscard]] virtual std::unique_ptr<UsbService<Object>> next() = 0;
 };
 
-/// One interface of a device, for requests on the control pipe only and never opened exclusively.
+/// One interface of a device, for requests on the control pipe only. Not opened exclusively.
 class UsbInterface {
 public:
     virtual ~UsbInterface() = default;
     [[nodiscard]] virtual UsbResult GetInterfaceNumber(std::uint8_t& number) = 0;
-    /// Sends one request on the control pipe. Blocks until it is done: 5 seconds at most, and up to 5 more
-    /// for each question that the kernel's driver asks on its own: two before it uses a control for the first
-    /// time since the device was plugged in (how long it is, and what it can do), one after a refusal (why).
-    /// Works again after `USBInterfaceClose`.
+    /// Sends one request on the control pipe. Blocks for at most 5 seconds, and 5 more for each request of the kernel's
+    /// driver: two before the first use of a control since the device was plugged in (GET_LEN and GET_INFO), one after
+    /// a refusal (its reason). Can be called after `USBInterfaceClose`.
     [[nodiscard]] virtual UsbResult ControlRequest(UsbControlRequest& request) = 0;
     /// Closes the node that a failed request has left open. If none was open, the result is the reason.
     virtual UsbResult USBInterfaceClose() = 0;
@@ -90,20 +88,20 @@ public:
 class UsbDevice {
 public:
     virtual ~UsbDevice() = default;
-    /// Where the device is plugged in: bus number in bits 31-24, then one port number per 4 bits along the
+    /// The location of the device: bus number in bits 31-24, then one port number per 4 bits along the
     /// chain of hubs, the root hub's first; the rest is 0. Of a port number only the low 4 bits count, so
     /// that ports 1 and 17 of one hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
-    /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), of whatever protocol.
+    /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), with any protocol.
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
         std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) = 0;
 };
 
-/// All that is plugged in, looked up afresh at every call.
+/// The devices that are plugged in, searched again at every call.
 class UsbBus {
 public:
     virtual ~UsbBus() = default;
-    /// The first device with these identifiers. None: `NoDevice`, and no object.
+    /// The first device with these identifiers. If there is none: `NoDevice`, and no object.
     [[nodiscard]] virtual UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) = 0;
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbDevice>> allServices() = 0;
 };

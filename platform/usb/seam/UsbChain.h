@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-// Service and plug-in for implementations in which only the object itself does anything.
+// Services and plug-ins that only lead to an object.
 
 template <class Object>
 using MakeObject = std::function<std::unique_ptr<Object>()>;

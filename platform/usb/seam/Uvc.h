@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-// The numbers of USB Video Class requests, as UVC 1.5 and USB 2.0 give them.
+// The numbers of USB Video Class requests, from UVC 1.5 and USB 2.0.
 
 /// Request codes (UVC 1.5, A.8).
 enum class UVCRequest : std::uint8_t {
@@ -53,8 +53,7 @@ constexpr std::uint8_t unitOf(const UsbControlRequest& request) {
     return static_cast<std::uint8_t>(request.wIndex >> 8);
 }
 
-/// The first bytes of a number, least significant first, as everything on USB has them. Bytes that the number
-/// does not have are 0.
+/// Encodes a number, least significant byte first as in all of USB. Zero-fills the rest.
 constexpr void storeLittleEndian(std::uint64_t value, std::span<std::uint8_t> bytes) {
     for (std::uint8_t& byte : bytes) {
         byte = static_cast<std::uint8_t>(value);
@@ -62,7 +61,7 @@ constexpr void storeLittleEndian(std::uint64_t value, std::span<std::uint8_t> by
     }
 }
 
-/// The number of these bytes, as many as it has at the most.
+/// Decodes little-endian bytes, at most sizeof(Number).
 template <std::unsigned_integral Number>
 constexpr Number littleEndian(std::span<const std::uint8_t> bytes) {
     Number value = 0;
