@@ -85,12 +85,13 @@ check_style() {
   (
     cd "$project" || exit
     if clang-format --version | grep -q ' version 14\.'; then
-      "${files[@]}" '*.cpp' '*.h' | xargs -0 clang-format --dry-run --Werror
+      "${files[@]}" '*.cpp' '*.h' | xargs -0 clang-format --dry-run --Werror || exit
       echo "clang-format: no findings"
     else
       echo "clang-format: not run, this is not version 14"
     fi
-    "${files[@]}" | xargs -0 grep -lZE -m 1 '^#!.*\bbash$|^# shellcheck shell=bash' | xargs -0 shellcheck -x
+    "${files[@]}" | xargs -0 grep -lZE -m 1 '^#!.*\bbash$|^# shellcheck shell=bash' | xargs -0 shellcheck -x ||
+      exit
     echo "shellcheck: no findings"
   )
 }
