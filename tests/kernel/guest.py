@@ -118,7 +118,7 @@ class Guest(contextlib.ExitStack):
         self.device.tell("fault stall get 13")
         self.device.tell("fault timeout set 11")
         program.press("alt+m", "Right", "alt+n")
-        wait_for("HDCP write", lambda: HDCP_ON[-1] in self.sent())
+        wait_for("HDCP write", lambda: HDCP_ON[-1] in self.sent(), 120)
         if short:
             self.device.tell("fault short get 11")
         program.press("alt+f", "alt+h", "Prior", "alt+x", "Home", "alt+r", "space", delay=200)
