@@ -257,7 +257,24 @@ private slots:
             QCoreApplication::processEvents();
             QCOMPARE(TestHost::takeRequests().size(), row.requests);
         }
-        QVERIFY(settings.control<CustomPopUpButton>("PopupRecordQuality").menu()->isVisible());
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        QVERIFY(popUp.menu()->isVisible());
+        popUp.menu()->hide();
+        // A repeat that the toolkit does not recognise, and a press that follows soon
+        const auto send = [&popUp](QEvent::Type type, quint64 time) {
+            QKeyEvent event(type, Qt::Key_Up, {});
+            event.setTimestamp(time);
+            event.ignore();
+            QCoreApplication::sendEvent(&popUp, &event);
+            return event.isAccepted();
+        };
+        for (const quint64 time : {500U, 530U}) {
+            send(QEvent::KeyPress, time - 1);
+            send(QEvent::KeyRelease, time);
+            QVERIFY(send(QEvent::ShortcutOverride, time));
+            send(QEvent::KeyPress, time);
+            QCOMPARE(TestHost::takeRequests().size(), 4U);
+        }
     }
 
     void tabGoesToTheSelectedRadioButton() {
