@@ -2,7 +2,7 @@
 
 #include "ContentController.h"
 
-/// Controls the window that says that the device can't be reached. All its texts come from the description.
+/// Controls the alert, which says that the device can't be reached. All its texts come from the description.
 class AlertViewController : public ContentController {
     Q_OBJECT
 
@@ -10,6 +10,6 @@ public:
     Q_INVOKABLE AlertViewController() = default;
 
 public slots:
-    /// Ends the modal run; what comes after it is the opener's decision.
+    /// Ends the modal run and does nothing else: the caller that opened the alert ends the program.
     void dismissAlertWindow(QObject* sender);
 };

@@ -2,13 +2,12 @@
 
 #include <QObject>
 
-/// What the application as a whole does.
+/// The actions of the application.
 class AppDelegate : public QObject {
     Q_OBJECT
 
 public slots:
-    // Start-up is done by the settings window when it has been loaded; at the end nothing is saved and the
-    // device is not touched.
+    // The settings window's controller starts up when it is loaded. At the end nothing is saved.
     void applicationDidFinishLaunching() {}
     void applicationWillTerminate() {}
 

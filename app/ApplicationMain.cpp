@@ -44,7 +44,7 @@ QPalette darkPalette() {
     set(QPalette::Highlight, "#C92A30");
     set(QPalette::HighlightedText, "#FFFFFF");
 #if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-    set(QPalette::Accent, "#C92A30"); // it would be the desktop's
+    set(QPalette::Accent, "#C92A30"); // otherwise the desktop's
 #endif
     set(QPalette::PlaceholderText, "#9AA0AA");
     set(QPalette::ToolTipBase, "#F3F1F0");
@@ -54,7 +54,7 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// The knobs that the program draws don't grow with the font's DPI, so what can be grabbed must not either.
+/// Fusion's hit area for a knob grows with the font's DPI; the drawn knob does not.
 class FusionWithFixedKnobs : public QProxyStyle {
 public:
     FusionWithFixedKnobs() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -65,18 +65,16 @@ public:
     }
 };
 
-/// The end of the session and SIGTERM are deliberate ends. Nothing is saved and the device is not told, so
-/// there is nothing to wait for, not even for a request in progress.
+/// Exits at SIGTERM and at the end of the session with status 0. Nothing is saved and no request is completed.
 void endOnTerminate() {
     const auto end = [](int) { ::_exit(EXIT_SUCCESS); };
-    (void)std::signal(SIGTERM, end); // fails for unknown signals only
+    (void)std::signal(SIGTERM, end); // fails only for unknown signals
     // Under nohup the program continues without its terminal.
     if (std::signal(SIGHUP, end) == SIG_IGN) (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGPIPE, SIG_IGN); // a write to a closed display reports the failure itself
 }
 
-/// Qt connects again when a Wayland compositor restarts, if the session asks for it as Plasma does. It can do
-/// so since 6.5.
+/// Since 6.5 Qt connects again when a Wayland compositor restarts, if the session asks for that, as Plasma does.
 bool reconnectsAfter(const QString& message) {
     return message.startsWith(QLatin1String("The Wayland ")) && qEnvironmentVariableIsSet("QT_WAYLAND_RECONNECT")
         && QLibraryInfo::version() >= QVersionNumber(6, 5);
@@ -95,7 +93,7 @@ void registerDescriptions() {
 } // namespace
 
 void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    // At the end of a session the display may close first; the toolkit would exit with a failure.
+    // At the end of a session the display may close first. Qt would then exit with status 1.
     if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")) && !reconnectsAfter(message))
         ::_exit(EXIT_SUCCESS);
     if (type == QtCriticalMsg || type == QtFatalMsg) systemLog("%s", qUtf8Printable(message));
@@ -118,7 +116,7 @@ int applicationMain(int argc, char** argv) {
     endOnTerminate();
     (void)qInstallMessageHandler(logQtMessage);
     QApplication application(argc, argv);
-    (void)std::setlocale(LC_NUMERIC, "C"); // the log has decimal points; QApplication took the user's locale
+    (void)std::setlocale(LC_NUMERIC, "C"); // for decimal points in the log: QApplication set the user's locale
     setUpApplication(application);
     AppDelegate delegate;
     const WindowDescription description(QStringLiteral("Main"));
@@ -127,7 +125,6 @@ int applicationMain(int argc, char** argv) {
     controller->window()->show();
     delegate.applicationDidFinishLaunching();
     QObject::connect(&application, &QApplication::aboutToQuit, &delegate, &AppDelegate::applicationWillTerminate);
-    // By exit, as everywhere, without destroying the application: Qt 6.4 then joins its Wayland event thread,
-    // which sometimes waits for a reader that has ended, and the program would hang.
+    // The application is not destroyed: Qt 6.4 would join its Wayland event thread, which can hang.
     std::exit(QApplication::exec());
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// At its own size and its label's alignment; both mirrored where the layout runs from right to left.
+/// Draws the picture at its own size and its label's alignment, both mirrored in right-to-left layouts.
 void drawPicture(QLabel& label) {
     QPixmap picture = label.pixmap();
     if (label.isRightToLeft()) picture = picture.transformed(QTransform::fromScale(-1, 1));
@@ -53,8 +53,7 @@ void BackgroundImageView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void BackgroundImageView::startMove() {
-    if (QWindow* handle = window()->windowHandle())
-        handle->startSystemMove(); // nothing happens without a window manager
+    if (QWindow* handle = window()->windowHandle()) handle->startSystemMove(); // has no effect without a window manager
 }
 
 void MirroredImageView::paintEvent(QPaintEvent* /*event*/) {

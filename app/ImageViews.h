@@ -4,7 +4,7 @@
 
 #include <optional>
 
-/// A background picture that holds a window's controls and drags the window, also by labels and cards on it.
+/// A background picture that contains a window's controls. Dragging it, or a label or card on it, moves the window.
 /// The picture keeps its size and its alignment; it fades into the window's colour.
 class BackgroundImageView : public QLabel {
     Q_OBJECT
@@ -27,7 +27,7 @@ protected:
     virtual void startMove();
 
 private:
-    std::optional<QPointF> m_pressed; ///< where on the screen, until the window moves
+    std::optional<QPointF> m_pressed; ///< screen position, until the window moves or the button is released
 };
 
 /// Background of the settings window.
@@ -54,7 +54,7 @@ public:
     explicit AboutImageView(QWidget* parent) : BackgroundImageView(parent) {}
 };
 
-/// A label whose picture is drawn mirrored where the layout runs from right to left.
+/// A label that mirrors its picture in right-to-left layouts.
 class MirroredImageView : public QLabel {
     Q_OBJECT
 

@@ -16,14 +16,14 @@ static_assert(ViewController::CFW_DATA_ARRAY_SIZE == std::tuple_size_v<FirmwareV
 
 namespace {
 
-/// What a control shows, as the device takes it. What does not fit is a fault of the window description.
+/// The value of a control as a byte. A value out of range is a fault of the window description.
 std::uint8_t checkedByte(int value, const char* control) {
     if (value < 0 || value > std::numeric_limits<std::uint8_t>::max())
         fatalStop("%s: %d does not fit in 8 bits", control, value);
     return static_cast<std::uint8_t>(value);
 }
 
-/// Shows what the device reported, which is no action of the user.
+/// Shows a value that the device reported, without running the control's action.
 void show(const Outlet<QSlider>& slider, std::uint8_t volume) {
     const QSignalBlocker blocker(slider.get());
     slider->setValue(volume);
@@ -55,7 +55,7 @@ void ViewController::viewDidLoad() {
     if (!DeviceCtrl) alertAndQuit();
     callOrQuit([](CVn318UvcController& device) { return device.SyncRtc(); });
 
-    // From here on a failed read shows as 0: the device was reached, and the next action reports a failure.
+    // From here on a failed read is shown as 0. If the device has failed, the user's next action opens the alert.
     std::uint8_t h264 = 0;
     std::uint8_t mjpeg = 0;
     (void)device().GetBitRate(h264, mjpeg);
@@ -103,7 +103,7 @@ void ViewController::fillRecordQuality(std::uint8_t level) {
 }
 
 void ViewController::styleHdcpTitles() {
-    // Given on the scale 0 to 255 on purpose: it makes full white at 80 % opacity.
+    // On the scale 0 to 255 on purpose: it is clamped to white at 80 % opacity.
     const QColor light = deviceColor(230.0, 230.0, 230.0, 0.8);
     for (const auto* button : {&HdcpOnButton, &HdcpOffButton}) {
         const QString title = (*button)->text();
@@ -141,7 +141,7 @@ void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
     std::uint8_t h264 = 0;
     std::uint8_t mjpeg = 0;
     callOrQuit([&](CVn318UvcController& device) { return device.GetBitRate(h264, mjpeg); });
-    // A failed write shows in what is read back.
+    // The value read back shows whether the write failed.
     (void)device().SetBitRate(level, mjpeg);
     (void)device().GetBitRate(h264, mjpeg);
     DisplayBitRateImage(h264);
@@ -193,10 +193,10 @@ void ViewController::changeVolume(
     const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite, VolumeRead readBack) {
     const std::uint8_t chosen = checkedByte(slider->value(), slider.name());
     callOrQuit([&](CVn318UvcController& device) { return (device.*write)(chosen); });
-    // The extra write has no second try and no alert, unlike the first one, on purpose.
+    // On purpose, a failure of the extra write is neither retried nor reported.
     if (extraWrite) (void)(device().*extraWrite)(chosen);
     std::uint8_t reported = 0;
-    (void)(device().*readBack)(reported); // 0 after a failure, and shown as that
+    (void)(device().*readBack)(reported); // 0 after a failure
     show(slider, reported);
 }
 

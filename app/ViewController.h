@@ -15,15 +15,15 @@
 #include <functional>
 #include <memory>
 
-/// Controls the settings window: fills it from the device at the start, and turns every action of the user
-/// into a write to the device and a read of what the device then has, which is what is shown.
+/// Controls the settings window. Start-up shows the settings of the device. Every action of the user writes one, reads
+/// it back and shows the value that was read.
 class ViewController : public ContentController {
     Q_OBJECT
 
 public:
     Q_INVOKABLE ViewController() = default;
 
-    // Bit-rate levels count downwards in quality; the pop-up's items stand in their order.
+    // A higher bit-rate level has lower quality. The pop-up's items are in the order of the levels.
     static constexpr std::uint8_t CBIT_RATE_HIGH = 0;
     static constexpr std::uint8_t CBIT_RATE_MIDDLE = 1;
     static constexpr std::uint8_t CBIT_RATE_LOW = 2;
@@ -43,7 +43,7 @@ public:
     Outlet<QLabel> LabelHeadphoneVolume{m_outlets, "LabelHeadphoneVolume"};
     Outlet<QSlider> SliderHeadphoneVolume{m_outlets, "SliderHeadphoneVolume"};
     Outlet<QLabel> LabelHdmiAuxVolume{m_outlets, "LabelHdmiAuxVolume"};
-    // "Hmdi" is the spelling by which the window description knows it.
+    // "Hmdi" is the spelling in the window description.
     Outlet<QSlider> SliderHmdiAuxVolume{m_outlets, "SliderHmdiAuxVolume"};
     Outlet<QLabel> LabelFwVersion{m_outlets, "LabelFwVersion"};
     Outlet<AttributedRadioButton> HdcpOnButton{m_outlets, "HdcpOnButton"};
@@ -52,8 +52,8 @@ public:
     /// The open device; absent only before start-up and while it is being replaced.
     std::unique_ptr<CVn318UvcController> DeviceCtrl;
 
-    /// Start-up. Blocks for the whole dialogue with the device. Without a device that keeps time it shows
-    /// the alert and ends the program.
+    /// Start-up. Blocks until all settings are read. If there is no device, or its clock can't be set, shows the
+    /// alert and ends the program.
     void viewDidLoad() override;
     void setRepresentedObject(const QVariant& object) override;
 
@@ -81,7 +81,7 @@ private:
     using VolumeWrite = bool (CVn318UvcController::*)(int);
     using VolumeRead = bool (CVn318UvcController::*)(std::uint8_t&);
 
-    /// The device, whose absence where it is used is a fault of the program.
+    /// The open device. Stops the program if it is absent.
     [[nodiscard]] CVn318UvcController& device() const;
     /// Makes the call. If it fails the device is opened again and the call is repeated once; if that fails
     /// too, the alert is shown and the program ends.

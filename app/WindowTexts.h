@@ -10,11 +10,11 @@ class SelectableLabel : public QLabel {
 public:
     explicit SelectableLabel(QWidget* parent) : QLabel(parent) {
         setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
-        setFocusPolicy(Qt::StrongFocus); // after the flags, which set another
+        setFocusPolicy(Qt::StrongFocus); // after the flags, which change it
     }
 };
 
-/// A button that is only read. The mouse goes through it: the window can be dragged there.
+/// A disabled button used as a label. It lets the mouse through, so that the window can be dragged by it.
 class LegendButton : public QPushButton {
     Q_OBJECT
 

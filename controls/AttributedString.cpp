@@ -65,7 +65,7 @@ AttributedString withMnemonic(const AttributedString& title, bool underline) {
     for (qsizetype mark = shown.string.indexOf(u'&'); mark >= 0 && mark + 1 < shown.string.size();
          mark = shown.string.indexOf(u'&', mark + 1)) {
         removeUnit(shown, mark);
-        if (mnemonic < 0 && shown.string[mark] != u'&') // doubled, it is the character itself
+        if (mnemonic < 0 && shown.string[mark] != u'&') // "&&" is a plain "&"
             mnemonic = mark;
     }
     if (underline && mnemonic >= 0) {

@@ -9,15 +9,15 @@
 #include <QString>
 #include <QTextLayout>
 
-/// A text in one font with colours for ranges of it, counted in 16-bit code units. Where two overlap, the
-/// later one is drawn.
+/// A text in one font with colours for ranges, counted in 16-bit code units. Where two ranges overlap, the later one
+/// is drawn.
 struct AttributedString {
     QString string;
     QFont font;
     QList<QTextLayout::FormatRange> colors;
 
     void addColor(qsizetype start, qsizetype length, const QColor& color);
-    /// The colour of one code unit; invalid where none was given.
+    /// The colour of one code unit; invalid if it has none.
     [[nodiscard]] QColor colorAt(qsizetype index) const;
 };
 Q_DECLARE_METATYPE(AttributedString)
@@ -31,10 +31,10 @@ Q_DECLARE_METATYPE(AttributedString)
 [[nodiscard]] AttributedString createAttributedString(
     const QString& fullString, const QColor& fullStringColor, const QString& subString, const QColor& subStringColor);
 
-/// What is shown of a title with a mnemonic mark: the "&" is taken out and the character after it is
-/// underlined if asked for. "&&" shows a plain "&".
+/// The title without its mnemonic mark "&". The character after the mark is underlined if `underline` is true.
+/// "&&" becomes a plain "&".
 [[nodiscard]] AttributedString withMnemonic(const AttributedString& title, bool underline);
 
-/// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. What has no
-/// colour of its own is drawn in the painter's.
+/// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. Text without a
+/// colour is drawn in the painter's.
 void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString text);

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
-/// A colour from components on the scale 0 to 1. What lies outside is clamped, so that components given on
-/// the scale 0 to 255 make full intensity.
+/// A colour from components on the scale 0 to 1. Others are clamped: components on the scale 0 to 255 become full
+/// intensity.
 inline QColor deviceColor(double red, double green, double blue, double alpha) {
     const auto clamped = [](double component) { return static_cast<float>(std::clamp(component, 0.0, 1.0)); };
     return QColor::fromRgbF(clamped(red), clamped(green), clamped(blue), clamped(alpha));
 }
 
-/// Of text that can't be used now.
+/// The colour of disabled text.
 inline const QColor kDisabledTextColor(0x6F, 0x74, 0x7E);

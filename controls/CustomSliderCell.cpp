@@ -25,7 +25,7 @@ constexpr double kKnobRadius = 2.0;
 constexpr double kOutlineInset = 1.5;
 constexpr double kGlossInset = 2.5;
 constexpr int kNotch = QWheelEvent::DefaultDeltasPerStep;
-constexpr int kAnglePerPixel = 2; // of devices that report nothing but pixels
+constexpr int kAnglePerPixel = 2; // for devices that report only pixels
 
 const QColor kKnobOutline(0x09, 0x09, 0x0B);
 const QColor kKnobGloss(255, 255, 255, 30);
@@ -42,7 +42,7 @@ QLinearGradient knobGradient(const QRectF& knob, bool enabled) {
     return gradient;
 }
 
-/// In the wheel's units; to the right and away from the user count upwards.
+/// In the wheel's units, positive to the right and away from the user.
 int wheelDelta(const QWheelEvent& event) {
     const QPoint angle = event.angleDelta().isNull() ? event.pixelDelta() * kAnglePerPixel : event.angleDelta();
     const int delta = std::abs(angle.y()) >= std::abs(angle.x()) ? angle.y() : -angle.x();
@@ -77,7 +77,7 @@ void DrawnSlider::drawTickMarks(QPainter& context) const {
         context.drawLine(QPointF(x, kTickTop), QPointF(x, kTickBottom));
 }
 
-/// The style sees the knob's travel only, so that painting, tracking and keys agree on where the knob is.
+/// The style gets only the area of the knob's travel, so that it places the knob where it is drawn.
 void DrawnSlider::initStyleOption(QStyleOptionSlider* option) const {
     QSlider::initStyleOption(option);
     option->rect = knobTravel(width());
@@ -108,7 +108,7 @@ void DrawnSlider::drawKnob(QPainter& context) const {
     context.drawRoundedRect(grown(box, -kGlossInset), kKnobRadius, kKnobRadius);
 }
 
-/// Of `value()`, which is what the device reported last, also while a drag is ahead of it.
+/// Of `value()`, which the device reported last; a drag may be ahead of it.
 QString DrawnSlider::valueText() const {
     const int range = std::max(1, maximum() - minimum());
     return Localizable::tr("%1%", "Value of a slider in percent").arg(qRound(100.0 * (value() - minimum()) / range));
@@ -132,7 +132,7 @@ void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
     if (isEnabled() && (underMouse() || hasFocus())) drawValue(context);
 }
 
-/// Adds up the small steps of a touchpad exactly, in both directions, which the toolkit does not.
+/// Adds up the small steps of a touchpad exactly in both directions, unlike QSlider.
 void DrawnSlider::wheelEvent(QWheelEvent* event) {
     event->accept();
     const bool fast = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier);

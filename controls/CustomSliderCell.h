@@ -8,8 +8,8 @@
 class QPainter;
 
 /// A slider in the dark style: a thin white bar with a row of ticks above it. It shows its value above the
-/// knob while the pointer is over it or it has the focus. Handling is the toolkit's, except for the wheel.
-/// Ticks follow the bar that was drawn last.
+/// knob while the pointer is over it or it has the focus. Input is handled by QSlider, except for the wheel.
+/// The ticks depend on the bar that was drawn last.
 class DrawnSlider : public QSlider {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ public:
     /// Knob allowance in logical pixels: places the first tick and shortens their run.
     [[nodiscard]] double radius_w() const { return m_radiusW; }
 
-    /// Draws the track in the bar's rectangle. It is the same whether flipped or not.
+    /// Draws the track in the bar's rectangle. `flipped` is ignored.
     void drawBarInside(QPainter& context, const QRectF& bar, bool flipped);
     void drawTickMarks(QPainter& context) const;
 
@@ -29,8 +29,8 @@ public:
 
 protected:
     DrawnSlider(TickSpacing spacing, QWidget* parent) : QSlider(Qt::Horizontal, parent), m_spacing(spacing) {
-        setAttribute(Qt::WA_Hover); // is drawn again when the pointer enters and leaves
-        setFocusPolicy(Qt::StrongFocus); // a turn of the wheel does not move the focus
+        setAttribute(Qt::WA_Hover);      // repaints when the pointer enters or leaves
+        setFocusPolicy(Qt::StrongFocus); // turning the wheel does not move the focus
     }
 
     void paintEvent(QPaintEvent* event) override;
@@ -46,7 +46,7 @@ private:
     TickSpacing m_spacing;
     double m_gWidth = 0;
     double m_radiusW = kKnobAllowance;
-    int m_wheelRest = 0; ///< turn of the wheel short of a whole step, in units of a notch times its steps
+    int m_wheelRest = 0; ///< of the wheel's turn, below one step: angle times steps per notch
 };
 
 /// With ticks at every twentieth of its travel.
@@ -54,9 +54,9 @@ class CustomSliderCell : public DrawnSlider {
     Q_OBJECT
 
 public:
-    /// As window descriptions make it.
+    /// For window descriptions.
     explicit CustomSliderCell(QWidget* parent) : DrawnSlider(TickSpacing::Twentieth, parent) {}
-    // A slider of this kind is made from a window description only: these stop the program.
+    // Unsupported: these stop the program.
     [[noreturn]] explicit CustomSliderCell(const QString& textCell);
     [[noreturn]] explicit CustomSliderCell(const QImage& imageCell);
 };
@@ -66,9 +66,9 @@ class CustomSliderCell2 : public DrawnSlider {
     Q_OBJECT
 
 public:
-    /// As window descriptions make it.
+    /// For window descriptions.
     explicit CustomSliderCell2(QWidget* parent) : DrawnSlider(TickSpacing::Quarter, parent) {}
-    // A slider of this kind is made from a window description only: these stop the program.
+    // Unsupported: these stop the program.
     [[noreturn]] explicit CustomSliderCell2(const QString& textCell);
     [[noreturn]] explicit CustomSliderCell2(const QImage& imageCell);
 };

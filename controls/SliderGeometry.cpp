@@ -10,7 +10,7 @@ constexpr int kTravelTop = 26;
 constexpr int kTravelHeight = 17;
 constexpr double kValueTop = 2.0;
 constexpr double kValueHeight = 16.0;
-constexpr double kSmallestStep = 1e-4; // far below what can be seen, far above the precision of a position
+constexpr double kSmallestStep = 1e-4; // invisible, yet above the rounding of a position
 
 } // namespace
 
@@ -30,7 +30,7 @@ std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpa
     double x = knobAllowance / 1.9;
     while (x < barWidth) {
         positions.push_back(x);
-        if (step < kSmallestStep) break; // a bar about as narrow as the knob: the run would never end
+        if (step < kSmallestStep) break; // the bar is as narrow as the knob: the loop would not end
         x += step;
     }
     return positions;

@@ -13,12 +13,12 @@ inline constexpr QSize kSmallestSlider(240, 48);
 /// The distance between ticks.
 enum class TickSpacing : unsigned char { Twentieth, Quarter };
 
-/// The track inside a bar rectangle: as wide as it, but always 3 high.
+/// The track inside a bar rectangle: as wide as the bar, 3 high.
 [[nodiscard]] QRectF trackRect(const QRectF& bar);
 
 /// Horizontal positions of the ticks over a bar of that width; they reach from `kTickTop` to `kTickBottom`.
-/// None for a bar that has not been drawn yet or is too narrow for the first; only the first where the next
-/// would be left of it or too close to see.
+/// Empty for a bar that has not been drawn yet or is too narrow for the first tick. Only the first tick if the next
+/// one would be left of it or too close to distinguish.
 [[nodiscard]] std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpacing spacing);
 
 inline constexpr double kKnobAllowance = 20.0;
@@ -33,7 +33,7 @@ inline constexpr double kTickWidth = 0.3;
 
 inline constexpr int kKnobSize = 15;
 
-/// Where the knob moves, in a slider of that width.
+/// The area in which the knob moves, in a slider of that width.
 [[nodiscard]] QRect knobTravel(int sliderWidth);
 /// The knob that many pixels right of the left end of its travel. All of it can be grabbed.
 [[nodiscard]] QRect knobRect(int offset);

@@ -18,8 +18,8 @@
 
 namespace {
 
-/// Installs a table of texts in the locale's language and gives that language; empty if there is none. Later
-/// translators are asked first.
+/// Installs a table of texts in the locale's language and returns that language, empty if there is none. Qt asks the
+/// translator installed last first.
 QString install(QCoreApplication& application, const QLocale& locale, const QString& table, const QString& folder) {
     auto* translator = new QTranslator(&application);
     if (!translator->load(locale, table, QStringLiteral("_"), folder)) {
@@ -30,7 +30,7 @@ QString install(QCoreApplication& application, const QLocale& locale, const QStr
     return translator->language();
 }
 
-/// Null if it can't be read. By libpng: Qt's own reader first loads all plug-ins for pictures that the desktop has.
+/// Null if unreadable. Uses libpng because Qt's own reader first loads all image plug-ins of the desktop.
 QImage readPng(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return {};
@@ -56,7 +56,7 @@ void open(QCoreApplication& application, const QString& qtTranslations) {
     const QString folder = QStringLiteral(":/i18n");
     install(application, QLocale(QLocale::English), table, folder);
     const QString language = install(application, QLocale(), table, folder);
-    // Qt's own texts decide on the direction of the windows, so they are taken for a language of ours only.
+    // Qt's texts set the layout direction, so they are installed only together with the program's own.
     if (!language.isEmpty()) install(application, QLocale(language), QStringLiteral("qtbase"), qtTranslations);
 }
 
@@ -93,7 +93,7 @@ std::optional<QString> versionText() {
 }
 
 QPixmap imageNamed(const QString& name) {
-    const bool dense = qGuiApp->devicePixelRatio() > 1; // a screen between 1 and 2 shows the dense picture smaller
+    const bool dense = qGuiApp->devicePixelRatio() > 1; // between 1 and 2 the dense picture is drawn smaller
     QString path = QStringLiteral("bundle:images/") + name;
     if (dense) path.insert(path.lastIndexOf('.'), QLatin1String("@2x"));
     QImage image = readPng(path);

@@ -9,17 +9,16 @@
 
 #include <optional>
 
-/// The program's resources. They are found under the search path "bundle:", normally the resources that are
-/// built into the program.
+/// The program's resources, under the search path "bundle:". They are built into the program.
 namespace mainBundle {
 
 /// Sets the search path and installs the texts in the user's language. Call once, after the application
-/// object was made and before any window. Qt's own texts come from the given folder.
+/// object is made and before any window is. `qtTranslations` is the folder of Qt's own texts.
 void open(
     QCoreApplication& application, const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 
-/// Application information by key ("CFBundleShortVersionString"). Absent when there is none or it can't be
-/// read.
+/// Application information by key ("CFBundleShortVersionString"). Absent if missing or
+/// unreadable.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
 /// The style sheet of all windows. `palette(ROLE)` in it stands for the application's colour of that role, by its name
@@ -29,8 +28,7 @@ void open(
 /// "Version 1.0.0" in the user's language. Absent if the application information has no version.
 [[nodiscard]] std::optional<QString> versionText();
 
-/// A picture by its file name, at the resolution of the screen. Null if there is none of that name,
-/// or none that can be read as PNG.
+/// A picture by its file name, at the resolution of the screen. Null if missing or not a PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);
 
 /// The program's icon in the sizes that title bars and task lists show.
@@ -38,8 +36,8 @@ void open(
 
 } // namespace mainBundle
 
-/// The texts of the code, by upper-case key: `Localizable::tr("HIGH", "High")`. A key that has not been
-/// translated shows itself.
+/// The texts of the code, by upper-case key: `Localizable::tr("HIGH", "High")`. An untranslated key is its own
+/// text.
 struct Localizable {
     Q_DECLARE_TR_FUNCTIONS(Localizable)
 };

@@ -23,7 +23,7 @@ inline const QMetaObject* describedClass(const QByteArray& name) {
 
 using MakeWindow = std::function<std::unique_ptr<QWidget>()>;
 
-/// What makes each window that descriptions know, by the name of its .ui file.
+/// The functions that make the registered windows, by the name of the .ui file.
 inline QHash<QString, MakeWindow>& describedWindows() {
     static QHash<QString, MakeWindow> windows;
     return windows;
@@ -40,7 +40,7 @@ void registerDescribedWindow(const QString& file) {
     };
 }
 
-/// A custom control that has something to do when it has been made from a description, its items included.
+/// A custom control that completes itself after the description has made it with all its items.
 class MadeFromDescription {
 public:
     virtual ~MadeFromDescription() = default;

@@ -17,7 +17,7 @@
 
 namespace {
 
-/// The value of a control of an inert window when the run began.
+/// The value that a control of an inert window had at the beginning of the run.
 struct ShownValue {
     QPointer<QWidget> control;
     QMetaProperty property; ///< the one that the user edits
@@ -71,12 +71,12 @@ void ModalRun::rememberAndRelease(QWidget& window) {
 
 void ModalRun::restore(const QWidget& window) const {
     for (const auto& [control, property, value] : m_shown) {
-        if (control && control->window() == &window) (void)property.write(control, value); // it was read from there
+        if (control && control->window() == &window) (void)property.write(control, value); // of the property's own type
     }
 }
 
 bool ModalRun::eventFilter(QObject* object, QEvent* event) {
-    // Hiding ends the run, however it was caused. Closing hides the window; minimising is spontaneous.
+    // Hiding ends the run. Closing hides the window; minimising is a spontaneous event.
     if (object == &m_window && event->type() == QEvent::Hide && !event->spontaneous()) m_loop.quit();
     return false;
 }
@@ -92,7 +92,7 @@ QWidget* ownerOf(const QWidget& window) {
     return found == others.end() ? nullptr : *found;
 }
 
-/// Makes the window transient for its owner: the window system keeps it above that.
+/// Makes the window transient for its owner: the window system keeps it above the owner.
 void makeTransient(QWidget& window) {
     const QWidget* owner = ownerOf(window);
     if (!owner || !owner->windowHandle()) return;
@@ -100,7 +100,7 @@ void makeTransient(QWidget& window) {
     window.windowHandle()->setTransientParent(owner->windowHandle());
 }
 
-/// Selectable texts take the focus too, but the button that ends the run has it first.
+/// The first focus belongs to the button that ends the run, not to a selectable text.
 void focusDefaultButton(const QWidget& window) {
     for (QPushButton* button : window.findChildren<QPushButton*>()) {
         if (button->isDefault()) button->setFocus();

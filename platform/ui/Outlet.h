@@ -15,7 +15,7 @@ public:
     OutletBase& operator=(const OutletBase&) = delete;
 
     [[nodiscard]] const char* name() const { return m_name; }
-    /// Finds the control below `root`; one of another class does not count.
+    /// Finds the control of that name and class below `root`.
     virtual void connectBelow(const QWidget& root) = 0;
 
 protected:
@@ -38,7 +38,7 @@ public:
         m_control = root.findChild<Control*>(QString::fromLatin1(name()));
     }
 
-    /// The control. An outlet that is not connected is a fault of the window description: the program stops.
+    /// The control. Stops the program if the outlet is not connected.
     [[nodiscard]] Control* get() const {
         if (!m_control) fatalStop("outlet %s is not connected", name());
         return m_control.data();

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-/// Owns a window and the controller of what is in it.
+/// Owns a window and the controller of its content.
 class WindowController : public QObject {
     Q_OBJECT
 

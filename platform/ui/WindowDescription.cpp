@@ -49,14 +49,14 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
     if (!make) fatalStop("window description: unknown window %s", qUtf8Printable(file));
     std::unique_ptr<QWidget> window = make();
     window->setStyleSheet(mainBundle::styleSheet());
-    // By name, so that dense screens get the dense picture: a pixmap in the description is one for all.
+    // By name, so that dense screens get the dense picture.
     for (QLabel* label : window->findChildren<QLabel*>()) {
         if (const QVariant image = label->property("image"); image.isValid())
             label->setPixmap(mainBundle::imageNamed(image.toString()));
         if (const auto version = mainBundle::versionText(); version && label->property("showsVersion").toBool())
             label->setText(*version);
     }
-    // Found before the first is told: it may delete children of its own, as a pop-up does with its list.
+    // Collected first, because didDecode may delete children of its control.
     std::vector<MadeFromDescription*> found;
     for (QWidget* control : window->findChildren<QWidget*>()) {
         if (auto* made = dynamic_cast<MadeFromDescription*>(control)) found.push_back(made);

@@ -9,14 +9,14 @@
 
 /// A set of windows with their controllers. The index in the bundle (`Main/Main.json` for "Main") gives each
 /// identifier the class of its controller, its window's .ui file and the class of its content's controller.
-/// Classes and windows are built in, and known by their names once they are registered.
+/// Classes and windows are compiled in and registered by name.
 ///
 /// The property "action" of a control or of a QAction names its handler: a slot that takes the sender, of the
 /// content's controller or else of the responder. It runs at every action of the user, whether by mouse,
-/// wheel, keys or assistive technology. Block a control's signals while showing a value, so that showing is
-/// no action.
+/// wheel, keys or assistive technology. Block a control's signals while showing a value, so that the
+/// handler does not run.
 ///
-/// Everything that is missing or of a wrong kind is a fatal stop that names it.
+/// The program stops with the name of anything missing or of the wrong kind.
 class WindowDescription {
 public:
     explicit WindowDescription(const QString& name);
@@ -27,7 +27,7 @@ public:
     /// The same for a controller that must be a window controller.
     [[nodiscard]] std::unique_ptr<WindowController> instantiateWindowController(
         const QString& identifier, QObject* responder = nullptr) const;
-    /// Loads a window and runs it modally. Does nothing if the description gives that controller none.
+    /// Loads a window and runs it modally. Does nothing if the controller has no window.
     void runModal(const QString& identifier) const;
     /// The window that opens at the start.
     [[nodiscard]] QString initialController() const;

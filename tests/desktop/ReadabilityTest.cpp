@@ -1,5 +1,5 @@
-// That people can read the windows: every word whole in every language, mnemonics that differ, contrast as
-// drawn, and a focus that shows. Prints the figures.
+// Readability: no text is cut in any language, mnemonics differ, contrast is sufficient as drawn, and the focus is
+// visible. Prints the contrasts.
 
 #include "ApplicationMain.h"
 #include "Bundle.h"
@@ -17,8 +17,8 @@
 namespace {
 
 constexpr double kReadable = 4.5;   ///< WCAG 2.1 AA, 1.4.3: text
-constexpr double kNoticeable = 3.0; ///< 1.4.11: what is needed to recognise a control
-constexpr int kEnlarged = 4;        ///< so large that strokes have their full colour
+constexpr double kNoticeable = 3.0; ///< 1.4.11: parts needed to recognise a control
+constexpr int kEnlarged = 4;        ///< scale at which strokes have their full colour
 
 double luminance(QRgb color) {
     const auto linear = [](int component) {
@@ -33,7 +33,7 @@ double contrast(QRgb one, QRgb other) {
     return (light + 0.05) / (dark + 0.05);
 }
 
-/// Between what most of the picture shows and what stands out most from it.
+/// The highest contrast of a colour with the most frequent one.
 double contrastWithin(const QImage& image) {
     const QHash<QRgb, int> counts = counted(image);
     QRgb ground = 0;
@@ -46,13 +46,13 @@ double contrastWithin(const QImage& image) {
     return best;
 }
 
-/// Prints the figure, too.
+/// Checks and prints a contrast.
 void expectContrast(double ratio, double least, const QString& of) {
     qInfo("contrast %5.2f %s", ratio, qPrintable(of));
     QVERIFY2(ratio >= least, qPrintable(of));
 }
 
-/// Whether a person sees all of a control's text.
+/// Whether all of a control's text is visible.
 bool isWhole(const QWidget& control) {
     if (const auto* popUp = qobject_cast<const CustomPopUpButton*>(&control)) {
         for (const QAction* item : popUp->menu()->actions())
@@ -61,11 +61,11 @@ bool isWhole(const QWidget& control) {
     }
     QSize needed = control.sizeHint();
     if (const auto* label = qobject_cast<const QLabel*>(&control); label && label->wordWrap())
-        needed = {label->minimumSizeHint().width(), label->heightForWidth(label->width())}; // of the longest word
+        needed = {label->minimumSizeHint().width(), label->heightForWidth(label->width())}; // width of the longest word
     return needed.boundedTo(control.size()) == needed;
 }
 
-/// The visible controls, or those of them that have a text or draw one.
+/// The visible controls, by default only those with a text.
 QList<QWidget*> visibleControls(const QWidget& window, bool withText = true) {
     QList<QWidget*> controls = window.findChildren<QWidget*>();
     controls.removeIf([withText](QWidget* control) {
@@ -79,7 +79,7 @@ QList<QWidget*> visibleControls(const QWidget& window, bool withText = true) {
 /// A window by the name of its controller, shown in a language.
 std::unique_ptr<WindowController> open(const QString& name, const QString& language = "en") {
     QLocale::setDefault(QLocale(language));
-    mainBundle::open(*qApp); // what was installed last is asked first
+    mainBundle::open(*qApp); // the translators installed last are asked first
     static AppDelegate delegate;
     auto controller =
         WindowDescription(QStringLiteral("Main")).instantiateWindowController(name + " Window Controller", &delegate);
@@ -89,7 +89,7 @@ std::unique_ptr<WindowController> open(const QString& name, const QString& langu
     return controller;
 }
 
-/// Every word whole and in its place, and mnemonics that differ.
+/// Checks that no text is cut or outside its place, and that mnemonics differ.
 void checkWords(const QWidget& window) {
     QVERIFY2(window.width() <= 1280 && window.height() <= 800, "it is larger than a small screen");
     QMap<QString, QString> mnemonics;
@@ -200,14 +200,14 @@ private slots:
         }
     }
 
-    // Menus, lists and selections are drawn by the toolkit in these.
+    // The toolkit draws menus, lists and selections in these colours.
     void paletteStandsOut() {
         const QPalette palette = QApplication::palette();
         for (const auto& [text, ground] : {std::pair(QPalette::Text, QPalette::Base),
                  {QPalette::HighlightedText, QPalette::Highlight}, {QPalette::ToolTipText, QPalette::ToolTipBase}})
             expectContrast(contrast(palette.color(text).rgb(), palette.color(ground).rgb()), kReadable,
                 QStringLiteral("palette's text %1").arg(text));
-        // A light window of the desktop's behind this program's light texts would be unreadable.
+        // Light texts need the dark window, also on a light desktop.
         QCOMPARE(palette.color(QPalette::Window), QColor("#0C0D10"));
     }
 
@@ -227,13 +227,13 @@ private slots:
                 for (int y = 0; y < with.height(); ++y)
                     for (int x = 0; x < with.width(); ++x)
                         seen += contrast(with.pixel(x, y), without.pixel(x, y)) >= kNoticeable ? 1 : 0;
-                // A line of 2 px along its shorter side at least; a caret is not enough.
+                // At least a line of 2 px along the shorter side, which a caret is not.
                 const int least = 2 * std::min(focused->width(), focused->height());
                 QVERIFY2(seen >= least * kEnlarged * kEnlarged, qUtf8Printable(focused->objectName()));
                 QTest::keyClick(focused, Qt::Key_Tab);
             }
             for (QWidget* control : visibleControls(*controller->window(), false)) {
-                // Of radio buttons the selected one is in the round; arrows reach the other.
+                // Tab reaches only the selected radio button; arrows reach the other.
                 const bool operated = control->isEnabled() && control->focusPolicy() != Qt::NoFocus
                     && qobject_cast<QRadioButton*>(control) == nullptr;
                 QVERIFY2(!operated || reached.contains(control), qUtf8Printable(control->objectName()));

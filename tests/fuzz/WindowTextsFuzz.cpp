@@ -1,4 +1,4 @@
-// Blocks with any bytes in them, shown in the settings window by start-up: a device may report anything.
+// Start-up of the settings window on a device that reports arbitrary bytes.
 
 #include "AppDelegate.h"
 #include "ApplicationMain.h"

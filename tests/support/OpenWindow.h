@@ -20,7 +20,7 @@ struct SettingsWindow {
                          .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
         window().show();
         window().activateWindow();
-        (void)QTest::qWaitForWindowActive(&window()); // keys that need it tell
+        (void)QTest::qWaitForWindowActive(&window()); // tests fail later if it is not
     }
     [[nodiscard]] ViewController& view() const {
         return dynamic_cast<ViewController&>(*controller->contentController());
@@ -35,7 +35,7 @@ struct SettingsWindow {
     std::unique_ptr<WindowController> controller;
 };
 
-/// Once a window runs modally, does something with it.
+/// Calls `act` with the next window that runs modally.
 inline void whenModal(std::function<void(QWidget&)> act) {
     QTimer::singleShot(1, qApp, [act = std::move(act)] {
         if (QWidget* window = QApplication::activeModalWidget())
@@ -45,7 +45,7 @@ inline void whenModal(std::function<void(QWidget&)> act) {
     });
 }
 
-/// From now on a control of the window of that .ui file has another value of a property.
+/// Changes a property of a control in all windows that are made from that .ui file afterwards.
 inline void changeDescription(const QString& file, const QString& control, const char* property, const QString& value) {
     MakeWindow& make = describedWindows()[file];
     make = [=, whole = make] {
@@ -55,13 +55,13 @@ inline void changeDescription(const QString& file, const QString& control, const
     };
 }
 
-/// Empty if the program has none of that name.
+/// The content of a built-in resource, empty if there is none.
 inline QByteArray resource(const QString& path) {
     QFile file(QStringLiteral(":/") + path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// Puts changed resources in front of the program's own, until it goes.
+/// Overrides the program's resources as long as it exists.
 class ChangedBundle {
 public:
     ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")}); }

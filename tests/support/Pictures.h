@@ -4,7 +4,7 @@
 #include <QImage>
 #include <QWidget>
 
-/// What a window shows of a control, or of a part of it, so many times as large.
+/// A control, or a part of it, as its window shows it, scaled by `scale`.
 inline QImage rendered(const QWidget& control, double scale = 1, QRect part = {}) {
     if (part.isNull()) part = control.rect();
     QWidget& window = *control.window();
@@ -14,7 +14,7 @@ inline QImage rendered(const QWidget& control, double scale = 1, QRect part = {}
     return image;
 }
 
-/// The colours of a picture and how many pixels have each.
+/// The number of pixels of each colour.
 inline QHash<QRgb, int> counted(const QImage& image) {
     QHash<QRgb, int> counts;
     for (int y = 0; y < image.height(); ++y)
@@ -22,7 +22,7 @@ inline QHash<QRgb, int> counted(const QImage& image) {
     return counts;
 }
 
-/// The part of a picture that is not as dark as its ground.
+/// The part of a picture that is brighter than its dark background.
 inline QRect inked(const QImage& image) {
     QRegion bright;
     for (int y = 0; y < image.height(); ++y)

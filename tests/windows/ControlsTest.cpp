@@ -1,4 +1,4 @@
-// What the drawn controls look like, as numbers: no picture of what the toolkit draws is compared.
+// The drawn controls, checked by numbers: no picture of parts that the toolkit draws is compared.
 
 #include "ApplicationMain.h"
 #include "CustomSliderCell.h"
@@ -17,15 +17,15 @@ constexpr QRgb kWhite = 0xFFFFFFFF;
 constexpr QRgb kCard = 0x141619;
 constexpr QRgb kInk = 0x0C0D10;
 constexpr QRgb kRed = 0xBF2626;
-constexpr QRgb kTick = 0x7D7D7D; // thinner than a pixel, it is never quite white
+constexpr QRgb kTick = 0x7D7D7D; // thinner than a pixel, so never quite white
 constexpr int kThin = 60;
 
 enum class State : unsigned char { Plain, Focused, Disabled };
 
-/// What is drawn, and where it can be grabbed, must not grow with the fonts.
+/// Drawn parts and their hit areas must not grow with the fonts.
 const bool kOnlyFontsAreLarge = qputenv("QT_FONT_DPI", "144") && qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
 
-/// What is seen at some points of a control. Its numbers are logical pixels.
+/// The colour of a control at some points, in logical pixels.
 struct Seen {
     const char* part;
     const char* control;
@@ -94,7 +94,7 @@ const std::vector<Turn> kTurns{
     {"inverted", -6, 1, {{0, 120}}, {}, {}, true},
 };
 
-/// A background that counts the moves that it starts.
+/// A background that counts the moves of its window.
 class MovedView : public MyImageView {
 public:
     MovedView() : MyImageView(nullptr) {}
@@ -109,7 +109,7 @@ class ControlsTest : public QObject {
 
 private slots:
     void initTestCase() {
-        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, false); // which Qt Test sets
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, false); // Qt Test sets it
         setUpApplication(*qApp);
     }
     void init() { TestHost::reset(); }
@@ -121,7 +121,7 @@ private slots:
             {Row{200, Twentieth, 21, 195.7115}, {200, Quarter, 5, 195.7115}, {0, Twentieth, 0, 0}, // not drawn yet
                 {10.5, Quarter, 0, 0},                        // too narrow for the first
                 {10.6, Twentieth, 1, 10.526316},              // the step is negative
-                {20.0 / 1.35 + 1e-12, Quarter, 1, 10.526316}, // the step hardly changes anything
+                {20.0 / 1.35 + 1e-12, Quarter, 1, 10.526316}, // the step is below the rounding
                 {20.0 / 1.9, Quarter, 0, 0},                  // the first would be at the end
                 {16, Quarter, 19, 15.859649}}) {
             const auto positions = tickPositions(width, 20, spacing);
@@ -134,7 +134,7 @@ private slots:
             QCOMPARE(valueRect(knobRect(knob), 206, 30), QRectF(left, 2, 30, 16));
     }
 
-    void whatIsOursIsDrawnByItsNumbers() {
+    void drawnPartsHaveTheirColors() {
         device().audio = {0, 255, 0, 0, 0, 255, 0};
         const SettingsWindow settings;
         for (const char* slider : {kAtMin, kAtMax, kQuarters}) settings.control(slider).setFixedSize(206, 48);
@@ -202,7 +202,7 @@ private slots:
             slider.setPageStep(16);
             slider.setValue(100);
             int actions = 0;
-            connect(&slider, &QSlider::valueChanged, [&] { // the device reports another value after each action
+            connect(&slider, &QSlider::valueChanged, [&] { // the device reports a different value after each action
                 const QSignalBlocker shown(slider);
                 slider.setValue(slider.value() + 5);
                 ++actions;
@@ -228,9 +228,9 @@ private slots:
         background.show();
         QWindow& window = *background.windowHandle();
         const int distance = QApplication::startDragDistance();
-        for (const auto& [button, y, way, moves] :
-            {std::tuple(Qt::LeftButton, 1, 0, 0), {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
-                {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
+        for (const auto& [button, y, way, moves] : {std::tuple(Qt::LeftButton, 1, 0, 0),
+                 {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
+                 {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
             background.moves = 0;
             QTest::mousePress(&window, button, {}, {1, y});
             for (int times = 0; times < 2; ++times) // the second one must not start another move
@@ -251,7 +251,7 @@ private slots:
         auto& stars = settings.control<QLabel>("QualityImage");
         stars.setPixmap(QPixmap(QStringLiteral(":/images/img_starBest@2x.png")));
         const auto shades = counted(rendered(stars, 1.5, {0, 0, stars.height(), stars.height()})).size();
-        QVERIFY2(shades > 150, "unlike the hundred of its own that remain without smoothing");
+        QVERIFY2(shades > 150, "without smoothing there are about 100");
     }
 
     void starsAreMirroredWithTheirWords() {

@@ -54,9 +54,9 @@ private slots:
     void radioButtonDrawsItsTitle() {
         AttributedRadioButton button;
         button.resize(100, 30);
-        QVERIFY(counted(rendered(button)).size() > 1); // also without a title
-        int reds = 0;                                  // pixels of a title whose colour is its own
-        int others = 0;                                // and of one in another colour
+        QVERIFY(counted(rendered(button)).size() > 1); // drawn without a title as well
+        int reds = 0;                                  // pixels of a title in its own colour
+        int others = 0;                                // pixels in another colour
         const auto draw = [&](const QString& title) {
             AttributedString large = createAttributedString(title, Qt::red, {}, {});
             large.font.setPixelSize(18);
@@ -67,10 +67,10 @@ private slots:
         };
         draw("Off");
         const int plain = reds;
-        QVERIFY(plain > 0 && others == 0); // the style draws no title
+        QVERIFY(plain > 0 && others == 0); // the style did not draw the title
         draw("&Off");
         QVERIFY(reds > plain);           // by its underline
-        QCOMPARE(button.text(), "&Off"); // which the mnemonic needs
+        QCOMPARE(button.text(), "&Off"); // for the mnemonic
         QCOMPARE(button.font().pixelSize(), 18);
         for (const bool enabled : {true, false}) {
             button.setEnabled(enabled);
@@ -103,7 +103,7 @@ private slots:
             const QImage face = rendered(popUp, 1, {5, 5, 130, 18});
             const QRect title = inked(face).translated(5, 5);
             QVERIFY(title.left() >= 12 && title.left() < 15);
-            QVERIFY(title.right() > 112 && title.right() < 132); // is cut before the divider
+            QVERIFY(title.right() > 112 && title.right() < 132); // elided before the divider
             QVERIFY2(std::abs(title.center().y() - 13) <= 1, "by the font's rounding");
             int brightest = 0;
             for (const auto [color, count] : counted(face).asKeyValueRange())

@@ -1,4 +1,4 @@
-// Modal runs, the About and alert windows, the end of the program, and what stops it.
+// Modal runs, About and alert, messages of Qt, resources, and damaged descriptions.
 
 #include "ApplicationMain.h"
 #include "Bundle.h"
@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Keys come from the window system, as Space needs the focus.
+/// Sends keys through the window, because Space needs the focus.
 void dismiss(QWidget& small, const QString& way) {
     if (way == "button") return QTest::mouseClick(small.findChild<QPushButton*>(), Qt::LeftButton);
     if (way == "program") return (void)small.close();
@@ -27,7 +27,7 @@ void dismiss(QWidget& small, const QString& way) {
     QTest::keyClick(small.windowHandle(), QKeySequence(way)[0].key());
 }
 
-/// What is replaced in the index by what, and what the program stops with.
+/// Text in the index, its replacement, and the message of the fatal stop.
 const std::vector<std::array<const char*, 3>> kDamagedIndices{
     {"{", "", "window description \"Main\" is missing or damaged"},
     {"Settings Window", "Other", "window description \"Main\" has no controller \"Settings Window Controller\""},
@@ -36,7 +36,7 @@ const std::vector<std::array<const char*, 3>> kDamagedIndices{
         "window description: \"Settings Window Controller\" is a AboutViewController, not a window controller"},
     {"\"View", "\"Window", "window description: WindowController does not control a window's content"},
     {"settings-window", "no", "window description: unknown window no.ui"}};
-/// Window, which of its controls gets another value of which property, and what the program stops with.
+/// Window, control, property, its new value, and the message of the fatal stop.
 const std::vector<std::array<const char*, 5>> kDamagedWindows{
     {"settings-window.ui", "LabelFwVersion", "action", "QuitApp",
         "window description: LabelFwVersion is of a kind without an action"},
@@ -52,7 +52,7 @@ void openAll() {
     settings.view().TurnOnHdcp(nullptr); // shows the alert
 }
 
-/// Does all that assistive technology and keys can do to a part of a window.
+/// Tries every action of assistive technology and a key on a part of a window.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
 void meddle(QAccessibleInterface& part) {
     if (auto* value = part.valueInterface()) value->setCurrentValue(3);
@@ -63,7 +63,7 @@ void meddle(QAccessibleInterface& part) {
     for (int i = 0; i < part.childCount(); ++i) meddle(*part.child(i));
 }
 
-/// What its controls show, and whether a list is open.
+/// The values of its controls, and whether a list is open.
 QString stateOf(const QWidget& window) {
     QString values = QApplication::activePopupWidget() ? "open list " : "";
     for (const QWidget* control : window.findChildren<QWidget*>()) {
@@ -114,7 +114,7 @@ private slots:
                 QCOMPARE(shown + " by " + way, window + " by " + way);
                 QCOMPARE(version, "Version " TAVRO_VERSION);
                 QCOMPARE(owner, settings.window().windowHandle());
-                QVERIFY(!QApplication::activeModalWidget()); // nor is the program ended by it
+                QVERIFY(!QApplication::activeModalWidget()); // and the program continues
             }
         }
     }
@@ -139,7 +139,7 @@ private slots:
                     meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
                     for (QAction* action : settings.window().actions()) action->trigger();
                     settings.control<CustomPopUpButton>("PopupRecordQuality").showMenu();
-                    QTest::qWait(600); // a groove that is held repeats after half a second
+                    QTest::qWait(600); // a held groove repeats after half a second
                     report(small.isVisible() ? "open" : "closed");
                     small.close();
                 });
@@ -169,7 +169,7 @@ private slots:
                     QTest::simulateEvent(alert.findChild<QPushButton*>(), pressed, key, {}, {}, true);
                 QVERIFY2(alert.isVisible(), qPrintable(QKeySequence(key).toString()));
             }
-            QTest::keyClick(alert.findChild<QPushButton*>(), Qt::Key_Return); // pressed anew
+            QTest::keyClick(alert.findChild<QPushButton*>(), Qt::Key_Return); // a new press
         });
         settings.view().showAlertWindow(nullptr);
     }
@@ -191,7 +191,7 @@ private slots:
         });
         runModalForWindow(outer);
         QVERIFY(innerEnded);
-        QVERIFY(outer.isVisible()); // the run's end does not close its window
+        QVERIFY(outer.isVisible()); // the end of the run does not close its window
     }
 
     void theVersionMayBeMissing() {
@@ -220,8 +220,7 @@ private slots:
         constexpr auto kX11 = "The X11 connection broke (error 1). Did the X11 server die?";
         constexpr auto kWayland = "The Wayland connection broke. Did the Wayland compositor die?";
         const bool qtReconnects = QLibraryInfo::version() >= QVersionNumber(6, 5);
-        for (const auto& [message, status] :
-            {std::pair(kX11, 0), {kWayland, qtReconnects ? 99 : 0}}) {
+        for (const auto& [message, status] : {std::pair(kX11, 0), {kWayland, qtReconnects ? 99 : 0}}) {
             const ChildEnd end = runInChild([text = message] {
                 qputenv("QT_WAYLAND_RECONNECT", "1");
                 logQtMessage(QtWarningMsg, {}, text);
@@ -248,7 +247,7 @@ private slots:
         }
     }
 
-    void picturesAreReadWithoutPlugins() { // of which a desktop may have dozens
+    void picturesAreReadWithoutPlugins() {
         QVERIFY(mainBundle::imageNamed("no.png").isNull());
         const QString name = qApp->devicePixelRatio() > 1 ? "images/img_starBest@2x.png" : "images/img_starBest.png";
         const QByteArray whole = resource(name);
@@ -280,7 +279,7 @@ private slots:
             QVERIFY(!press.isAccepted()); // only the left button drags
             const QImage image = controller->window()->grab().toImage();
             QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
-            int red = 0; // the pictures' glow, beside what stands on them
+            int red = 0; // of the glow, outside the controls
             for (int i = 0; i < image.width() * 100; i += 7) {
                 const QPoint point(i % image.width(), i / image.width());
                 if (view.childAt(point / image.devicePixelRatio()) == nullptr)
@@ -291,7 +290,7 @@ private slots:
     }
 
     void damagedDescriptionsStop() {
-        const auto lastWords = [](const ChildEnd& end) { return end.aborted ? end.journal.back() : "it went on"; };
+        const auto lastWords = [](const ChildEnd& end) { return end.aborted ? end.journal.back() : "it continued"; };
         const QByteArray index = resource("Main/Main.json");
         for (const auto& [before, after, line] : kDamagedIndices) {
             ChangedBundle bundle;
@@ -304,7 +303,7 @@ private slots:
             QCOMPARE(lastWords(runInChild(openAll)), std::string("log Fatal: ") + line);
             describedWindows() = whole;
         }
-        ChangedBundle bundle; // without the small windows it goes on
+        ChangedBundle bundle; // without the small windows it continues
         bundle.write("Main/Main.json", QByteArray(index).replace("\"window\": \"a", "\"no\": \"a"));
         QCOMPARE(runInChild(openAll).status, 0);
     }
