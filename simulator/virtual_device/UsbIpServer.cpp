@@ -163,8 +163,8 @@ void UsbIpServer::readCommands() {
 }
 
 void UsbIpServer::execute(const QByteArray& line) {
-    QByteArray answer =
-        line.size() > kMaxCommand ? QByteArray("error: the line is too long") : executeCommand(line, m_device.device());
+    QByteArray answer = line.size() > kMaxCommand ? QByteArray("error: too long for a command")
+                                                  : executeCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())
