@@ -129,8 +129,9 @@ def walk(orca, desktop, program, steps, values):
     for key, expected in steps:
         if key:
             desktop.key(*key.split("+"))
-        lines = orca.said()
-        right = is_said(lines, expected, values)
+        lines, start = [], time.monotonic()
+        while not (right := is_said(lines, expected, values)) and time.monotonic() < start + 20:
+            lines += orca.said()
         faults += not right
         print("ok  " if right else "FAIL", key or "start", *lines, *([] if right else ["-- not: " + expected]),
               sep="\n     ", flush=True)
