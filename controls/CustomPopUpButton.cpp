@@ -80,7 +80,7 @@ protected:
     }
     void mouseReleaseEvent(QMouseEvent* event) override {
         QAction* item = actionAt(event->position().toPoint());
-        if (std::exchange(m_pressed, false) && item)
+        if (std::exchange(m_pressed, false) && item != nullptr)
             item->trigger();
         else
             QMenu::mouseReleaseEvent(event);
@@ -166,8 +166,8 @@ void CustomPopUpButton::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Space:
     case Qt::Key_F4: return showMenu();
-    case Qt::Key_Up: return event->modifiers() & Qt::AltModifier ? showMenu() : choose(selected - 1);
-    case Qt::Key_Down: return event->modifiers() & Qt::AltModifier ? showMenu() : choose(selected + 1);
+    case Qt::Key_Up: return event->modifiers().testFlag(Qt::AltModifier) ? showMenu() : choose(selected - 1);
+    case Qt::Key_Down: return event->modifiers().testFlag(Qt::AltModifier) ? showMenu() : choose(selected + 1);
     case Qt::Key_Home: return choose(0);
     case Qt::Key_End: return choose(last);
     default: break;

@@ -176,7 +176,7 @@ private:
 };
 
 bool isOfPopUp(const QMenu* menu) {
-    return menu && qobject_cast<CustomPopUpButton*>(menu->parent());
+    return menu != nullptr && qobject_cast<CustomPopUpButton*>(menu->parent()) != nullptr;
 }
 
 } // namespace

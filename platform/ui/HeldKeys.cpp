@@ -20,8 +20,8 @@ bool mayRepeat(const QObject& receiver, int key) {
     case Qt::Key_Down:
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
-        return qobject_cast<const QAbstractSlider*>(&receiver) || qobject_cast<const QLabel*>(&receiver)
-            || qobject_cast<const QMenu*>(&receiver);
+        return qobject_cast<const QAbstractSlider*>(&receiver) != nullptr
+            || qobject_cast<const QLabel*>(&receiver) != nullptr || qobject_cast<const QMenu*>(&receiver) != nullptr;
     default: return false;
     }
 }

@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -55,9 +56,9 @@ void expectContrast(double ratio, double least, const QString& of) {
 /// Whether all of a control's text is visible.
 bool isWhole(const QWidget& control) {
     if (const auto* popUp = qobject_cast<const CustomPopUpButton*>(&control)) {
-        for (const QAction* item : popUp->menu()->actions())
-            if (QFontMetrics(titleFont()).horizontalAdvance(item->text()) > 120) return false;
-        return true;
+        const QFontMetrics metrics(titleFont());
+        const auto fits = [&metrics](const QAction* item) { return metrics.horizontalAdvance(item->text()) <= 120; };
+        return std::ranges::all_of(popUp->menu()->actions(), fits);
     }
     QSize needed = control.sizeHint();
     if (const auto* label = qobject_cast<const QLabel*>(&control); label && label->wordWrap())
@@ -126,7 +127,7 @@ QString treeFaults(QAccessibleInterface& part, QAccessibleInterface& window) {
     while (auto* below = hit->childAt(center.x(), center.y())) hit = below;
     if (hit->state().invisible) faults += name(hit) + "is hidden but hit; ";
     const QWidget* menu = QApplication::activePopupWidget();
-    const bool isCovered = menu && menu->geometry().contains(center) && part.role() != QAccessible::MenuItem;
+    const bool isCovered = menu != nullptr && menu->geometry().contains(center) && part.role() != QAccessible::MenuItem;
     if (part.childCount() == 0 && !part.state().invisible && !isCovered && hit != &part)
         faults += name(&part) + "is not hit but " + name(hit) + "; ";
     const bool isOperated = part.state().focusable && part.role() != QAccessible::PopupMenu;

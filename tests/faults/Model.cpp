@@ -176,7 +176,7 @@ private:
     /// The result of the next request that reaches a device.
     [[nodiscard]] int nextCode() const {
         if (m_plan && m_requests + 1 == m_plan->n) return m_plan->trouble.code;
-        const bool isSecond = m_plan && m_plan->twice && m_requests == m_plan->n;
+        const bool isSecond = m_plan != nullptr && m_plan->twice && m_requests == m_plan->n;
         return isSecond || !m_isCamera ? -9 : 0;
     }
 

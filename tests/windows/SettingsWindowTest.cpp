@@ -248,8 +248,8 @@ private slots:
         for (const Held& row : {Held{"HdcpOffButton", Qt::Key_N, Qt::AltModifier, "n", 3},
                  {"SliderHeadphoneVolume", Qt::Key_F, Qt::AltModifier, "f", 3},
                  {"HdcpOnButton", Qt::Key_Space, {}, " ", 3}, {"PopupRecordQuality", Qt::Key_Down, {}, "", 4},
-                 {"SliderHeadphoneVolume", Qt::Key_Left, {}, "", 4 * 3},
-                 {"SliderMicrophoneVolume", Qt::Key_PageDown, {}, "", 4 * 3},
+                 {"SliderHeadphoneVolume", Qt::Key_Left, {}, "", 12},
+                 {"SliderMicrophoneVolume", Qt::Key_PageDown, {}, "", 12},
                  {"PopupRecordQuality", Qt::Key_Space, {}, " ", 0}}) { // opens the menu and chooses nothing
             auto& control = settings.control(row.control);
             control.setFocus();
