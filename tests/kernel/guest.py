@@ -42,6 +42,7 @@ class Guest(contextlib.ExitStack):
     def __enter__(self):
         SEAT.parent.mkdir(parents=True, exist_ok=True)
         SEAT.write_text(f"ACTIVE=c1\nACTIVE_UID={USER}\nIS_SEAT0=1\n", encoding="ascii")
+        run("udevadm", "settle")  # the device of the scenario before is gone for udev, too
         RULE.unlink(missing_ok=True)
         run("udevadm", "control", "--reload")
         run("modprobe", "uvcvideo")
