@@ -68,7 +68,7 @@ private:
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
 
-    QMenu* m_menu;
-    QActionGroup* m_items; ///< of the menu, of which one is checked
+    QMenu* m_menu = nullptr;
+    QActionGroup* m_items = nullptr; ///< of the menu, of which one is checked
     ArrowPosition m_arrowPosition = ArrowPosition::AtCenter;
 };

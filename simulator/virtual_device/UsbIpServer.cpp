@@ -64,7 +64,8 @@ QString UsbIpServer::attachToThisMachine() {
     ours->setSocketDescriptor(ends[0]);
     const OpenFile kernels(ends[1]); // the kernel keeps a reference of its own
     if (QString failure = handToKernel(ends[1]); !failure.isEmpty()) return failure;
-    addConnection(std::move(ours)).session.importNow(UsbIpSession::Clock::now());
+    Connection& connection = addConnection(std::move(ours));
+    connection.session.importNow(UsbIpSession::Clock::now());
     return {};
 }
 
