@@ -64,7 +64,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter context(this);
-        context.fillRect(rect(), lineColor()); // the border is what the rows leave of it
+        context.fillRect(rect(), lineColor()); // the rows cover all but the border
         for (QAction* item : actions()) {
             const QRect row = actionGeometry(item);
             context.fillRect(row, item == activeAction() ? kActiveRow : kMenuGround);
@@ -158,7 +158,7 @@ void CustomPopUpButton::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) showMenu();
 }
 
-/// The keys of a combo box: without opening the menu they choose the next item, the first or last one, or the
+/// As in a combo box, keys choose an item without opening the menu: the next one, the first or last one, or the
 /// next one with an initial.
 void CustomPopUpButton::keyPressEvent(QKeyEvent* event) {
     const int last = static_cast<int>(m_menu->actions().size()) - 1;
