@@ -1,7 +1,6 @@
 #pragma once
 
 #include "AppDelegate.h"
-#include "ChildProcess.h"
 #include "DescribedClasses.h"
 #include "TestHost.h"
 #include "ViewController.h"
@@ -43,6 +42,11 @@ inline void whenModal(std::function<void(QWidget&)> act) {
         else
             whenModal(act);
     });
+}
+
+inline void turnWheel(QWidget& over, QPoint angle) {
+    QWheelEvent turned({9, 9}, over.mapToGlobal(QPointF(9, 9)), {}, angle, {}, {}, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&over, &turned);
 }
 
 /// Changes a property of a control in all windows that are made from that .ui file afterwards.

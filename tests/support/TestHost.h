@@ -3,6 +3,8 @@
 #include "SimulatedBus.h"
 
 #include <ctime>
+#include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,7 +23,6 @@ struct TestHost {
     /// empties the name.
     std::pair<std::string, UsbResult> failing;
     std::vector<std::string> journal;
-    int journalCopy = -1; ///< file descriptor for a copy of every entry, each with a NUL after it
 
     [[nodiscard]] static TestHost& instance();
 
@@ -40,3 +41,11 @@ struct TestHost {
 /// A GET or SET of a block of unit 3 as the journal shows it, before the result of a failed one.
 [[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
 [[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
+
+/// Thrown by the program's `exit` and `fatalStop`, so that a test can have many ends of the program.
+struct ProgramEnd : std::runtime_error {
+    using runtime_error::runtime_error; ///< "exit STATUS" or "fatal REASON"
+};
+
+/// The end of the program in a part of it, empty if the part returns.
+[[nodiscard]] std::string endOf(const std::function<void()>& part);
