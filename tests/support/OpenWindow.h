@@ -44,8 +44,10 @@ inline void whenModal(std::function<void(QWidget&)> act) {
     });
 }
 
-inline void turnWheel(QWidget& over, QPoint angle) {
-    QWheelEvent turned({9, 9}, over.mapToGlobal(QPointF(9, 9)), {}, angle, {}, {}, Qt::NoScrollPhase, false);
+inline void turnWheel(
+    QWidget& over, QPoint angle, QPoint pixels = {}, Qt::KeyboardModifiers modifiers = {}, bool inverted = false) {
+    QWheelEvent turned(
+        {9, 9}, over.mapToGlobal(QPointF(9, 9)), pixels, angle, {}, modifiers, Qt::NoScrollPhase, inverted);
     QCoreApplication::sendEvent(&over, &turned);
 }
 

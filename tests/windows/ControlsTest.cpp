@@ -1,4 +1,4 @@
-// The drawn controls, checked by numbers: no picture of parts that the toolkit draws is compared.
+// The drawn controls and their titles, checked by numbers: no picture of parts that the toolkit draws is compared.
 
 #include "ApplicationMain.h"
 #include "CustomSliderCell.h"
@@ -72,9 +72,8 @@ const std::vector<Seen> kSeen{
     {"list's border", nullptr, State::Plain, kRed, {{0.5, 43.5}, {80.5, 0.5}}},
 };
 
-/// A turn of the wheel, or of the fingers on a touchpad.
+/// Turns of the wheel, or of the fingers on a touchpad.
 struct Turn {
-    const char* name;
     int change;  ///< of a slider with steps of 2 and pages of 16
     int actions; ///< how often it changes
     QList<QPoint> angles;
@@ -83,24 +82,23 @@ struct Turn {
     bool inverted = false; ///< the event, as for natural scrolling
 };
 
-const std::vector<Turn> kTurns{
-    {"notches", -18, 3, {3, {0, -120}}},
-    {"touchpad", 6, 6, {15, {0, 8}}, {0, 3}},
-    {"up and down", -2, 2, QList<QPoint>(2, {0, 8}) + QList<QPoint>(9, {0, -8})},
-    {"pixels only", 2, 2, {10, {}}, {0, 2}},
-    {"to the right", 6, 1, {{-120, 0}}},
-    {"askew", 6, 1, {{120, 120}}},
-    {"by pages", 16, 2, {2, {0, 60}}, {}, Qt::ControlModifier},
-    {"inverted", -6, 1, {{0, 120}}, {}, {}, true},
-};
+const std::vector<Turn> kTurns{{-18, 3, {3, {0, -120}}}, {6, 6, {15, {0, 8}}, {0, 3}},
+    {-2, 2, QList<QPoint>(2, {0, 8}) + QList<QPoint>(9, {0, -8})}, {2, 2, {10, {}}, {0, 2}}, // only pixels
+    {6, 1, {{-120, 0}}}, {6, 1, {{120, 120}}}, {16, 2, {2, {0, 60}}, {}, Qt::ControlModifier},
+    {-6, 1, {{0, 120}}, {}, {}, true}};
 
-/// A background that counts the moves of its window.
-class MovedView : public MyImageView {
-public:
-    MovedView() : MyImageView(nullptr) {}
-    void startMove() override { ++moves; }
-    int moves = 0;
-};
+/// A letter per code unit: w white, r red, - none; a capital one is underlined.
+QString colorsOf(const AttributedString& text) {
+    QString colors;
+    for (qsizetype i = 0; i < text.string.size(); ++i) {
+        const QColor color = text.colorAt(i);
+        colors += color == Qt::white ? u'w' : color == Qt::red ? u'r' : u'-';
+    }
+    for (const QTextLayout::FormatRange& range : text.colors)
+        if (range.format.fontUnderline())
+            colors.replace(range.start, range.length, colors.mid(range.start, range.length).toUpper());
+    return colors;
+}
 
 } // namespace
 
@@ -207,19 +205,17 @@ private slots:
                 slider.setValue(slider.value() + 5);
                 ++actions;
             });
-            for (const QPoint angle : turn.angles) {
-                QWheelEvent wheel(
-                    {50, 34}, {50, 34}, turn.pixels, angle, {}, turn.modifiers, Qt::NoScrollPhase, turn.inverted);
-                wheel.ignore();
-                QCoreApplication::sendEvent(&slider, &wheel);
-                QVERIFY(wheel.isAccepted());
-            }
-            QVERIFY2(slider.value() - 5 * actions - 100 == turn.change && actions == turn.actions, turn.name);
+            for (const QPoint angle : turn.angles) turnWheel(slider, angle, turn.pixels, turn.modifiers, turn.inverted);
+            QCOMPARE(std::pair(slider.value() - 5 * actions - 100, actions), std::pair(turn.change, turn.actions));
         }
     }
 
     void backgroundMovesItsWindowByADrag() {
-        MovedView background;
+        struct MovedView : MyImageView {
+            MovedView() : MyImageView(nullptr) {}
+            void startMove() override { ++moves; }
+            int moves = 0;
+        } background;
         background.resize(200, 80);
         QFrame card(&background);
         QLabel label(QStringLiteral("text"), &card);
@@ -267,6 +263,89 @@ private slots:
         QApplication::setLayoutDirection(Qt::LeftToRight);
         QVERIFY(stars[0] != stars[1]);
         QCOMPARE(stars[0].transformed(QTransform::fromScale(-1, 1)), stars[1]);
+    }
+
+    void attributedStrings() {
+        using Row = std::tuple<QString, QString, QString, const char*>;
+        for (const auto& [text, red, shown, colors] : {Row{"8m 8M 8M", "8M", "8m 8M 8M", "wwwrrwww"}, // the first one
+                 {"High", "Low", "High", "wwww"}, {"", "", "", ""}, {"ab", "", "ab", "ww"},
+                 {"\U0001F3A5ab", "Q", "\U0001F3A5ab", "www-"},                                 // a surrogate pair
+                 {"e\u0301a", "a", "e\u0301a", "wwr"},                                          // a combining accent
+                 {"\U0001F468\u200D\U0001F469x", "Q", "\U0001F468\u200D\U0001F469x", "ww----"}, // one family
+                 {"O&ff", "O", "Off", "rWw"}, {"O&ff", "&f", "Off", "wRw"}, {"O&ff", "ff", "Off", "wRr"},
+                 {"&On", "", "On", "Ww"}, {"On&", "", "On&", "www"}, {"O&&n", "", "O&n", "www"},
+                 {"&&&On", "", "&On", "wWw"}}) {
+            const AttributedString made = createAttributedString(text, Qt::white, red, Qt::red);
+            const AttributedString title = withMnemonic(made, true);
+            QCOMPARE(title.string, shown);
+            QCOMPARE(title.font.pixelSize(), 14);
+            QCOMPARE(colorsOf(title), colors);
+            QCOMPARE(colorsOf(withMnemonic(made, false)), QString(colors).toLower());
+        }
+    }
+
+    void radioButtonDrawsItsTitle() {
+        AttributedRadioButton button;
+        button.resize(100, 30);
+        QVERIFY(counted(rendered(button)).size() > 1);      // drawn without a title as well
+        const auto draw = [&button](const QString& title) { // pixels in the title's colour, and in another one
+            AttributedString large = createAttributedString(title, Qt::red, {}, {});
+            large.font.setPixelSize(18);
+            button.setAttributedTitle(large);
+            std::pair<int, int> pixels;
+            for (const auto [color, count] : counted(rendered(button, 1, {20, 0, 80, 30})).asKeyValueRange())
+                (qBlue(color) > 50 ? pixels.second : pixels.first) += qRed(color) > 50 ? count : 0;
+            return pixels;
+        };
+        const int plain = draw("Off").first;
+        QCOMPARE(draw("Off"), std::pair(plain, 0)); // the style did not draw the title
+        QVERIFY(draw("&Off").first > plain);        // by its underline
+        QCOMPARE(button.text(), "&Off");            // for the mnemonic
+        QCOMPARE(button.font().pixelSize(), 18);
+        for (const bool enabled : {true, false}) {
+            button.setEnabled(enabled);
+            button.setAttribute(Qt::WA_UnderMouse, enabled);
+            const auto [reds, others] = draw("Off");
+            QVERIFY(reds == 0 && others > 0); // white or grey
+        }
+    }
+
+    void popUpStylesItsTitles() {
+        CustomPopUpButton popUp(nullptr);
+        popUp.resize(160, 28);
+        popUp.addItemsWithTitles({QString(20, u'M'), "Two"});
+        const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
+        for (const int index : {1, -1, 9, 0}) {
+            popUp.selectItemAtIndex(index);
+            QCOMPARE(popUp.indexOfSelectedItem(), index == 9 ? -1 : index);
+        }
+        const QStringList more{QString(), "Three"};
+        using Step = std::pair<std::function<void()>, QColor>;
+        for (const auto& [step, color] :
+            {Step{[&] { popUp.didDecode(); }, Qt::black}, {[&] { popUp.addItemsWithTitles(more); }, light},
+                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
+                {[&] { popUp.addItemsWithTitles({}); }, light}, // adds nothing, styles all
+                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
+                {[&] { popUp.setItemStyles(7); }, light}}) {
+            step();
+            for (const int item : {0, int(popUp.menu()->actions().size()) - 1})
+                QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
+        }
+        for (const auto& [enabled, least, most] : {std::tuple(true, 170, 204), {false, 90, 115}}) {
+            popUp.setEnabled(enabled);
+            const QImage face = rendered(popUp, 1, {5, 5, 130, 18});
+            const QRect title = inked(face).translated(5, 5);
+            QVERIFY(title.left() >= 12 && title.left() < 15);
+            QVERIFY(title.right() > 112 && title.right() < 132); // elided before the divider
+            QVERIFY2(std::abs(title.center().y() - 13) <= 1, "by the font's rounding");
+            int brightest = 0;
+            for (const auto [color, count] : counted(face).asKeyValueRange())
+                brightest = std::max(brightest, qGray(color));
+            QVERIFY(brightest >= least && brightest <= most);
+        }
+        popUp.removeAllItems();
+        QTest::keyClick(&popUp, Qt::Key_Space);
+        QVERIFY(!popUp.menu()->isVisible());
     }
 };
 
