@@ -87,7 +87,7 @@ private:
     /// too, the alert is shown and the program ends.
     void callOrQuit(const DeviceCall& call);
     [[noreturn]] void alertAndQuit();
-    /// Writes what the slider shows, then shows what the device reports. `extraWrite` may be absent.
+    /// Writes the value of the slider, then shows the value that the device reports. `extraWrite` may be absent.
     void changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite, VolumeRead readBack);
     void switchHdcp(std::uint8_t state);
     void showVolumes();

@@ -7,13 +7,13 @@
 
 void AttributedRadioButton::setAttributedTitle(const AttributedString& title) {
     m_title = title;
-    setFont(title.font); // what is drawn is what the button makes room for
+    setFont(title.font); // the button makes room for its text in its font
     setText(title.string);
     update();
 }
 
-/// A mnemonic selects before it moves the focus, so that a screen reader says what is selected then. The
-/// toolkit selects a tenth of a second later.
+/// A mnemonic selects before it moves the focus, so that a screen reader says that the button is selected. The
+/// toolkit selects it a tenth of a second later.
 bool AttributedRadioButton::event(QEvent* event) {
     if (event->type() != QEvent::Shortcut) return QRadioButton::event(event);
     click();

@@ -34,7 +34,7 @@ QColor lineColor() {
     return deviceColor(0.75, 0.15, 0.15, 1.0);
 }
 
-/// The device pixels that a rectangle covers by half or more: what is filled there is sharp at every scale.
+/// The device pixels that a rectangle covers by half or more. Filling them is sharp at every scale.
 QRect devicePixels(const QPainter& context, const QRectF& box) {
     const QRectF covered = context.deviceTransform().mapRect(box);
     const QPoint corner(qRound(covered.left()), qRound(covered.top()));

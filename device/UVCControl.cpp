@@ -9,8 +9,8 @@
 
 namespace {
 
-/// The low byte of wIndex, the interface's number, is 0 also where VideoControl has another number: that is
-/// what the device expects.
+/// The low byte of wIndex, the interface's number, is always 0: the device expects that, even if its VideoControl
+/// interface has another number.
 UsbControlRequest controlRequest(
     std::uint8_t requestType, UVCRequest request, int length, int selector, int unit, std::uint8_t* data) {
     return {.bmRequestType = requestType,

@@ -136,7 +136,7 @@ bool UVCCameraControl::setAutoWhiteBalance(bool enabled) {
     return write(*this, enabled ? 1 : 0, uvc_controls.autoWhiteBalance);
 }
 
-// True whenever the device answers, whatever its setting.
+// True if the device answers, with any setting.
 bool UVCCameraControl::getAutoWhiteBalance() {
     return answers(*this, UVCRequest::GET_CUR, uvc_controls.autoWhiteBalance);
 }

@@ -149,7 +149,7 @@ std::unique_ptr<WindowController> WindowDescription::instantiateWindowController
     if (!windowController)
         fatalStop("window description: \"%s\" is a %s, not a window controller", qUtf8Printable(identifier),
             controller->metaObject()->className());
-    (void)controller.release(); // owned by what is returned
+    (void)controller.release(); // the returned window controller owns it
     return std::unique_ptr<WindowController>(windowController);
 }
 
