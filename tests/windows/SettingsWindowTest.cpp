@@ -9,8 +9,6 @@
 #include "WireText.h"
 
 #include <QAccessible>
-#include <QStyle>
-#include <QStyleFactory>
 
 namespace {
 
@@ -51,8 +49,8 @@ const std::vector<Action> kActions{{kMicrophone, "Right", "!", "microphone 177"}
     {kPopUp, "Space Up Esc", "oc", "H.264 1"}, {kPopUp, "hold+Space Esc", "oc", "H.264 1"},
     {kPopUp, "F4 Esc", "oc", "H.264 1"}, {kPopUp, "Space Up elsewhere", "oc", "H.264 1"},
     {kPopUp, "Space Up hide", "oc", "H.264 1"}, {kPopUp, "Space Up close", "oc", "H.264 1"},
-    {kPopUp, "Space black Esc", "oc", "H.264 1"}, {kPopUp, "look Space black Esc", "oc", "H.264 1"},
-    {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"}, {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
+    {kPopUp, "Space black Esc", "oc", "H.264 1"}, {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"},
+    {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
 
 void beBlackOnLight(const CustomPopUpButton& popUp) {
     QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));
@@ -61,20 +59,6 @@ void beBlackOnLight(const CustomPopUpButton& popUp) {
     const auto shades = counted(row);
     const auto isDark = [](QRgb color) { return qGray(color) < 100; };
     QVERIFY(qGray(row.pixel(0, 0)) > 200 && std::any_of(shades.keyBegin(), shades.keyEnd(), isDark));
-}
-
-/// All that a desktop may change.
-void changeLook(CustomPopUpButton& popUp) {
-    popUp.setFont(QFont("DejaVu Sans", 30));
-    popUp.setPalette(Qt::yellow);
-    QStyle* other = QStyleFactory::create("Windows");
-    other->setParent(&popUp);
-    popUp.setStyle(other);
-    for (const auto type : {QEvent::LanguageChange, QEvent::LocaleChange, QEvent::ScreenChangeInternal}) {
-        QEvent change(type);
-        QCoreApplication::sendEvent(&popUp, &change);
-        QCoreApplication::sendEvent(popUp.menu(), &change);
-    }
 }
 
 /// Presses keys together. A held one repeats as window systems report it.
@@ -117,7 +101,6 @@ void act(const SettingsWindow& settings, QWidget& control, const QString& word) 
     if (name == "hide") return menu.hide();
     if (name == "close") return (void)menu.windowHandle()->close(); // as the window system does
     if (name == "black") return beBlackOnLight(popUp);
-    if (name == "look") return changeLook(popUp);
     if (name == "leave") { // Alt+N presses the button for a tenth of a second; a hasty user has left it by then
         dynamic_cast<QRadioButton&>(control).animateClick();
         control.clearFocus();
