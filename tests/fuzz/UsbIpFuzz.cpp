@@ -4,8 +4,7 @@
 
 #include <QIODevice>
 
-#include <algorithm>
-#include <span>
+#include <string_view>
 
 namespace {
 
@@ -15,14 +14,13 @@ public:
     Client() { open(QIODevice::ReadWrite); }
     [[nodiscard]] bool isSequential() const override { return true; }
 
-    std::span<const std::uint8_t> given; ///< and not yet passed on
+    std::string_view given; ///< and not yet passed on
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override {
-        const std::span passed = given.first(std::min(static_cast<std::size_t>(maxSize), given.size()));
-        std::ranges::copy(passed, data);
-        given = given.subspan(passed.size());
-        return std::ssize(passed);
+        const std::size_t passed = given.copy(data, static_cast<std::size_t>(maxSize));
+        given.remove_prefix(passed);
+        return static_cast<qint64>(passed);
     }
     qint64 writeData(const char* /*data*/, qint64 size) override { return size; }
 };
@@ -37,9 +35,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     UsbIpSession session(client, device);
     UsbIpSession::Clock::time_point now{};
     if ((data[0] & 0x80) != 0) session.importNow(now);
+    const std::string_view messages(reinterpret_cast<const char*>(data), size);
     const std::size_t piece = 1U + (data[0] & 0x7FU);
     for (std::size_t start = 1; start < size && !session.ended(); start += piece) {
-        client.given = std::span(data + start, std::min(piece, size - start));
+        client.given = messages.substr(start, piece);
         session.receive(true, now);
         now += std::chrono::milliseconds(7);
         session.sendFrames(now);
