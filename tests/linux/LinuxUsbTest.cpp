@@ -150,6 +150,7 @@ TEST_P(BothTransports, OnlyAFailedRequestLeavesTheNodeOpenAndTheBufferUntouched)
         EXPECT_EQ(openNodes(), 0);
         EXPECT_EQ(interface->USBInterfaceClose(), UsbCode::NotFound);
     }
+    if (isDirect) fail({0xA1, 0x86, 0, 13, 0, 3, 1, 0}, RequestFault::ShortData); // not even one byte
     fail(kGet, RequestFault::Stall);
     kernel.unplug();
     expectNotOpened(UsbCode::NoDevice);
