@@ -57,8 +57,7 @@ protected:
 
     /// The number of open files with this in their path.
     static std::ptrdiff_t openFiles(const std::string& part) {
-        using std::filesystem::directory_iterator;
-        return std::count_if(directory_iterator("/proc/self/fd"), directory_iterator(), [&](const auto& file) {
+        return std::ranges::count_if(std::filesystem::directory_iterator("/proc/self/fd"), [&](const auto& file) {
             std::error_code closed;
             return read_symlink(file, closed).string().find(part) != std::string::npos;
         });
