@@ -19,8 +19,8 @@ def run(desktop):
     program = Program(desktop, PROGRAM, XDG_RUNTIME_DIR="", QT_QPA_PLATFORMTHEME="none-such",
                       DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
     desktop.focus(program.window())
-    desktop.key("Return")
-    assert program.process.wait(20) == 0
+    desktop.press("Return")
+    program.expect_end()
     return program
 
 
@@ -47,5 +47,3 @@ def from_journal(desktop):
 with X11() as x11:
     lines, logged = from_journal(x11) if os.path.exists(SERVICE) else from_own_service(x11)
 assert lines and lines == logged, f"printed {lines}\nlogged {logged}"
-assert all(OWN_LINES.match(line) for line in lines), lines
-print(f"{len(lines)} lines, the same in the log and on standard error:", *lines, sep="\n  ")

@@ -76,7 +76,7 @@ with X11() as x11:
         program = Program(x11, f"{FOLDER}/{name}")
         x11.focus(program.window(".*"))
         for key, expected in steps:
-            x11.keys(*key.split())
+            x11.press(*key.split())
             with contextlib.suppress(AssertionError):
                 wait_for("speech", lambda: is_said(said()[before:], expected), 20)
             time.sleep(0.7)  # for a word too many

@@ -133,7 +133,7 @@ class Tool(Program):
     settings = None  # the settings window, once it is open
 
     def press(self, *keys, delay=20):
-        self.desktop.keys(*keys, delay=delay)
+        self.desktop.press(*keys, delay=delay)
 
     def expect_logged(self, *texts):
         for text in texts:
@@ -146,10 +146,6 @@ class Tool(Program):
         self.press("Return")
         self.expect_end()
         self.expect_logged(*logged)
-
-    def expect_end(self):
-        faults = self.faults_after_end()
-        assert not faults, faults
 
     def quit(self):
         assert self.windows() == [self.settings], "an alert, or the program has ended"

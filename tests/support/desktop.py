@@ -46,8 +46,8 @@ class Program:
         self.desktop = desktop
         self.folder = pathlib.Path(tempfile.mkdtemp(dir=desktop.folder))
         with open(self.folder / "requests.txt", "w") as out, open(self.folder / "log.txt", "w") as err:
-            self.process = subprocess.Popen(command, env=desktop.env | environment, stdout=out, stderr=err,
-                                            start_new_session=True)
+            self.process = subprocess.Popen(command, env=desktop.env | environment, stdin=subprocess.DEVNULL,
+                                            stdout=out, stderr=err, start_new_session=True)
         self.pid = self.process.pid
 
     def requests(self):
@@ -62,19 +62,15 @@ class Program:
     def window(self, title="Tavro Setup Tool"):
         return wait_for(f"window {title!r} of {self.log()}", lambda: self.windows(title))[0]
 
-    def faults_after_end(self):
-        """Waits for the end, which has to be a clean one; returns what was wrong with it."""
-        try:
-            status = self.process.wait(60)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            return ["still runs"]
-        faults = [] if status == 0 else [f"status {status}"]
-        faults += [f"printed {line!r}" for line in self.log() if not OWN_LINES.match(line)]
+    def expect_end(self):
+        """Waits for the end, which has to be a clean one."""
+        status = self.process.wait(60)
+        assert status == 0, f"status {status}"
+        foreign = [line for line in self.log() if not OWN_LINES.match(line)]
+        assert not foreign, foreign
         with contextlib.suppress(ProcessLookupError):
             os.killpg(self.pid, 0)
-            faults.append("left a process behind")
-        return faults
+            raise AssertionError("it left a process behind")
 
 
 class Display:
@@ -89,7 +85,7 @@ class Display:
             self.env.pop(name, None)
         self.servers = []
         self.env["DISPLAY"] = ":" + self.serve("Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-nolisten",
-                                               "tcp", "-noreset").readline().strip()
+                                               "tcp", "-noreset", "-r").readline().strip()  # -r: keys don't repeat
 
     def serve(self, *command):
         """Runs a command as long as the desktop; returns what it prints."""
@@ -128,14 +124,10 @@ class Display:
     def focus(self, window):
         self.run("xdotool", "windowfocus", "--sync", window)
 
-    def key(self, *keys):
-        """Presses keys together."""
+    def press(self, *keys, delay=12):
+        """Presses keys or combinations such as "alt+n" one after the other, with the delay in ms between them."""
         # F1 by its code: the xdotool of newer systems presses Alt with it.
-        self.keys("+".join({"F1": "67"}.get(key, key) for key in keys))
-
-    def keys(self, *combinations, delay=12):
-        """Presses combinations such as "alt+n" one after the other, with the delay in ms between them."""
-        self.run("xdotool", "key", "--delay", str(delay), *combinations)
+        self.run("xdotool", "key", "--delay", str(delay), *("67" if key == "F1" else key for key in keys))
 
     def point(self, x, y):
         self.run("xdotool", "mousemove", str(x), str(y))
