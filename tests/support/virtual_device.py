@@ -30,21 +30,27 @@ class VirtualDevice:
         self.wire_log = f"/run/wire.{id(self)}"
         self.process = subprocess.Popen([program, "--wire-log", self.wire_log, *options], text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        answer = self.process.stdout.readline()
-        assert answer == "ready\n", answer
+        self._expect("ready")
 
-    def ask(self, command):
-        """The answer to a command."""
+    def _expect(self, expected):
+        answer = self.process.stdout.readline().strip()
+        assert answer == expected, answer
+
+    def tell(self, command, answer="ok"):
         print(command, file=self.process.stdin, flush=True)
-        return self.process.stdout.readline().strip()
+        self._expect(answer)
 
-    def tell(self, command):
-        answer = self.ask(command)
-        assert answer == "ok", f"{command}: {answer}"
+    def unplug(self):
+        self.tell("unplug")
+        self.wait_until_gone()
+
+    def plug(self):
+        self.tell("plug")
+        self.wait_for_nodes()
 
     def end(self):
-        self.process.kill()
-        self.process.wait()
+        with self.process:
+            self.process.kill()
         self.wait_until_gone()
 
     def folder(self):
@@ -53,13 +59,11 @@ class VirtualDevice:
         return next((file.parent for file in ids if read(file) == self.vendor), None)
 
     def usb_node(self):
-        if folder := self.folder():
-            node = [int(read(folder / number) or 0) for number in ("busnum", "devnum")]
-            return "/dev/bus/usb/{:03}/{:03}".format(*node)
-        return None
+        name = re.search("DEVNAME=(.+)", read(f"{self.folder()}/uevent"))
+        return name and "/dev/" + name[1]
 
     def capture_node(self):
-        indexes = (self.folder() or pathlib.Path("/none")).glob("*/video4linux/video*/index")
+        indexes = pathlib.Path(self.folder() or "/none").glob("*/video4linux/video*/index")
         return next((f"/dev/{file.parent.name}" for file in indexes if read(file) == "0"), None)
 
     def wait_until_gone(self):
