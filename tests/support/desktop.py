@@ -97,10 +97,7 @@ class Display:
         while self.servers:
             server = self.servers.pop()
             server.terminate()
-            try:
-                server.wait(20)
-            finally:
-                server.kill()
+            server.wait(20)
 
     def __enter__(self):
         return self
