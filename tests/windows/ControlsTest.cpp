@@ -234,6 +234,7 @@ private slots:
             QWidget elsewhere;
             QTimer::singleShot(0, qApp, stopModal);
             runModalForWindow(elsewhere); // during which the button is released
+            QVERIFY(elsewhere.isVisible());
             QTest::mouseRelease(elsewhere.windowHandle(), button);
             QTest::mousePress(elsewhere.windowHandle(), Qt::LeftButton);
             QTest::mouseMove(&label, {99, 99});

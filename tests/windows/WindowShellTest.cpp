@@ -5,6 +5,7 @@
 #include "Log.h"
 #include "ModalRun.h"
 #include "OpenWindow.h"
+#include "Pictures.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -108,18 +109,15 @@ private slots:
                 settings.window().activateWindow();
                 QVERIFY(QTest::qWaitForWindowActive(&settings.window()));
                 QString shown;
-                QString version;
                 QWindow* owner = nullptr;
                 whenModal([&](QWidget& small) { // without checks, whose failure would leave it open
                     shown = small.objectName();
-                    version = small.findChildren<QLabel*>(QRegularExpression("Version")).first()->text();
                     (void)QTest::qWaitForWindowActive(&small);
                     owner = small.windowHandle()->transientParent();
                     dismiss(small, way);
                 });
                 open();
                 QCOMPARE(shown + " by " + way, window + " by " + way);
-                QCOMPARE(version, "Version " TAVRO_VERSION);
                 QCOMPARE(owner, settings.window().windowHandle());
                 QVERIFY(!QApplication::activeModalWidget()); // and the program continues
             }
@@ -174,23 +172,6 @@ private slots:
         settings.view().showAlertWindow(nullptr);
     }
 
-    void stopModalEndsTheInnermostRun() {
-        stopModal(); // none
-        QWidget outer;
-        QWidget inner;
-        QStringList ended;
-        QTimer::singleShot(0, &outer, [&] {
-            QTimer::singleShot(0, &inner, stopModal);
-            runModalForWindow(inner);
-            ended << "inner";
-            QTimer::singleShot(0, &outer, stopModal);
-        });
-        runModalForWindow(outer);
-        ended << "outer";
-        QCOMPARE(ended, (QStringList{"inner", "outer"}));
-        QVERIFY(outer.isVisible() && inner.isVisible()); // the end of a run does not close its window
-    }
-
     void theVersionMayBeMissing() {
         ChangedBundle bundle;
         for (const QByteArray information : {"{}", R"({"CFBundleShortVersionString": 3})", "[]", ""}) {
@@ -199,7 +180,11 @@ private slots:
             QVERIFY(WindowDescription("Main").instantiateController("About Window Controller"));
         }
         bundle.write("Info.json", R"({"CFBundleShortVersionString": "3.0.1"})");
-        QCOMPARE(mainBundle::versionText(), "Version 3.0.1");
+        for (const QString name : {"About", "Alert"}) {
+            const auto controller = WindowDescription("Main").instantiateWindowController(name + " Window Controller");
+            QCOMPARE(
+                controller->window()->findChildren<QLabel*>(QRegularExpression("Version"))[0]->text(), "Version 3.0.1");
+        }
     }
 
     void qtsOwnMessages() {
@@ -245,13 +230,8 @@ private slots:
             auto& view = *controller->window()->findChild<BackgroundImageView*>();
             const QImage image = controller->window()->grab().toImage();
             QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
-            int red = 0; // of the glow, outside the controls
-            for (int i = 0; i < image.width() * 100; i += 7) {
-                const QPoint point(i % image.width(), i / image.width());
-                if (view.childAt(point / image.devicePixelRatio()) == nullptr)
-                    red = std::max(red, qRed(image.pixel(point)) - qBlue(image.pixel(point)));
-            }
-            QVERIFY2(red > 50, qPrintable(name));
+            const auto shades = counted(image.copy(0, 0, image.width(), 12)).size(); // above the controls
+            QVERIFY2(shades > 30, qPrintable(name));
         }
     }
 
