@@ -12,19 +12,6 @@
 #include <string_view>
 #include <utility>
 
-namespace {
-
-/// wValue, wIndex and wLength of the blocks' requests, from selector 10 on.
-constexpr std::array kBlocks{
-    " 00 0a 00 03 04 00 |", " 00 0b 00 03 0d 00 |", " 00 0c 00 03 1a 00 |", " 00 0d 00 03 07 00 |"};
-
-std::string requestText(const char* start, int selector, const std::vector<int>& bytes) {
-    const std::string data = hexText(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
-    return std::string(start) + kBlocks.at(static_cast<std::size_t>(selector) - 10) + (data.empty() ? "" : ' ' + data);
-}
-
-} // namespace
-
 std::time_t hostTime() {
     TestHost& host = TestHost::instance();
     return std::exchange(host.now, host.now + host.tick);
@@ -97,12 +84,4 @@ std::vector<std::string> TestHost::takeRequests() {
 
 SimulatedDevice& device() {
     return *SimulatedBus::instance().devices.front();
-}
-
-std::string get(int selector, const std::vector<int>& bytes) {
-    return requestText("a1 81", selector, bytes);
-}
-
-std::string set(int selector, const std::vector<int>& bytes) {
-    return requestText("21 01", selector, bytes);
 }

@@ -4,24 +4,23 @@
 
 #include <ctime>
 #include <functional>
+#include <map>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// The host of tests and fuzzers: its time advances only by sleeps, which do not wait, and all events are recorded in
 /// one journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
-///   "release"     the release of an interface
+///   "close"       an interface is closed
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct TestHost {
     std::time_t now = 1'700'000'000;
     std::time_t tick = 0; ///< seconds that pass after each reading of the time
-    /// The next USB step of this name has the result and no object: "devices", "device plug-in", "device object",
-    /// "location", "interfaces", "interface plug-in", "release", "interface object", "number" or "close". The step
-    /// empties the name.
-    std::pair<std::string, UsbResult> failing;
+    /// The next USB step of each name has the result and no object: "devices", "device plug-in", "device object",
+    /// "location", "interfaces", "interface plug-in", "release", "interface object", "number" or "close".
+    std::map<std::string, UsbResult> failing;
     std::vector<std::string> journal;
 
     [[nodiscard]] static TestHost& instance();
@@ -37,10 +36,6 @@ struct TestHost {
 
 /// The device on the simulated bus.
 [[nodiscard]] SimulatedDevice& device();
-
-/// A GET or SET of a block of unit 3 as the journal shows it, before the result of a failed one.
-[[nodiscard]] std::string get(int selector, const std::vector<int>& bytes);
-[[nodiscard]] std::string set(int selector, const std::vector<int>& bytes);
 
 /// Thrown by the program's `exit` and `fatalStop`, so that a test can have many ends of the program.
 struct ProgramEnd : std::runtime_error {

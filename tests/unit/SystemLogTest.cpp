@@ -1,5 +1,6 @@
 // Log messages on standard error.
 
+#include "FatalStop.h"
 #include "Log.h"
 
 #include <gtest/gtest.h>
@@ -23,4 +24,8 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was, before a redirection
     deliverLogMessage("twice");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\ntwo lines\n" + longest + "\ntwice\n");
+}
+
+TEST(Log, AFatalStopGivesItsReason) {
+    EXPECT_DEATH(fatalStop("%d does not fit", 256), "^Fatal: 256 does not fit\n$");
 }

@@ -136,7 +136,7 @@ private slots:
             device().settings[9] = static_cast<std::uint8_t>(hdcp);
             TestHost::take();
             settings.view().viewDidLoad();
-            QCOMPARE(TestHost::take().front(), "release"); // of the device, before it is opened again
+            QCOMPARE(TestHost::take().front(), "close"); // the device, before it is opened again
             QCOMPARE(
                 settings.control<QLabel>("QualityImage").pixmap().toImage(), mainBundle::imageNamed(stars).toImage());
             QCOMPARE(popUp.indexOfSelectedItem(), item);
