@@ -65,7 +65,6 @@ FakeKernel::~FakeKernel() {
 void FakeKernel::plug(const FakePlug& plug) {
     const int bus = std::stoi(plug.name);
     m_interface = "/sys/devices/" + plug.name + "/" + plug.name.substr(plug.name.rfind('/') + 1) + ":1.0";
-    m_videos.clear();
     add(QString("P: /devices/%1\nN: %2=%3\nH: descriptors=%3\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
                 "E: DEVNAME=/dev/%2\nE: MAJOR=189\nE: MINOR=%4\nA: dev=189:%4\nA: busnum=%5\nA: devnum=%4\n"
                 "A: idVendor=%6\nA: idProduct=%7\n")
@@ -82,19 +81,18 @@ void FakeKernel::plug(const FakePlug& plug) {
 
 void FakeKernel::bind(const FakePlug& plug) {
     std::filesystem::remove(std::getenv("UMOCKDEV_DIR") + m_interface + "/driver");
-    for (const std::string& video : std::exchange(m_videos, {})) umockdev_testbed_remove_device(testbed, video.c_str());
+    for (const auto& entry : std::filesystem::directory_iterator(m_interface))
+        if (entry.path().filename().string().starts_with("video"))
+            umockdev_testbed_remove_device(testbed, entry.path().c_str());
     if (!plug.driver.empty())
         umockdev_testbed_set_attribute_link(
             testbed, m_interface.c_str(), "driver", ("../../../../bus/usb/drivers/" + plug.driver).c_str());
-    for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) { // the second one has metadata
-        const int number = plug.captureNode + index;
-        m_videos.push_back(m_interface + "/video" + std::to_string(number));
-        add(QString("P: %1\nN: video%2=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%2\nE: MAJOR=81\n"
+    for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // the second one has metadata
+        add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%2\nE: MAJOR=81\n"
                     "E: MINOR=%2\nA: dev=81:%2\nA: index=%3\n")
-                .arg(m_videos.back().c_str() + 4)
-                .arg(number)
+                .arg(m_interface.c_str() + 4)
+                .arg(plug.captureNode + index)
                 .arg(index));
-    }
 }
 
 void FakeKernel::add(const QString& folder) {

@@ -37,13 +37,13 @@ public:
     /// Unbinds the driver of the device that was plugged in last and binds another one.
     void bind(const FakePlug& plug);
 
-    UMockdevTestbed* testbed = nullptr;
-    SimulatedDevice device;         ///< answers all requests
-    Bytes descriptors;              ///< that usbfs shows of the devices to plug in
-    int openError = 0;              ///< of opening any node, 0: success
-    mode_t nodeKind = S_IFCHR;      ///< file type that fstat reports of a node
-    dev_t numberShift = 0;          ///< fstat's number of a node minus that in sysfs
-    std::vector<std::string> calls; ///< "claim 0", "release 0", "query /dev/video9", and requests as `wireText`
+    UMockdevTestbed* testbed = nullptr; ///< for changes of single attributes
+    SimulatedDevice device;             ///< answers all requests
+    Bytes descriptors;                  ///< that sysfs and usbfs show of the devices to plug in
+    int openError = 0;                  ///< of opening any node, 0: success
+    mode_t nodeKind = S_IFCHR;          ///< file type that fstat reports of a node
+    dev_t numberShift = 0;              ///< fstat's number of a node minus that in sysfs
+    std::vector<std::string> calls;     ///< "claim 0", "release 0", "query /dev/video9", and requests as `wireText`
 
 private:
     /// As in the kernel, a negative result is an error number.
@@ -53,8 +53,7 @@ private:
     void add(const QString& folder); ///< to sysfs, as umockdev describes it
 
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
-    std::string m_interface;           ///< sysfs path, of that device
-    std::vector<std::string> m_videos; ///< sysfs paths of its driver's nodes
-    bool m_claimed = false;            ///< by the program
-    usbdevfs_urb* m_done = nullptr;    ///< the transfer that can be reaped
+    std::string m_interface;        ///< sysfs path, of the device that was plugged in last
+    bool m_claimed = false;         ///< by the program
+    usbdevfs_urb* m_done = nullptr; ///< the transfer that can be reaped
 };
