@@ -1,16 +1,7 @@
 // Readability: no text is cut in any language, mnemonics differ, contrast is sufficient as drawn, and the focus is
 // visible. Prints the contrasts.
 
-#include "ApplicationMain.h"
-#include "Bundle.h"
-#include "OpenWindow.h"
-#include "Pictures.h"
-
-#include <QAccessible>
-
-#include <QKeySequence>
-#include <QRegularExpression>
-#include <QTextDocumentFragment>
+#include "WindowTest.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,10 +1,8 @@
 // The program and the model of its rules on two equal devices, with every trouble after every request: both must send,
 // log and show the same.
 
-#include "ApplicationMain.h"
-#include "Bundle.h"
 #include "Model.h"
-#include "OpenWindow.h"
+#include "WindowTest.h"
 
 #include <random>
 

@@ -1,14 +1,10 @@
 // The drawn controls and their titles, checked by numbers: no picture of parts that the toolkit draws is compared.
 
-#include "ApplicationMain.h"
 #include "CustomSliderCell.h"
 #include "ImageViews.h"
 #include "ModalRun.h"
-#include "OpenWindow.h"
-#include "Pictures.h"
+#include "WindowTest.h"
 #include "WindowTexts.h"
-
-#include <QStyle>
 
 namespace {
 

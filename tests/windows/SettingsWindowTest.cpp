@@ -1,14 +1,9 @@
 // The settings window on the simulated device: start-up and every action of the user. The requests of each action,
 // and what happens when they fail, are in faults/.
 
-#include "ApplicationMain.h"
-#include "Bundle.h"
-#include "OpenWindow.h"
-#include "Pictures.h"
 #include "SliderGeometry.h"
+#include "WindowTest.h"
 #include "WireText.h"
-
-#include <QAccessible>
 
 namespace {
 

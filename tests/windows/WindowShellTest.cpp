@@ -1,20 +1,8 @@
 // Modal runs, About and alert, messages of Qt, resources, and damaged descriptions.
 
-#include "ApplicationMain.h"
-#include "Bundle.h"
 #include "Log.h"
 #include "ModalRun.h"
-#include "OpenWindow.h"
-#include "Pictures.h"
-
-#include <QAccessible>
-#include <QAction>
-#include <QClipboard>
-#include <QLibraryInfo>
-#include <QProcess>
-#include <QProxyStyle>
-#include <QTranslator>
-#include <QVersionNumber>
+#include "WindowTest.h"
 
 namespace {
 
