@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// The host of tests and fuzzers: its time advances only by sleeps, which do not wait, and all events are recorded in
+/// The host of tests: its time advances only by sleeps, which do not wait, and all events are recorded in
 /// one journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
