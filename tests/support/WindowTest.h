@@ -1,6 +1,6 @@
 #pragma once
 
-// For all tests of windows: the window, modal ones, changed resources, and pictures.
+// For all tests of windows: the settings window, modal ones, the wheel, and pictures.
 
 #include "AppDelegate.h"
 #include "ApplicationMain.h"
@@ -52,40 +52,6 @@ inline void turnWheel(
     QCoreApplication::sendEvent(&over, &turned);
 }
 
-/// Changes a property of a control in all windows that are made from that .ui file afterwards.
-inline void changeDescription(const QString& file, const QString& control, const char* property, const QString& value) {
-    MakeWindow& make = describedWindows()[file];
-    make = [=, whole = make] {
-        auto window = whole();
-        window->findChild<QObject*>(control)->setProperty(property, value);
-        return window;
-    };
-}
-
-/// The content of a built-in resource, empty if there is none.
-inline QByteArray resource(const QString& path) {
-    QFile file(QStringLiteral(":/") + path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Overrides the program's resources as long as it exists.
-class ChangedBundle {
-public:
-    ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {m_folder.path(), QStringLiteral(":/")}); }
-    ~ChangedBundle() { QDir::setSearchPaths(QStringLiteral("bundle"), {QStringLiteral(":/")}); }
-
-    [[nodiscard]] QString folder() const { return m_folder.path(); }
-    void write(const QString& path, const QByteArray& content) {
-        QVERIFY(QDir(m_folder.path()).mkpath(QFileInfo(path).path()));
-        QFile changed(m_folder.filePath(path));
-        QVERIFY(changed.open(QIODevice::WriteOnly));
-        changed.write(content);
-    }
-
-private:
-    QTemporaryDir m_folder;
-};
-
 /// A control, or a part of it, as its window shows it, scaled by `scale`.
 inline QImage rendered(const QWidget& control, double scale = 1, QRect part = {}) {
     if (part.isNull()) part = control.rect();
@@ -102,13 +68,4 @@ inline QHash<QRgb, int> counted(const QImage& image) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     return counts;
-}
-
-/// The part of a picture that is brighter than its dark background.
-inline QRect inked(const QImage& image) {
-    QRegion bright;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (qGray(image.pixel(x, y)) > 60) bright += QRect(x, y, 1, 1);
-    return bright.boundingRect();
 }

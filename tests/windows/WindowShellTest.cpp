@@ -14,6 +14,22 @@ void dismiss(QWidget& small, const QString& way) {
     QTest::keyClick(small.windowHandle(), QKeySequence(way)[0].key());
 }
 
+/// The content of a built-in resource, empty if there is none.
+QByteArray resource(const QString& path) {
+    QFile file(":/" + path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Replaces a resource of the program as long as it exists.
+struct ChangedResource : QTemporaryDir {
+    ChangedResource(const QString& name, const QByteArray& content) {
+        QFile file(filePath(name));
+        if (QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly)) file.write(content);
+        QDir::setSearchPaths("bundle", {path(), ":/"});
+    }
+    ~ChangedResource() { QDir::setSearchPaths("bundle", {":/"}); }
+};
+
 /// Text in the index, its replacement, and the program's end.
 const std::vector<std::array<const char*, 3>> kDamagedIndices{
     {"{", "", "fatal window description \"Main\" is missing or damaged"},
@@ -161,13 +177,12 @@ private slots:
     }
 
     void theVersionMayBeMissing() {
-        ChangedBundle bundle;
-        for (const QByteArray information : {"{}", R"({"CFBundleShortVersionString": 3})", "[]", ""}) {
-            bundle.write("Info.json", information);
+        for (const char* information : {"{}", R"({"CFBundleShortVersionString": 3})", "[]", ""}) {
+            const ChangedResource damaged("Info.json", information);
             QVERIFY(!mainBundle::versionText());
             QVERIFY(WindowDescription("Main").instantiateController("About Window Controller"));
         }
-        bundle.write("Info.json", R"({"CFBundleShortVersionString": "3.0.1"})");
+        const ChangedResource other("Info.json", R"({"CFBundleShortVersionString": "3.0.1"})");
         for (const QString name : {"About", "Alert"}) {
             const auto controller = WindowDescription("Main").instantiateWindowController(name + " Window Controller");
             QCOMPARE(
@@ -193,9 +208,8 @@ private slots:
         QVERIFY(mainBundle::imageNamed("no.png").isNull());
         const QString name = qApp->devicePixelRatio() > 1 ? "images/img_starBest@2x.png" : "images/img_starBest.png";
         const QByteArray whole = resource(name);
-        ChangedBundle bundle;
         for (const QByteArray& bytes : {whole.mid(1), whole.chopped(20), whole}) {
-            bundle.write(name, bytes);
+            const ChangedResource picture(name, bytes);
             QCOMPARE(mainBundle::imageNamed("img_starBest.png").isNull(), bytes != whole);
         }
         QFile libraries("/proc/self/maps");
@@ -224,32 +238,34 @@ private slots:
     }
 
     void damagedDescriptionsStop() {
-        const QByteArray index = resource("Main/Main.json");
         for (const auto& [before, after, end] : kDamagedIndices) {
-            ChangedBundle bundle;
-            bundle.write("Main/Main.json", QByteArray(index).replace(before, after));
+            const ChangedResource index("Main/Main.json", resource("Main/Main.json").replace(before, after));
             QCOMPARE(endAfterAll(), end);
         }
-        const auto whole = describedWindows();
-        for (const auto& [file, control, property, value, end] : kDamagedWindows) {
-            changeDescription(file, control, property, value);
-            QCOMPARE(endAfterAll(), end);
-            describedWindows() = whole;
+        for (const auto& row : kDamagedWindows) {
+            MakeWindow& make = describedWindows()[row[0]];
+            const MakeWindow whole = make;
+            make = [&] {
+                auto window = whole();
+                window->findChild<QObject*>(row[1])->setProperty(row[2], row[3]);
+                return window;
+            };
+            QCOMPARE(endAfterAll(), row[4]);
+            make = whole;
         }
     }
 
     // The last one: these texts remain installed.
     void qtsTranslationsComeWithOursOnly() {
-        ChangedBundle bundle;
         const QString lrelease = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lrelease";
         for (const auto& [language, direction] : {std::pair("ar", Qt::LeftToRight), {"de", Qt::RightToLeft}}) {
-            const QString table = QStringLiteral("qtbase_%1.ts").arg(language);
-            bundle.write(table,
+            const QString name = QStringLiteral("qtbase_%1.ts").arg(language);
+            const ChangedResource table(name,
                 "<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
                 "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
-            QCOMPARE(QProcess::execute(lrelease, {"-silent", bundle.folder() + '/' + table}), 0);
+            QCOMPARE(QProcess::execute(lrelease, {"-silent", table.filePath(name)}), 0);
             QLocale::setDefault(QLocale(language));
-            mainBundle::open(*qApp, bundle.folder());
+            mainBundle::open(*qApp, table.path());
             QCOMPARE(QGuiApplication::layoutDirection(), direction);
         }
     }
