@@ -7,7 +7,7 @@ import os
 import re
 import socket
 
-from desktop import OWN_LINES, X11, Program, arguments
+from desktop import X11, Program, arguments
 
 SERVICE = "/dev/log"
 [PROGRAM] = arguments(__doc__, 1)

@@ -26,8 +26,7 @@ def run(command, check=True):
 
 def prepare(display, folder):
     """The driver is loaded by name only. The user's programs run in a locale with a decimal comma."""
-    for each in "/run/modprobe.d", RULES, SEAT.parent:
-        pathlib.Path(each).mkdir(parents=True, exist_ok=True)
+    run(f"mkdir -p /run/modprobe.d {RULES} {SEAT.parent}")
     run("echo blacklist uvcvideo >/run/modprobe.d/scenarios.conf")
     run("modprobe vhci-hcd")
     run(f"install -d -o {USER} -g {USER} -m 700 {HOME}")
@@ -118,8 +117,8 @@ class Tool(Program):
     def press(self, *keys, delay=20):
         self.desktop.press(*keys, delay=delay)
 
-    def expect_logged(self, text, count=1):
-        assert "\n".join(self.log()).count(text) >= count, f"not logged: {text}"
+    def expect_logged(self, text, times=1):
+        assert sum(text in line for line in self.log()) >= times, f"not logged: {text}"
 
     def expect_alert(self, logged):
         """The alert shows, Return ends the program, and the text is logged."""

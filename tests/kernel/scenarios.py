@@ -78,29 +78,22 @@ class Scenarios(Guest):
         self.install_rule()
         device = self.plug_in()
         program = self.open_settings()
-        nodes = [device.capture_node()]
-
-        def replug():
-            device.unplug()
-            device.plug()
-
-        def replug_beside_a_recorder():
-            with open(nodes[-1], "rb"):
-                replug()
-
-        def authorize_again():
-            """The interface's folder is another then, the device's is not."""
-            for value in "01":
-                (device.folder() / "authorized").write_text(value)
-            device.wait_for_nodes()
-
-        for count, change in enumerate((replug, replug_beside_a_recorder, authorize_again), 1):
-            change()
-            nodes.append(device.capture_node())
-            self.turn_up_microphone("driver")
-            program.expect_logged("Control request failed: fffffffc", count)
-        self.assertTrue(nodes[0] == nodes[1] != nodes[2], nodes)
+        node = device.capture_node()
+        device.tell("unplug")
+        device.plug_in_again()
+        self.assertEqual(device.capture_node(), node)
+        self.turn_up_microphone("driver")
+        with open(node, "rb"):  # as a recorder does
+            device.tell("unplug")
+            device.plug_in_again()
+        self.assertNotEqual(device.capture_node(), node)
+        self.turn_up_microphone("driver")
+        for value in "01":  # the interface's folder is another then, the device's is not
+            (device.folder() / "authorized").write_text(value)
+        device.wait_for_nodes()
+        self.turn_up_microphone("driver")
         program.quit()
+        program.expect_logged("Control request failed: fffffffc", 3)
 
     def test_driver_removed_and_restored(self):
         self.install_rule()
@@ -136,8 +129,7 @@ class Scenarios(Guest):
             device.tell(command)
             program.press("alt+m", "Right")
             program.expect_alert("CameraControl Error: IOCreatePlugInInterfaceForService returned 0xfffffffc.")
-            device.wait_until_gone()
-            device.plug()
+            device.plug_in_again()
 
     def test_no_rights_on_the_capture_node(self):
         """The user of a remote session needs the group video."""

@@ -160,8 +160,7 @@ class X11Session(X11):
         super().__init__()
         self.env["HOME"] = self.folder
         address = self.folder + "/address"
-        with open(self.folder + "/.xsmstartup", "w") as startup:
-            startup.write(f"sh -c 'echo $SESSION_MANAGER >{address}'\n")
+        pathlib.Path(self.folder, ".xsmstartup").write_text(f"sh -c 'echo $SESSION_MANAGER >{address}'\n")
         self.serve("xsm")
         self.env["SESSION_MANAGER"] = wait_for("session", lambda: self.run("cat", address).strip())
 
@@ -173,9 +172,8 @@ class Wayland(Display):
         super().__init__()
         folder = self.folder + "/compositor"
         os.mkdir(folder, 0o700)
-        with open(folder + "/config", "w") as config:
-            config.write("output X11-1 resolution 1600x1200\nfor_window [title=.*] floating enable\n"
-                         "xwayland disable\nfocus_follows_mouse no\n")
+        pathlib.Path(folder, "config").write_text("output X11-1 resolution 1600x1200\nxwayland disable\n"
+                                                  "for_window [title=.*] floating enable\nfocus_follows_mouse no\n")
         as_user = []
         if os.geteuid() == 0:  # which it refuses
             as_user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]

@@ -40,11 +40,8 @@ class VirtualDevice:
         print(command, file=self.process.stdin, flush=True)
         self._expect(answer)
 
-    def unplug(self):
-        self.tell("unplug")
+    def plug_in_again(self):
         self.wait_until_gone()
-
-    def plug(self):
         self.tell("plug")
         self.wait_for_nodes()
 
