@@ -1,5 +1,6 @@
-"""The virtual device, attached to the kernel of a guest of scripts/vm-run, and its nodes there."""
+"""The virtual device, and its nodes if it is attached to the kernel of a guest of scripts/vm-run."""
 
+import os
 import pathlib
 import re
 import subprocess
@@ -23,22 +24,29 @@ def require_guest():
 
 
 class VirtualDevice:
-    """A running tavro-virtual-device. The udev rule of the same build has the identifiers."""
+    """A running tavro-virtual-device."""
 
-    def __init__(self, program, rule, *options):
-        self.vendor, self.product = re.findall(r'=="([0-9a-f]{4})"', read(rule))
-        self.wire_log = f"/run/wire.{id(self)}"
-        self.process = subprocess.Popen([program, "--wire-log", self.wire_log, *options], text=True,
+    def __init__(self, program, *options, **environment):
+        self.process = subprocess.Popen([program, *options], env=os.environ | environment, text=True,
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self._expect("ready")
 
     def _expect(self, expected):
-        answer = self.process.stdout.readline().strip()
-        assert answer == expected, answer
+        answer = self.process.stdout.readline()
+        assert answer == expected + "\n", answer
 
     def tell(self, command, answer="ok"):
         print(command, file=self.process.stdin, flush=True)
         self._expect(answer)
+
+
+class AttachedDevice(VirtualDevice):
+    """The udev rule of the same build has the identifiers."""
+
+    def __init__(self, program, rule, *options):
+        self.vendor, self.product = re.findall(r'=="([0-9a-f]{4})"', read(rule))
+        self.wire_log = f"/run/wire.{id(self)}"
+        super().__init__(program, "--wire-log", self.wire_log, *options)
 
     def plug_in_again(self):
         self.wait_until_gone()
