@@ -30,39 +30,15 @@ struct ChangedResource : QTemporaryDir {
     ~ChangedResource() { QDir::setSearchPaths("bundle", {":/"}); }
 };
 
-/// Text in the index, its replacement, and the program's end.
-const std::vector<std::array<const char*, 3>> kDamagedIndices{
-    {"{", "", "fatal window description \"Main\" is missing or damaged"},
-    {"Settings Window", "Other", "fatal window description \"Main\" has no controller \"Settings Window Controller\""},
-    {"\"WindowController", "\"No", "fatal window description: unknown controller class \"No\""},
-    {"\"WindowController", "\"AboutViewController",
-        "fatal window description: \"Settings Window Controller\" is a AboutViewController, not a window controller"},
-    {"\"View", "\"Window", "fatal window description: WindowController does not control a window's content"},
-    {"settings-window", "no", "fatal window description: unknown window no.ui"},
-    // Without the small windows it continues.
-    {"\"window\": \"a", "\"no\": \"a", "exit 0"}};
-/// Window, control, property, its new value, and the program's end.
+/// Window, control, property, its new value, and the end of the program, empty if it continues.
 const std::vector<std::array<const char*, 5>> kDamagedWindows{
-    {"settings-window.ui", "LabelFwVersion", "action", "QuitApp",
+    {"Settings", "LabelFwVersion", "action", "QuitApp",
         "fatal window description: LabelFwVersion is of a kind without an action"},
-    {"settings-window.ui", "SliderHeadphoneVolume", "action", "No",
+    {"Settings", "SliderHeadphoneVolume", "action", "No",
         "fatal window description: no handler No for SliderHeadphoneVolume"},
-    {"settings-window.ui", "HdcpOffButton", "objectName", "No", "fatal outlet HdcpOffButton is not connected"},
-    {"settings-window.ui", "ButtonHigh", "objectName", "No", "exit 0"}, // no code uses that outlet
-    {"about-window.ui", "LabelVersionString", "objectName", "No", "fatal outlet LabelVersionString is not connected"}};
-
-/// Opens all three windows and closes them. Returns the program's end.
-std::string endAfterAll() {
-    TestHost::reset();
-    return endOf([] {
-        const SettingsWindow settings;
-        for (const bool alert : {false, true}) {
-            QTimer::singleShot(0, &settings.window(), [] { QApplication::activeModalWidget()->close(); });
-            if (alert) device().unplug();
-            alert ? settings.view().TurnOnHdcp(nullptr) : AppDelegate().ShowAboutWindow(nullptr);
-        }
-    });
-}
+    {"Settings", "HdcpOffButton", "objectName", "No", "fatal outlet HdcpOffButton is not connected"},
+    {"Settings", "ButtonHigh", "objectName", "No", ""}, // no code uses that outlet
+    {"About", "LabelVersionString", "objectName", "No", "fatal outlet LabelVersionString is not connected"}};
 
 /// Tries every action of assistive technology and a key on a part of a window.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
@@ -238,21 +214,36 @@ private slots:
     }
 
     void damagedDescriptionsStop() {
-        for (const auto& [before, after, end] : kDamagedIndices) {
-            const ChangedResource index("Main/Main.json", resource("Main/Main.json").replace(before, after));
-            QCOMPARE(endAfterAll(), end);
-        }
-        for (const auto& row : kDamagedWindows) {
-            MakeWindow& make = describedWindows()[row[0]];
+        AppDelegate delegate;
+        const auto endWith = [&delegate](const QString& description, const QString& controller) {
+            return endOf(
+                [&] { (void)WindowDescription(description).instantiateWindowController(controller, &delegate); });
+        };
+        const std::string start = "fatal window description";
+        QCOMPARE(endWith("None", ""), start + " \"None\" is missing or damaged");
+        const ChangedResource damaged("Damaged/Damaged.json", R"({"controllers": {
+            "class": {"class": "No"}, "kind": {"class": "AboutViewController"},
+            "window": {"class": "WindowController", "window": "no.ui", "content": "ViewController"},
+            "content": {"class": "WindowController", "window": "about-window.ui", "content": "WindowController"}}})");
+        for (const auto& [controller, end] : {std::pair("none", " \"Damaged\" has no controller \"none\""),
+                 {"class", ": unknown controller class \"No\""}, {"window", ": unknown window no.ui"},
+                 {"kind", ": \"kind\" is a AboutViewController, not a window controller"},
+                 {"content", ": WindowController does not control a window's content"}})
+            QCOMPARE(endWith("Damaged", controller), start + end);
+        for (const auto& [window, control, property, value, end] : kDamagedWindows) {
+            MakeWindow& make = describedWindows()[QString(window).toLower() + "-window.ui"];
             const MakeWindow whole = make;
-            make = [&] {
-                auto window = whole();
-                window->findChild<QObject*>(row[1])->setProperty(row[2], row[3]);
-                return window;
+            make = [&, name = control, key = property, text = value] {
+                auto made = whole();
+                made->findChild<QObject*>(name)->setProperty(key, text);
+                return made;
             };
-            QCOMPARE(endAfterAll(), row[4]);
+            QCOMPARE(endWith("Main", QString(window) + " Window Controller"), end);
             make = whole;
         }
+        const ChangedResource index(
+            "Main/Main.json", resource("Main/Main.json").replace("\"window\": \"a", "\"no\": \"a"));
+        AppDelegate().ShowAboutWindow(nullptr); // which has no window
     }
 
     // The last one: these texts remain installed.
