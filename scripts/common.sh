@@ -24,7 +24,7 @@ takes() {
 mapfile -t build_packages < <(sed -n '/<!nocheck>/d; s/^ \{15\}\([^ ,]*\).*/\1/p' "$project/debian/control")
 mapfile -t test_packages < <(sed -n 's/^ \{15\}\([^ ,]*\) <!nocheck>.*/\1/p' "$project/debian/control")
 build_packages+=(g++)
-test_packages+=(shellcheck strace)
+test_packages+=(shellcheck)
 # A virtual display, simulated input, pictures of windows.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # Two window systems, a screen reader, fonts for all languages.
