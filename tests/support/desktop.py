@@ -126,9 +126,6 @@ class Display:
         # F1 by its code: the xdotool of newer systems presses Alt with it.
         self.run("xdotool", "key", "--delay", str(delay), *("67" if key == "F1" else key for key in keys))
 
-    def point(self, x, y):
-        self.run("xdotool", "mousemove", str(x), str(y))
-
     def drag(self, *points):
         """Presses the mouse button at the first point and releases it at the last one."""
         first, *others = [f"mousemove {x} {y} sleep 0.3" for x, y in points]
