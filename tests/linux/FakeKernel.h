@@ -1,17 +1,26 @@
 #pragma once
 
+#include <umockdev.h> // before Qt, which defines some of its names as keywords
+
 #include "CaptureDescriptors.h"
 #include "SimulatedDevice.h"
+#include "WireText.h"
 
-#include <umockdev.h>
+#include <QString>
+#include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <span>
 #include <string>
+#include <utility>
 
+#include <fcntl.h>
 #include <linux/usbdevice_fs.h>
 #include <linux/uvcvideo.h>
 #include <sys/stat.h>
-
-class QString;
 
 /// A device on the fake kernel's bus, as sysfs shows it. Its only interface is for VideoControl and has number 0.
 struct FakePlug {
@@ -27,33 +36,160 @@ struct FakePlug {
 /// that would disturb the driver or other programs are failures of the test. Only one can exist.
 class FakeKernel {
 public:
-    FakeKernel();
-    ~FakeKernel();
+    FakeKernel() {
+        running = this;
+        device.onRequest = [this](const RecordedRequest& request) { calls.push_back(wireText(request)); };
+        const CaptureIdentity identity{device.vendorID, device.productID, 0};
+        descriptors = deviceDescriptor(identity);
+        append(descriptors, configurationDescriptor(identity));
+        g_signal_connect(m_handler, "handle-ioctl", G_CALLBACK(handle), this);
+        unplug();
+    }
+    ~FakeKernel() {
+        g_object_unref(m_handler);
+        g_object_unref(testbed);
+    }
     FakeKernel& operator=(FakeKernel&&) = delete;
 
-    void plug(const FakePlug& plug);
-    /// Unplugs all devices.
-    void unplug();
-    /// Unbinds the driver of the device that was plugged in last and binds another one.
-    void bind(const FakePlug& plug);
+    void plug(const FakePlug& plug) {
+        const int bus = std::stoi(plug.name);
+        m_interface = "/sys/devices/" + plug.name + "/" + plug.name.substr(plug.name.rfind('/') + 1) + ":1.0";
+        add(QString("P: /devices/%1\nN: %2=%3\nH: descriptors=%3\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
+                    "E: DEVNAME=/dev/%2\nE: MAJOR=189\nE: MINOR=%4\nA: dev=189:%4\nA: busnum=%5\nA: devnum=%4\n"
+                    "A: idVendor=%6\nA: idProduct=%7\n")
+                .arg(plug.name.c_str(), QString::asprintf("bus/usb/%03d/%03u", bus, plug.address),
+                    QByteArrayView(descriptors).toByteArray().toHex().toUpper())
+                .arg(plug.address)
+                .arg(bus)
+                .arg(plug.vendor, 0, 16)
+                .arg(device.productID, 0, 16));
+        add(QString(
+            "P: %1\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\nA: bInterfaceClass=0e\nA: bInterfaceSubClass=01\n")
+                .arg(m_interface.c_str() + 4));
+        bind(plug);
+    }
 
-    UMockdevTestbed* testbed = nullptr; ///< for changes of single attributes
-    SimulatedDevice device;             ///< answers all requests
-    Bytes descriptors;                  ///< that sysfs and usbfs show of the devices to plug in
-    int openError = 0;                  ///< of opening any node, 0: success
-    mode_t nodeKind = S_IFCHR;          ///< file type that fstat reports of a node
-    dev_t numberShift = 0;              ///< fstat's number of a node minus that in sysfs
-    std::vector<std::string> calls;     ///< "claim 0", "release 0", "query /dev/video9", and requests as `wireText`
+    /// Unplugs all devices.
+    void unplug() {
+        g_clear_object(&testbed);
+        testbed = umockdev_testbed_new();
+        for (const char* node : {"/dev/bus/usb/001/002", "/dev/video8", "/dev/video9"}) // no other one may be used
+            umockdev_testbed_attach_ioctl(testbed, node, m_handler, nullptr);
+    }
+
+    /// Unbinds the driver of the device that was plugged in last and binds another one.
+    void bind(const FakePlug& plug) {
+        std::filesystem::remove(std::getenv("UMOCKDEV_DIR") + m_interface + "/driver");
+        for (const auto& entry : std::filesystem::directory_iterator(m_interface))
+            if (entry.path().filename().string().starts_with("video"))
+                umockdev_testbed_remove_device(testbed, entry.path().c_str());
+        if (!plug.driver.empty())
+            umockdev_testbed_set_attribute_link(
+                testbed, m_interface.c_str(), "driver", ("../../../../bus/usb/drivers/" + plug.driver).c_str());
+        for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // the second one has metadata
+            add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%2\nE: MAJOR=81\n"
+                        "E: MINOR=%2\nA: dev=81:%2\nA: index=%3\n")
+                    .arg(m_interface.c_str() + 4)
+                    .arg(plug.captureNode + index)
+                    .arg(index));
+    }
+
+    static inline FakeKernel* running = nullptr; ///< the only one
+    UMockdevTestbed* testbed = nullptr;          ///< for changes of single attributes
+    SimulatedDevice device;                      ///< answers all requests
+    Bytes descriptors;                           ///< that sysfs and usbfs show of the devices to plug in
+    int openError = 0;                           ///< of opening any node, 0: success
+    mode_t nodeKind = S_IFCHR;                   ///< file type that fstat reports of a node
+    dev_t numberShift = 0;                       ///< fstat's number of a node minus that in sysfs
+    std::vector<std::string> calls; ///< "claim 0", "release 0", "query /dev/video9", and requests as `wireText`
 
 private:
+    /// Adds a folder to sysfs, as umockdev describes it.
+    void add(const QString& folder) { umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr); }
+
+    /// Runs in the testbed's thread while this process waits in ioctl, so that the argument's pointers are valid.
+    static gboolean handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
+        void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
+        const long result =
+            self->call(umockdev_ioctl_client_get_devnode(client), umockdev_ioctl_client_get_request(client), argument);
+        umockdev_ioctl_client_complete(client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
+        return TRUE;
+    }
+
     /// As in the kernel, a negative result is an error number.
-    [[nodiscard]] long call(const std::string& node, unsigned long request, void* argument);
-    [[nodiscard]] long submit(usbdevfs_urb& urb);
-    [[nodiscard]] long query(const std::string& node, const uvc_xu_control_query& query);
-    void add(const QString& folder); ///< to sysfs, as umockdev describes it
+    long call(const std::string& node, unsigned long request, void* argument) {
+        switch (request) {
+        case USBDEVFS_GET_CAPABILITIES:
+        case USBDEVFS_CONNECTINFO:
+        case USBDEVFS_GET_SPEED: return 0; // nothing depends on it
+        case USBDEVFS_CONTROL:             // libusb asks for the active configuration only
+            *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) = kConfigurationValue;
+            return 1;
+        case USBDEVFS_CLAIMINTERFACE:
+            calls.push_back("claim " + std::to_string(*static_cast<unsigned*>(argument)));
+            return std::filesystem::is_symlink(m_interface + "/driver") || std::exchange(m_claimed, true) ? -EBUSY : 0;
+        case USBDEVFS_RELEASEINTERFACE:
+            calls.push_back("release " + std::to_string(*static_cast<unsigned*>(argument)));
+            return std::exchange(m_claimed, false) ? 0 : -EINVAL;
+        case USBDEVFS_SUBMITURB: return submit(*static_cast<usbdevfs_urb*>(argument));
+        case USBDEVFS_REAPURBNDELAY:
+            *static_cast<usbdevfs_urb**>(argument) = m_done;
+            return std::exchange(m_done, nullptr) ? 0 : -EAGAIN;
+        case USBDEVFS_DISCARDURB:
+            m_done = static_cast<usbdevfs_urb*>(argument);
+            m_done->status = -ENOENT;
+            return 0;
+        case UVCIOC_CTRL_QUERY: return query(node, *static_cast<uvc_xu_control_query*>(argument));
+        default: // detaching a driver, resetting the device, and all others
+            ADD_FAILURE() << "ioctl " << request;
+            return -ENOTTY;
+        }
+    }
+
+    long submit(usbdevfs_urb& urb) {
+        EXPECT_TRUE(m_claimed);
+        auto* const bytes = static_cast<std::uint8_t*>(urb.buffer);
+        UsbControlRequest request = Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
+        const UsbResult result = device.control(request);
+        urb.status = result == UsbCode::Stall ? -EPIPE : 0;
+        urb.actual_length = static_cast<int>(request.wLenDone);
+        if (result != UsbCode::TimeOut) m_done = &urb;
+        return 0;
+    }
+
+    long query(const std::string& node, const uvc_xu_control_query& query) {
+        calls.push_back("query " + node);
+        if (query.unit != 3) return -ENOENT; // extension units only
+        const Uvc::SetupPacket packet{
+            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)), query.query, 0,
+            query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size), 0};
+        UsbControlRequest request = Uvc::requestOf(packet, query.data);
+        const UsbResult result = device.control(request);
+        if (result == UsbCode::Success) return 0;
+        return result == UsbCode::InputOutput ? request.wLenDone : -EPIPE; // a short answer; any other refusal
+    }
 
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
     std::string m_interface;        ///< sysfs path, of the device that was plugged in last
     bool m_claimed = false;         ///< by the program
     usbdevfs_urb* m_done = nullptr; ///< the transfer that can be reaped
 };
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
+extern "C" int __real_open(const char* path, int flags, ...);
+extern "C" int __wrap_open(const char* path, int flags, mode_t /*mode*/) {
+    const bool isNode = (flags & O_PATH) == 0;
+    // Opening must not block, leave the file to child processes, or set a controlling terminal.
+    if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
+        ADD_FAILURE() << "opens " << path << " with flags " << flags;
+    errno = isNode ? FakeKernel::running->openError : 0;
+    return errno == 0 ? __real_open(path, flags) : -1;
+}
+extern "C" int __wrap_fstat(int file, struct stat* status) {
+    const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
+    const int result = ::stat(path.c_str() + path.rfind("/dev/"), status); // which umockdev emulates
+    status->st_mode = FakeKernel::running->nodeKind;
+    status->st_rdev += FakeKernel::running->numberShift;
+    return result;
+}
+// NOLINTEND(bugprone-reserved-identifier)

@@ -4,11 +4,8 @@
 #include "UvcBaseClass.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
 
 using testing::IsEmpty;
 
