@@ -3,6 +3,7 @@
 #include "Clock.h"
 #include "FatalStop.h"
 #include "Log.h"
+#include "UsbChain.h"
 #include "WireText.h"
 
 #include <array>
@@ -13,13 +14,12 @@
 #include <utility>
 
 std::time_t hostTime() {
-    TestHost& host = TestHost::instance();
-    return std::exchange(host.now, host.now + host.tick);
+    return std::exchange(TestHost::now, TestHost::now + TestHost::tick);
 }
 
 void sleepForTimeInterval(double seconds) {
     TestHost::note("sleep " + std::to_string(seconds).substr(0, 3));
-    TestHost::instance().now += static_cast<std::time_t>(seconds);
+    TestHost::now += static_cast<std::time_t>(seconds);
 }
 
 void deliverLogMessage(std::string_view message) {
@@ -55,25 +55,15 @@ std::string endOf(const std::function<void()>& part) {
     return {};
 }
 
-TestHost& TestHost::instance() {
-    static TestHost host;
-    return host;
-}
-
-void TestHost::note(const std::string& entry) {
-    instance().journal.push_back(entry);
-}
-
 void TestHost::reset() {
-    instance() = TestHost();
+    now = 1'700'000'000;
+    tick = 0;
+    failing.clear();
+    journal.clear();
     ::setenv("TZ", "UTC", 1);
     SimulatedBus::instance() = SimulatedBus();
     device().onRequest = [](const RecordedRequest& request) { note(wireText(request)); };
-    device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // 1,700,000,000 in UTC
-}
-
-std::vector<std::string> TestHost::take() {
-    return std::exchange(instance().journal, {});
+    device().setClock(std::array<std::uint8_t, 6>{23, 11, 14, 22, 13, 20}); // `now` in UTC
 }
 
 std::vector<std::string> TestHost::takeRequests() {
@@ -82,6 +72,82 @@ std::vector<std::string> TestHost::takeRequests() {
     return taken;
 }
 
-SimulatedDevice& device() {
-    return *SimulatedBus::instance().devices.front();
+// The simulated bus with steps that fail.
+
+namespace {
+
+UsbResult resultOf(const std::string& step, UsbResult simulated = UsbCode::Success) {
+    const auto failure = TestHost::failing.extract(step);
+    return failure ? failure.mapped() : simulated;
+}
+
+template <class Object>
+UsbYield<Object> yieldOf(const std::string& step, std::unique_ptr<Object> object) {
+    if (const auto failure = TestHost::failing.extract(step)) return {failure.mapped(), nullptr};
+    return {UsbCode::Success, std::move(object)};
+}
+
+/// Service and plug-in: creates a `Wrapper` of the simulated object.
+template <class Object, class Wrapper>
+struct TestService : UsbService<Object>, UsbPlugIn<Object> {
+    explicit TestService(std::shared_ptr<UsbService<Object>> behind) : simulated(std::move(behind)) {}
+    UsbYield<UsbPlugIn<Object>> createPlugIn() override {
+        return yieldOf<UsbPlugIn<Object>>(Wrapper::kName + " plug-in", std::make_unique<TestService>(simulated));
+    }
+    UsbResult release() override { return resultOf("release"); }
+    UsbYield<Object> QueryInterface() override {
+        auto object = std::make_unique<Wrapper>(simulated->createPlugIn().object->QueryInterface().object);
+        return yieldOf<Object>(Wrapper::kName + " object", std::move(object));
+    }
+    std::shared_ptr<UsbService<Object>> simulated;
+};
+
+template <class Wrapper, class Object>
+UsbYield<UsbIterator<Object>> listOf(UsbIterator<Object>& simulated) {
+    auto list = std::make_unique<ChainIterator<Object>>();
+    while (auto each = simulated.next()) list->add(std::make_unique<TestService<Object, Wrapper>>(std::move(each)));
+    return yieldOf<UsbIterator<Object>>(Wrapper::kName + "s", std::move(list));
+}
+
+struct TestInterface : UsbInterface {
+    inline static const std::string kName = "interface";
+    explicit TestInterface(std::unique_ptr<UsbInterface> behind) : simulated(std::move(behind)) {}
+    UsbResult GetInterfaceNumber(std::uint8_t& number) override {
+        return resultOf("number", simulated->GetInterfaceNumber(number));
+    }
+    UsbResult ControlRequest(UsbControlRequest& request) override { return simulated->ControlRequest(request); }
+    UsbResult USBInterfaceClose() override {
+        TestHost::note("close");
+        return resultOf("close");
+    }
+    std::unique_ptr<UsbInterface> simulated;
+};
+
+struct TestDevice : UsbDevice {
+    inline static const std::string kName = "device";
+    explicit TestDevice(std::unique_ptr<UsbDevice> behind) : simulated(std::move(behind)) {}
+    UsbResult GetLocationID(std::uint32_t& location) override {
+        return resultOf("location", simulated->GetLocationID(location));
+    }
+    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t type, std::uint8_t subType) override {
+        return listOf<TestInterface>(*simulated->CreateInterfaceIterator(type, subType).object);
+    }
+    std::unique_ptr<UsbDevice> simulated;
+};
+
+struct TestBus : UsbBus {
+    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
+        auto [result, service] = SimulatedBus::instance().firstService(vendor, product);
+        return {result, service ? std::make_unique<TestService<UsbDevice, TestDevice>>(std::move(service)) : nullptr};
+    }
+    UsbYield<UsbIterator<UsbDevice>> allServices() override {
+        return listOf<TestDevice>(*SimulatedBus::instance().allServices().object);
+    }
+};
+
+} // namespace
+
+UsbBus& usbBus() {
+    static TestBus bus;
+    return bus;
 }

@@ -7,6 +7,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// The host of tests: its time advances only by sleeps, which do not wait, and all events are recorded in
@@ -16,26 +17,25 @@
 ///   "close"       an interface is closed
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct TestHost {
-    std::time_t now = 1'700'000'000;
-    std::time_t tick = 0; ///< seconds that pass after each reading of the time
+    static inline std::time_t now;
+    static inline std::time_t tick; ///< seconds that pass after each reading of the time
     /// The next USB step of each name has the result and no object: "devices", "device plug-in", "device object",
     /// "location", "interfaces", "interface plug-in", "release", "interface object", "number" or "close".
-    std::map<std::string, UsbResult> failing;
-    std::vector<std::string> journal;
-
-    [[nodiscard]] static TestHost& instance();
+    static inline std::map<std::string, UsbResult> failing;
+    static inline std::vector<std::string> journal;
 
     /// Resets all: UTC, an empty journal, and one device on the simulated bus whose clock is right.
     static void reset();
-    /// Appends an entry to the journal.
-    static void note(const std::string& entry);
+    static void note(const std::string& entry) { journal.push_back(entry); }
     /// Returns the journal, or only its requests, and empties it.
-    static std::vector<std::string> take();
+    static std::vector<std::string> take() { return std::exchange(journal, {}); }
     static std::vector<std::string> takeRequests();
 };
 
 /// The device on the simulated bus.
-[[nodiscard]] SimulatedDevice& device();
+[[nodiscard]] inline SimulatedDevice& device() {
+    return *SimulatedBus::instance().devices.front();
+}
 
 /// Thrown by the program's `exit` and `fatalStop`, so that a test can have many ends of the program.
 struct ProgramEnd : std::runtime_error {

@@ -43,7 +43,7 @@ TEST_F(Device, IsFoundAmongOthers) {
     for (std::uint8_t i = 0; i < 4; ++i) devices[i]->status[0] = i;
     EXPECT_TRUE(controller.initWithVendorID((std::int64_t{1} << 32) + kVendor, kProduct));
     EXPECT_EQ(controller.getExtension(), 1);
-    TestHost::instance().failing = {{"device object", UsbCode::Success}}; // of the first, where the search does not end
+    TestHost::failing = {{"device object", UsbCode::Success}}; // of the first, where the search does not end
     controller.initWithLocationID(0x02130000);
     EXPECT_EQ(controller.getExtension(), 2);
     EXPECT_THAT(TestHost::take(), ElementsAre("close", "close", kError + "QueryInterface returned 0.\n"));
@@ -66,7 +66,7 @@ TEST_F(Device, EachStepFailsWithItsLine) {
         controller.initWithLocationID(device().locationID);
         EXPECT_EQ(controller.getExtension(), 0x51);
         TestHost::take();
-        TestHost::instance().failing = {{step, result}};
+        TestHost::failing = {{step, result}};
         controller.initWithLocationID(device().locationID);
         EXPECT_EQ(controller.getExtension(), 0);
         const std::vector<std::string> journal = TestHost::take();
@@ -77,13 +77,13 @@ TEST_F(Device, EachStepFailsWithItsLine) {
 
 TEST_F(Device, InterfaceNumberNeverReachesTheWire) {
     device().videoControlInterface = 2;
-    TestHost::instance().failing = {{"close", UsbCode::NotFound}};
+    TestHost::failing = {{"close", UsbCode::NotFound}};
     EXPECT_EQ(controller.getExtension(), 0); // the device listens on 2, the request says 0
     const auto service = usbBus().firstService(kVendor, kProduct).object;
     const auto object = service->createPlugIn().object->QueryInterface().object;
     const auto interface = controller.getControlInferaceWithDeviceInterface(*object);
     EXPECT_EQ(controller.getInterfaceNumberFromInterface(*interface), 0);
-    TestHost::instance().failing = {{"number", UsbCode::NoDevice}};
+    TestHost::failing = {{"number", UsbCode::NoDevice}};
     EXPECT_EQ(controller.getInterfaceNumberFromInterface(*interface), 0);
     EXPECT_THAT(TestHost::take(),
         ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9", "close", kError + "Control request failed: fffffffb",
@@ -214,13 +214,13 @@ TEST_F(Device, ClockIsSetWhenMoreThanTwoSecondsApart) {
     for (const auto& [zone, host, deviceClock, last] : rows) {
         SCOPED_TRACE(testing::PrintToString(deviceClock));
         ::setenv("TZ", zone, 1);
-        TestHost::instance().now = host;
+        TestHost::now = host;
         device().setClock(deviceClock);
         EXPECT_TRUE(controller.SyncRtc());
         EXPECT_EQ(TestHost::take().back(), std::string("log ") + last + '\n');
     }
     // The host's time is read three times: for the device's answer, to compare, and for the clock that is written.
-    TestHost::instance().tick = 1;
+    TestHost::tick = 1;
     EXPECT_TRUE(controller.SyncRtc());
     EXPECT_THAT(TestHost::takeRequests()[1], testing::HasSubstr(" | 02 5a 18 07 03 0b 2e 2b "));
 }
