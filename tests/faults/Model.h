@@ -109,9 +109,7 @@ private:
     }
 
     /// The host's time, within a minute, as the device has it.
-    static Numbers hostClock() {
-        return {23, 11, 14, 22, 13, static_cast<int>(TestHost::now - 1'700'000'000) + 20};
-    }
+    static Numbers hostClock() { return {23, 11, 14, 22, 13, static_cast<int>(TestHost::now - 1'700'000'000) + 20}; }
 
     /// The value in a block as it is reported: a bit rate as its levels of H.264 and MJPEG, 4 bits each.
     static Numbers valueIn(const Block& block, Field field) {

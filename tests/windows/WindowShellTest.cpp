@@ -131,21 +131,12 @@ private slots:
         }
     }
 
-    void theAlertCanBeReadAndCopied() {
+    void aKeyHeldBeforeDoesNotDismissTheAlert() {
         const SettingsWindow settings;
         whenModal([](QWidget& alert) {
-            const QList<QLabel*> texts = alert.findChildren<QLabel*>(QRegularExpression("^Label(?!Step)"));
-            QCOMPARE(texts.size(), 7);
-            for (QLabel* text : texts) {
-                QApplication::clipboard()->setText("nothing copied");
-                QTest::keyClick(text, Qt::Key_A, Qt::ControlModifier);
-                QTest::keyClick(text, Qt::Key_C, Qt::ControlModifier);
-                QVERIFY2(text->text().contains(QApplication::clipboard()->text()), qUtf8Printable(text->text()));
-            }
             auto* button = alert.findChild<QPushButton*>();
             for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space, Qt::Key_Escape})
-                for (const bool pressed : {true, false}) // as a key that was held down before repeats
-                    QTest::simulateEvent(button, pressed, key, {}, {}, true);
+                for (const bool pressed : {true, false}) QTest::simulateEvent(button, pressed, key, {}, {}, true);
             QVERIFY(alert.isVisible());
             QTest::keyClick(button, Qt::Key_Return); // a new press
         });
