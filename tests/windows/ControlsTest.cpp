@@ -315,18 +315,14 @@ private slots:
         popUp.addItemsWithTitles({QString(20, u'M'), "Two"});
         const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
         popUp.selectItemAtIndex(0);
-        const QStringList more{QString(), "Three"};
-        using Step = std::pair<std::function<void()>, QColor>;
-        for (const auto& [step, color] :
-            {Step{[&] { popUp.didDecode(); }, Qt::black}, {[&] { popUp.addItemsWithTitles(more); }, light},
-                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
-                {[&] { popUp.addItemsWithTitles({}); }, light}, // adds nothing, styles all
-                {[&] { popUp.setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }, Qt::black},
-                {[&] { popUp.setItemStyles(7); }, light}}) {
-            step();
-            for (const int item : {0, int(popUp.menu()->actions().size()) - 1})
-                QCOMPARE(popUp.attributedTitle(item).colorAt(0), color);
-        }
+        const auto titleColor = [&popUp] { return popUp.attributedTitle(1).colorAt(0); };
+        popUp.didDecode();
+        QCOMPARE(titleColor(), Qt::black);
+        popUp.addItemsWithTitles({}); // adds nothing, styles all
+        QCOMPARE(titleColor(), light);
+        popUp.didDecode();
+        popUp.setItemStyles(7);
+        QCOMPARE(titleColor(), light);
         for (const auto& [enabled, least, most] : {std::tuple(true, 170, 204), {false, 90, 115}}) {
             popUp.setEnabled(enabled);
             const QImage face = rendered(popUp, 1, {5, 5, 130, 18});

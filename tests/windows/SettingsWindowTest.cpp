@@ -118,36 +118,25 @@ private slots:
     }
     void init() { TestHost::reset(); }
 
-    void startUpShowsTheDevice() {
+    // The fault cells compare what is seen; here is the rest.
+    void startUpCanBeRepeated() {
         const SettingsWindow settings;
         auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
         settings.view().setRepresentedObject(5);
-        const std::array<std::uint8_t, 12> firmware{1, 2, 3, 4, 100, 0, 9, 99, 10, 0, 255, 7};
-        std::ranges::copy(firmware, device().versions.begin() + 14);
-        for (const auto& [levels, hdcp, stars, item] :
-            {std::tuple(0x02, 1, "img_starBest.png", 0), {0x12, 0, "img_starGood.png", 1},
-                {0x20, 2, "img_starGen.png", 2}, {0x31, 255, "img_starBest.png", -1}}) {
-            device().settings[8] = static_cast<std::uint8_t>(levels);
-            device().settings[9] = static_cast<std::uint8_t>(hdcp);
-            TestHost::take();
-            settings.view().viewDidLoad();
-            QCOMPARE(TestHost::take().front(), "close"); // the device, before it is opened again
-            QCOMPARE(
-                settings.control<QLabel>("QualityImage").pixmap().toImage(), mainBundle::imageNamed(stars).toImage());
-            QCOMPARE(popUp.indexOfSelectedItem(), item);
-            QCOMPARE(popUp.menu()->actions().size(), 3);
-            QCOMPARE(settings.control("QualityImage").accessibleDescription(),
-                QStringList({"High", "Middle", "Low"})[std::max(item, 0)]);
-            QCOMPARE(settings.control<QRadioButton>(kOff).isChecked(), hdcp != 1);
-            auto& label = settings.control<QLabel>("LabelFwVersion");
-            QCOMPARE(label.text(), "Firmware v10.0.255.7 (01020304.100000999)");
-            QCOMPARE(QAccessible::queryAccessibleInterface(&label)->text(QAccessible::Name), label.text());
-        }
+        TestHost::take();
+        settings.view().viewDidLoad();
+        QCOMPARE(TestHost::take().front(), "close"); // the device, before it is opened again
         QCOMPARE(settings.view().representedObject(), 5);
+        QCOMPARE(popUp.menu()->actions().size(), 3);
         QVERIFY(popUp.arrowPosition() == CustomPopUpButton::ArrowPosition::None);
+        auto& label = settings.control<QLabel>("LabelFwVersion");
+        QCOMPARE(QAccessible::queryAccessibleInterface(&label)->text(QAccessible::Name), label.text());
         for (const char* name : {kOn, kOff})
             QCOMPARE(settings.control<AttributedRadioButton>(name).attributedTitle().colorAt(0), kLight);
         QCOMPARE(settings.control<QRadioButton>(kOff).text(), "O&ff"); // with its mnemonic
+        device().settings[8] = 0x31;                                   // a level without a title
+        settings.view().viewDidLoad();
+        QCOMPARE(settings.control("QualityImage").accessibleDescription(), "High");
     }
 
     void everyActionOfTheUser() {
