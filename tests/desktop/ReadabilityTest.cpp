@@ -40,11 +40,6 @@ double contrastWithin(const QImage& image) {
 
 /// Whether all of a control's text is visible.
 bool isWhole(const QWidget& control) {
-    if (const auto* popUp = qobject_cast<const CustomPopUpButton*>(&control)) {
-        const QFontMetrics metrics(titleFont());
-        const auto fits = [&metrics](const QAction* item) { return metrics.horizontalAdvance(item->text()) <= 120; };
-        return std::ranges::all_of(popUp->menu()->actions(), fits);
-    }
     QSize needed = control.sizeHint();
     if (const auto* label = qobject_cast<const QLabel*>(&control); label && label->wordWrap())
         needed = {label->minimumSizeHint().width(), label->heightForWidth(label->width())}; // width of the longest word
@@ -74,23 +69,6 @@ std::unique_ptr<WindowController> open(const QString& name, const QString& langu
     return controller;
 }
 
-/// Checks that no text is cut, and that mnemonics differ.
-void checkWords(const QWidget& window) {
-    QVERIFY2(window.width() <= 1280 && window.height() <= 800, "it is larger than a small screen");
-    QMap<QString, QString> mnemonics;
-    for (const QWidget* control : visibleControls(window)) {
-        const QString text = control->property("text").toString();
-        const QByteArray name = control->objectName().toUtf8() + ' ' + text.toUtf8();
-        QVERIFY2(isWhole(*control), name + " is cut");
-        const auto* label = qobject_cast<const QLabel*>(control);
-        if (text.isEmpty() || (label ? !label->buddy() : !control->isEnabled())) continue;
-        const QString key = QKeySequence::mnemonic(text).toString();
-        QVERIFY2(!key.isEmpty() && !mnemonics.contains(key),
-            name + "'s mnemonic is none or that of " + mnemonics[key].toUtf8());
-        mnemonics[key] = text;
-    }
-}
-
 /// Checks a part of a window's accessible tree and all below it. Parents and children must know each other; a hit test
 /// must find visible parts, and no hidden ones.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
@@ -112,19 +90,31 @@ void checkTree(QAccessibleInterface& part, QAccessibleInterface& window) {
     }
 }
 
-/// That assistive technology finds its way through a window, with its menu open too, and hears what is shown.
-void checkAccessibleTree(const QWidget& window) {
-    auto& root = *QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&window));
-    checkTree(root, root);
+/// Checks that no text is cut, that mnemonics differ, and that assistive technology hears what is shown and finds its
+/// way, with the menu open too.
+void checkWindow(const QWidget& window) {
+    QVERIFY2(window.width() <= 1280 && window.height() <= 800, "it is larger than a small screen");
+    QMap<QString, QString> mnemonics;
     for (QWidget* control : visibleControls(window)) {
         QString text = control->property("text").toString();
+        const QByteArray name = control->objectName().toUtf8() + ' ' + text.toUtf8();
+        QVERIFY2(isWhole(*control), name + " is cut");
+        const QString key = QKeySequence::mnemonic(text).toString();
+        const auto* label = qobject_cast<const QLabel*>(control);
+        if (!text.isEmpty() && (label ? label->buddy() != nullptr : control->isEnabled()))
+            QVERIFY2(!key.isEmpty() && !mnemonics.contains(key), name + " has no mnemonic or that of another control");
+        if (!key.isEmpty()) mnemonics[key] = text;
         if (Qt::mightBeRichText(text)) text = QTextDocumentFragment::fromHtml(text).toPlainText();
         text.remove(QRegularExpression("\\(&.\\)|&")); // the mnemonic's mark
-        const QString name = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
-        QVERIFY2(name.contains(text, Qt::CaseInsensitive), qUtf8Printable(text + " is called " + name));
+        const QString heard = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
+        QVERIFY2(heard.contains(text, Qt::CaseInsensitive), name + " is called " + heard.toUtf8());
     }
+    auto& root = *QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&window));
+    checkTree(root, root);
     auto* popUp = window.findChild<CustomPopUpButton*>();
     if (!popUp) return;
+    for (const QAction* item : popUp->menu()->actions())
+        QVERIFY2(QFontMetrics(titleFont()).horizontalAdvance(item->text()) <= 120, qUtf8Printable(item->text()));
     auto& face = *QAccessible::queryAccessibleInterface(popUp);
     for (const bool opens : {true, false}) {
         face.actionInterface()->doAction(face.actionInterface()->actionNames()[opens ? 0 : 1]);
@@ -152,8 +142,7 @@ private slots:
                 QApplication::setFont(font);
                 for (const QString& window : kWindows) {
                     const auto controller = open(window, language);
-                    checkWords(*controller->window());
-                    checkAccessibleTree(*controller->window());
+                    checkWindow(*controller->window());
                     if (QTest::currentTestFailed())
                         QFAIL(qPrintable(QStringLiteral("%1 in %2 at %3 points").arg(window, language).arg(points)));
                 }

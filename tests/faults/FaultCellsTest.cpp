@@ -58,9 +58,8 @@ void useProgram() {
     TestHost::note(shown(settings));
     for (const Action& action : kActions) {
         QWidget& control = settings.control(action.control);
-        control.blockSignals(true);
+        const QSignalBlocker blocked(control);
         control.setProperty(action.property, action.chosen);
-        control.blockSignals(false);
         (settings.view().*action.handler)(nullptr);
         TestHost::note(shown(settings));
     }

@@ -1,6 +1,5 @@
 """Drivers, rules and the seat of the guest, the virtual device, and programs of an ordinary user."""
 
-import contextlib
 import pathlib
 import re
 import subprocess
@@ -52,7 +51,6 @@ class Guest(unittest.TestCase):
     that it starts end with it, and print their logs: the runner shows those of a failed scenario."""
 
     display = None
-    maxDiff = None
 
     def setUp(self):
         self.as_user = ["setpriv", f"--reuid={USER}", f"--regid={USER}", "--clear-groups"]
@@ -100,18 +98,15 @@ class Guest(unittest.TestCase):
         """Requests before this are not checked."""
         self.checked = len(self.device.wire())
 
-    def sent(self):
-        return [line for line in self.device.wire()[self.checked:] if OWN.match(line)]
-
     def expect(self, count, transport=None):
         """Waits for so many requests, and checks that there are no others. The transport can be told at the first use
         of a block since the driver was bound."""
-        with contextlib.suppress(AssertionError):
-            wait_for("requests", lambda: len(self.sent()) >= count, 120)
+        def sent(kind):
+            return [line for line in self.device.wire()[self.checked:] if kind.match(line)]
+        wait_for(f"{count} requests", lambda: len(sent(OWN)) >= count, 120)
         time.sleep(0.3)  # for a request too many
-        self.assertEqual(len(self.sent()), count, self.sent())
-        by_driver = any(FIRST_USE.match(line) for line in self.device.wire()[self.checked:])
-        self.assertIn(transport, (None, "driver" if by_driver else "direct"))
+        self.assertEqual(len(sent(OWN)), count, sent(OWN))
+        self.assertIn(transport, (None, "driver" if sent(FIRST_USE) else "direct"))
         self.mark()
 
     def turn_up_microphone(self, transport):

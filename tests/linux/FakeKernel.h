@@ -32,7 +32,7 @@ struct FakePlug {
 };
 
 /// Emulates sysfs, usbfs and the UVC driver by umockdev, under the real libudev and libusb: run the program by
-/// umockdev-wrapper, and link it with --wrap=open,--wrap=fstat. Answers as a real kernel does and records calls. Those
+/// umockdev-wrapper. Answers as a real kernel does and records calls. Those
 /// that would disturb the driver or other programs are failures of the test. Only one can exist.
 class FakeKernel {
 public:
@@ -174,22 +174,3 @@ private:
     bool m_claimed = false;         ///< by the program
     usbdevfs_urb* m_done = nullptr; ///< the transfer that can be reaped
 };
-
-// NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
-extern "C" int __real_open(const char* path, int flags, ...);
-extern "C" int __wrap_open(const char* path, int flags, mode_t /*mode*/) {
-    const bool isNode = (flags & O_PATH) == 0;
-    // Opening must not block, leave the file to child processes, or set a controlling terminal.
-    if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
-        ADD_FAILURE() << "opens " << path << " with flags " << flags;
-    errno = isNode ? FakeKernel::running->openError : 0;
-    return errno == 0 ? __real_open(path, flags) : -1;
-}
-extern "C" int __wrap_fstat(int file, struct stat* status) {
-    const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
-    const int result = ::stat(path.c_str() + path.rfind("/dev/"), status); // which umockdev emulates
-    status->st_mode = FakeKernel::running->nodeKind;
-    status->st_rdev += FakeKernel::running->numberShift;
-    return result;
-}
-// NOLINTEND(bugprone-reserved-identifier)

@@ -9,6 +9,25 @@
 
 using testing::IsEmpty;
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
+extern "C" int __real_open(const char* path, int flags, ...);
+extern "C" int __wrap_open(const char* path, int flags, mode_t /*mode*/) {
+    const bool isNode = (flags & O_PATH) == 0;
+    // Opening must not block, leave the file to child processes, or set a controlling terminal.
+    if ((flags & O_CLOEXEC) == 0 || (isNode && flags != (O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)))
+        ADD_FAILURE() << "opens " << path << " with flags " << flags;
+    errno = isNode ? FakeKernel::running->openError : 0;
+    return errno == 0 ? __real_open(path, flags) : -1;
+}
+extern "C" int __wrap_fstat(int file, struct stat* status) {
+    const std::string path = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file));
+    const int result = ::stat(path.c_str() + path.rfind("/dev/"), status); // which umockdev emulates
+    status->st_mode = FakeKernel::running->nodeKind;
+    status->st_rdev += FakeKernel::running->numberShift;
+    return result;
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
 namespace {
 
 constexpr Uvc::SetupPacket kGet{0xA1, 0x81, 0, 13, 0, 3, 7, 0};

@@ -89,16 +89,14 @@ private slots:
                 settings.window().activateWindow();
                 QVERIFY(QTest::qWaitForWindowActive(&settings.window()));
                 QString shown;
-                QWindow* owner = nullptr;
                 whenModal([&](QWidget& small) { // without checks, whose failure would leave it open
-                    shown = small.objectName();
                     (void)QTest::qWaitForWindowActive(&small);
-                    owner = small.windowHandle()->transientParent();
+                    const bool isOwned = small.windowHandle()->transientParent() == settings.window().windowHandle();
+                    shown = isOwned ? small.objectName() : "without owner";
                     dismiss(small, way);
                 });
                 open();
                 QCOMPARE(shown + " by " + way, window + " by " + way);
-                QCOMPARE(owner, settings.window().windowHandle());
                 QVERIFY(!QApplication::activeModalWidget()); // and the program continues
             }
         }
