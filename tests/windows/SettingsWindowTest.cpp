@@ -43,7 +43,7 @@ const std::vector<Action> kActions{{kMicrophone, "Right", "!", "microphone 177"}
     {kPopUp, "Space choose0", "oc!", "H.264 0"}, {kPopUp, "choose1", "!", "H.264 1"},
     {kPopUp, "Space Up Esc", "oc", "H.264 1"}, {kPopUp, "hold+Space Esc", "oc", "H.264 1"},
     {kPopUp, "F4 Esc", "oc", "H.264 1"}, {kPopUp, "Space Up elsewhere", "oc", "H.264 1"},
-    {kPopUp, "Space Up hide", "oc", "H.264 1"}, {kPopUp, "Space Up close", "oc", "H.264 1"},
+    {kPopUp, "End late late", "!!!", "H.264 0"}, {kPopUp, "Space Up close", "oc", "H.264 1"},
     {kPopUp, "Space black Esc", "oc", "H.264 1"}, {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"},
     {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
 
@@ -72,6 +72,21 @@ void pressKeys(QKeyCombination keys, bool held) {
     send(false, false);
 }
 
+/// Presses a key that repeats late, as on X11: the toolkit recognises no repeat in the second press, which has the time
+/// of the release.
+void pressLate(int key) {
+    static quint64 time = 0;
+    time += 30; // soon after the one before
+    for (const auto& [type, at] : {std::pair(QEvent::KeyPress, time - 1), {QEvent::KeyRelease, time},
+             {QEvent::ShortcutOverride, time}, {QEvent::KeyPress, time}}) {
+        QKeyEvent event(type, key, {});
+        event.setTimestamp(at);
+        event.ignore();
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &event);
+        QVERIFY(event.isAccepted() || type != QEvent::ShortcutOverride);
+    }
+}
+
 void act(const SettingsWindow& settings, QWidget& control, const QString& word) {
     auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
     QMenu& menu = *popUp.menu();
@@ -93,7 +108,7 @@ void act(const SettingsWindow& settings, QWidget& control, const QString& word) 
     if (name == "value") return accessible(control)->valueInterface()->setCurrentValue(number);
     if (name == "choose") return accessible(menu)->child(number)->actionInterface()->doAction("Press");
     if (name == "toggle") return accessible(control)->actionInterface()->doAction("Toggle");
-    if (name == "hide") return menu.hide();
+    if (name == "late") return pressLate(Qt::Key_Up);
     if (name == "close") return (void)menu.windowHandle()->close(); // as the window system does
     if (name == "black") return beBlackOnLight(popUp);
     if (name == "leave") { // Alt+N presses the button for a tenth of a second; a hasty user has left it by then
@@ -164,27 +179,6 @@ private slots:
                 (QList<int>{blocks[8] >> 4, blocks[9], audio[3], audio[5], audio[1]}));
             QCOMPARE(settings.control("QualityImage").accessibleDescription(), popUp.titleOfSelectedItem());
             QVERIFY(!popUp.menu()->isVisible() && popUp.attributedTitle(2).colorAt(0) == kLight);
-        }
-    }
-
-    void aRepeatThatTheToolkitDoesNotRecognise() {
-        const SettingsWindow settings;
-        auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
-        const auto send = [&popUp](QEvent::Type type, quint64 time) {
-            QKeyEvent event(type, Qt::Key_Up, {});
-            event.setTimestamp(time);
-            event.ignore();
-            QCoreApplication::sendEvent(&popUp, &event);
-            return event.isAccepted();
-        };
-        popUp.selectItemAtIndex(2);
-        TestHost::take();
-        for (const quint64 time : {500U, 530U}) { // the second press follows soon
-            send(QEvent::KeyPress, time - 1);
-            send(QEvent::KeyRelease, time);
-            QVERIFY(send(QEvent::ShortcutOverride, time));
-            send(QEvent::KeyPress, time);
-            QCOMPARE(TestHost::takeRequests().size(), 4U);
         }
     }
 
