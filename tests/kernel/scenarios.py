@@ -2,7 +2,6 @@
 """Scenarios: what only a real kernel shows. `scenarios.py FOLDER [Scenarios.NAME...]` runs all, or those named, in a
 guest of scripts/vm-run. FOLDER has what scripts/test-kernel installs there."""
 
-import os
 import re
 import sys
 import time
@@ -12,7 +11,6 @@ from desktop import Display, wait_for
 from guest import HOME, INSTALLED, SEAT, Guest, prepare, run
 from virtual_device import read, require_guest
 
-DRIVER = "/sys/bus/usb/drivers/uvcvideo"
 # System calls that the program must not make: it changes no file, has no network socket, and opens only its device and
 # files that the system provides for every program. A file opened with O_PATH can't be read.
 OFFENCE = (
@@ -108,7 +106,8 @@ class Scenarios(Guest):
     def test_driver_removed_and_restored(self):
         self.install_rule()
         device = self.plug_in()
-        unbind, bind = (f"echo {device.folder().name}:1.0 >{DRIVER}/{file}" for file in ("unbind", "bind"))
+        unbind = f"echo {device.folder().name}:1.0 >/sys/bus/usb/drivers/uvcvideo/unbind"
+        bind = unbind.replace("unbind", "bind")
         program = self.open_settings()
         self.expect(9)
         for remove, restore in ("modprobe -r uvcvideo", "modprobe uvcvideo"), (unbind, bind):
@@ -190,7 +189,7 @@ class Scenarios(Guest):
 
 if __name__ == "__main__":
     require_guest()
-    print("Linux", os.uname().release, flush=True)
+    print("Linux", run("uname -r"), end="", flush=True)
     with Display() as Guest.display:
         prepare(Guest.display, sys.argv.pop(1))
         result = unittest.main(verbosity=2, buffer=True, exit=False).result
