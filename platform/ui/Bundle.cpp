@@ -77,8 +77,10 @@ QString styleSheet() {
         sheet.replace(QStringLiteral("palette(%1)").arg(role), color.name());
     };
     const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
-    for (int role = 0; role < QPalette::NColorRoles; ++role)
-        replace(QString::fromLatin1(roles.valueToKey(role)), palette.color(static_cast<QPalette::ColorRole>(role)));
+    for (int i = 0; i < roles.keyCount(); ++i) {
+        const auto role = static_cast<QPalette::ColorRole>(roles.value(i));
+        if (role < QPalette::NColorRoles) replace(QString::fromLatin1(roles.key(i)), palette.color(role));
+    }
     replace(QStringLiteral("DisabledText"), palette.color(QPalette::Disabled, QPalette::Text));
     return sheet;
 }
