@@ -186,7 +186,8 @@ TEST_F(Device, OperationsThatNoWindowUses) {
             "log [Get old]AUX vol = 0,\n", "log getExtension_GetHdmiVolume..getData Fail! \n"));
     FirmwareVersionRecord record;
     record.fill(77);
-    device().addFault({}, 1, RequestFault::Stall);
+    for (const unsigned n : {1U, 2U}) device().addFault({}, n, RequestFault::Stall);
+    EXPECT_FALSE(controller.SetBitRate(0, 0));
     EXPECT_FALSE(controller.GetFwVersion(record));
     EXPECT_THAT(record, testing::Each(77));
     const auto [unit, selector, size] = UvcControls2.status;

@@ -58,7 +58,7 @@ void beBlackOnLight(const CustomPopUpButton& popUp) {
 
 /// Presses keys together. A held one repeats as window systems report it.
 void pressKeys(QKeyCombination keys, bool held) {
-    const QString text = keys.key() < 0x80 ? QString(QChar(keys.key())).toLower() : QString();
+    const QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))).toLower() : QString();
     const auto send = [&](bool press, bool repeat) {
         QWidget* menu = QApplication::activePopupWidget();
         QTest::simulateEvent(
