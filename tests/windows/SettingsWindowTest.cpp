@@ -39,7 +39,7 @@ const std::vector<Action> kActions{{kMicrophone, "Right", "!", "microphone 177"}
     {kPopUp, "Space Up Return", "oc!", "H.264 0"}, {kPopUp, "Space Enter", "oc!", "H.264 1"},
     {kPopUp, "Down", "!", "H.264 2"}, {kPopUp, "Up", "!", "H.264 0"}, {kPopUp, "Home", "!", "H.264 0"},
     {kPopUp, "End", "!", "H.264 2"}, {kPopUp, "L", "!", "H.264 2"}, {kPopUp, "Down Down", "!", "H.264 2"},
-    {kPopUp, "hold+Down", "!", "H.264 2"}, {kPopUp, "Space Down Esc H", "oc!", "H.264 0"},
+    {kPopUp, "Home hold+Down", "!!", "H.264 1"}, {kPopUp, "Space Down Esc H", "oc!", "H.264 0"},
     {kPopUp, "Space choose0", "oc!", "H.264 0"}, {kPopUp, "choose1", "!", "H.264 1"},
     {kPopUp, "Space Up Esc", "oc", "H.264 1"}, {kPopUp, "hold+Space Esc", "oc", "H.264 1"},
     {kPopUp, "F4 Esc", "oc", "H.264 1"}, {kPopUp, "Space Up elsewhere", "oc", "H.264 1"},
