@@ -134,6 +134,7 @@ void DrawnSlider::paintEvent(QPaintEvent* /*event*/) {
 
 /// Adds up the small steps of a touchpad exactly in both directions, unlike QSlider.
 void DrawnSlider::wheelEvent(QWheelEvent* event) {
+    event->accept();
     const bool fast = event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::ShiftModifier);
     const int perNotch = fast ? pageStep() : std::min(QApplication::wheelScrollLines() * singleStep(), pageStep());
     m_wheelRest += wheelDelta(*event) * (invertedControls() ? -perNotch : perNotch);

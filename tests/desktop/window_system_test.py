@@ -2,7 +2,6 @@
 """window_system_test.py FOLDER [RUNS]: the programs built in FOLDER on X11 and on Wayland. The window is dragged by its
 picture, the About window is modal, and each way of quitting is exercised RUNS times."""
 
-import itertools
 import signal
 import time
 
@@ -62,7 +61,7 @@ def end_often(kind, ways):
         with kind() as desktop:
             programs = {way: [Program(desktop, path) for path in paths * min(AT_ONCE, int(RUNS) - done)]
                         for way, (paths, _) in ways.items()}
-            for program in itertools.chain(*programs.values()):
+            for program in sum(programs.values(), []):
                 program.window()
             for way, (_, end) in ways.items():
                 print(f"{kind.__name__}: {way}", flush=True)

@@ -58,8 +58,9 @@ void useProgram() {
     TestHost::note(shown(settings));
     for (const Action& action : kActions) {
         QWidget& control = settings.control(action.control);
-        const QSignalBlocker blocked(control);
+        control.blockSignals(true); // not while the handler runs, which must not run itself
         control.setProperty(action.property, action.chosen);
+        control.blockSignals(false);
         (settings.view().*action.handler)(nullptr);
         TestHost::note(shown(settings));
     }
@@ -122,13 +123,12 @@ private slots:
     static void everyTroubleAfterEveryRequest() {
         unsigned cells = 0;
         for (const Trouble& trouble : kTroubles) {
-            bool happened = true;
-            for (unsigned n = 0; happened; ++n, ++cells) {
-                const auto [journal, isDue] = run(trouble, n, cells, useProgram);
+            for (unsigned n = 0;; ++n, ++cells) {
+                const auto [journal, happened] = run(trouble, n, cells, useProgram);
                 const QStringList predicted = run(trouble, n, cells, useModel).first;
                 if (journal != predicted) qInfo("%s after %u requests", trouble.name, n);
                 QCOMPARE(journal, predicted);
-                happened = isDue;
+                if (!happened) break;
             }
         }
         qInfo("%u fault cells hold", cells);

@@ -16,10 +16,8 @@ OUR_RULE = INSTALLED + "/lib/udev/rules.d/70-tavro-setup-tool.rules"
 RULES = "/run/udev/rules.d"
 LOG = pathlib.Path("/run/log")
 SEAT = pathlib.Path("/run/systemd/seats/seat0")  # udev's rules give rights to the user of the active seat
-
-
-# The program's requests to the extension unit. The UVC driver adds others, at the first use of a block since it was bound
-# and after a refusal.
+# The program's requests to the extension unit. The UVC driver adds others: at the first use of a block since it was
+# bound, and after a refusal.
 OWN = re.compile("(a1 81|21 01) 00 .. 00 03 ")
 FIRST_USE = re.compile("a1 8[56] 00 .. 00 03 ")
 
@@ -99,7 +97,7 @@ class Guest(unittest.TestCase):
         self.checked = len(self.device.wire())
 
     def expect(self, count, transport=None):
-        """Waits for so many requests, and checks that there are no others. The transport can be told at the first use
+        """Waits for that many requests, and checks that there are no others. The transport can be told at the first use
         of a block since the driver was bound."""
         def sent(kind):
             return [line for line in self.device.wire()[self.checked:] if kind.match(line)]

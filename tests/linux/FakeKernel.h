@@ -32,8 +32,8 @@ struct FakePlug {
 };
 
 /// Emulates sysfs, usbfs and the UVC driver by umockdev, under the real libudev and libusb: run the program by
-/// umockdev-wrapper. Answers as a real kernel does and records calls. Those
-/// that would disturb the driver or other programs are failures of the test. Only one can exist.
+/// umockdev-wrapper. Answers as a real kernel does and records calls. A call that would disturb the driver or other
+/// programs fails the test. Only one can exist.
 class FakeKernel {
 public:
     FakeKernel() {

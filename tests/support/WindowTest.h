@@ -45,11 +45,13 @@ inline void whenModal(std::function<void(QWidget&)> act) {
     });
 }
 
-inline void turnWheel(
+/// Returns whether the widget accepts the event.
+inline bool turnWheel(
     QWidget& over, QPoint angle, QPoint pixels = {}, Qt::KeyboardModifiers modifiers = {}, bool inverted = false) {
     QWheelEvent turned(
         {9, 9}, over.mapToGlobal(QPointF(9, 9)), pixels, angle, {}, modifiers, Qt::NoScrollPhase, inverted);
-    QCoreApplication::sendEvent(&over, &turned);
+    turned.ignore();
+    return QCoreApplication::sendEvent(&over, &turned) && turned.isAccepted();
 }
 
 /// A control, or a part of it, as its window shows it, scaled by `scale`.

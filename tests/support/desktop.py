@@ -48,7 +48,6 @@ class Program:
         with open(self.folder / "requests.txt", "w") as out, open(self.folder / "log.txt", "w") as err:
             self.process = subprocess.Popen(command, env=desktop.env | environment, stdin=subprocess.DEVNULL,
                                             stdout=out, stderr=err, start_new_session=True)
-        self.pid = self.process.pid
 
     def requests(self):
         return (self.folder / "requests.txt").read_text().splitlines()
@@ -57,7 +56,7 @@ class Program:
         return (self.folder / "log.txt").read_text().splitlines()
 
     def windows(self, title="Tavro Setup Tool"):
-        return self.desktop.windows(self.pid, title)
+        return self.desktop.windows(self.process.pid, title)
 
     def window(self, title="Tavro Setup Tool"):
         return wait_for(f"window {title!r} of {self.log()}", lambda: self.windows(title))[0]
@@ -69,7 +68,7 @@ class Program:
         foreign = [line for line in self.log() if not OWN_LINES.match(line)]
         assert not foreign, foreign
         with contextlib.suppress(ProcessLookupError):
-            os.killpg(self.pid, 0)
+            os.killpg(self.process.pid, 0)
             raise AssertionError("it left a process behind")
 
 

@@ -209,7 +209,8 @@ private slots:
                 const QSignalBlocker shown(slider);
                 slider.setValue(100); // as the device reports
             });
-            for (const QPoint angle : row.angles) turnWheel(slider, angle, row.pixels, row.modifiers, row.inverted);
+            for (const QPoint angle : row.angles)
+                QVERIFY(turnWheel(slider, angle, row.pixels, row.modifiers, row.inverted));
             QCOMPARE(changes, row.changes);
         }
     }

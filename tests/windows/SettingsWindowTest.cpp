@@ -104,7 +104,7 @@ void act(const SettingsWindow& settings, QWidget& control, const QString& word) 
     if (name == "move") return QTest::mouseMove(&target, place, 9);
     if (name == "release") return QTest::mouseRelease(&target, Qt::LeftButton, {}, place, 9);
     if (name == "elsewhere") return QTest::mouseClick(&menu, Qt::LeftButton, {}, QPoint(-40, 300));
-    if (name == "wheel") return turnWheel(target, {0, -120});
+    if (name == "wheel") return (void)turnWheel(target, {0, -120});
     if (name == "value") return accessible(control)->valueInterface()->setCurrentValue(number);
     if (name == "choose")
         return accessible(menu)->child(number)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());

@@ -193,7 +193,7 @@ private slots:
         const std::string start = "fatal window description";
         QCOMPARE(endWith("None", ""), start + " \"None\" is missing or damaged");
         const ChangedResource damaged("Damaged/Damaged.json", R"({"controllers": {
-            "nothing": {"class": "WindowController"}, "class": {"class": "No"}, "kind": {"class": "AboutViewController"},
+            "bare": {"class": "WindowController"}, "class": {"class": "No"}, "kind": {"class": "AboutViewController"},
             "window": {"class": "WindowController", "window": "no.ui", "content": "ViewController"},
             "content": {"class": "WindowController", "window": "about-window.ui", "content": "WindowController"}}})");
         for (const auto& [controller, end] : {std::pair("none", " \"Damaged\" has no controller \"none\""),
@@ -212,7 +212,7 @@ private slots:
             QCOMPARE(endWith("Main", QString(window) + " Window Controller"), end);
             make = whole;
         }
-        WindowDescription("Damaged").runModal("nothing"); // returns at once
+        WindowDescription("Damaged").runModal("bare"); // returns at once, as there is no window
     }
 
     // The last one: these texts remain installed.
