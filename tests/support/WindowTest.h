@@ -35,13 +35,11 @@ struct SettingsWindow {
     std::unique_ptr<WindowController> controller;
 };
 
-/// Calls `act` with the next window that runs modally.
-inline void whenModal(std::function<void(QWidget&)> act) {
-    QTimer::singleShot(1, qApp, [act = std::move(act)] {
-        if (QWidget* window = QApplication::activeModalWidget())
-            act(*window);
-        else
-            whenModal(act);
+/// Calls `act` with the next window that runs modally and still does a little later.
+inline void whenModal(std::function<void(QWidget&)> act, bool again = false) {
+    QTimer::singleShot(9, qApp, [act = std::move(act), again] {
+        QWidget* window = QApplication::activeModalWidget();
+        window&& again ? act(*window) : whenModal(act, window);
     });
 }
 

@@ -93,6 +93,7 @@ private slots:
                 QVERIFY(!QApplication::activeModalWidget()); // and the program continues
             }
         }
+        QCOMPARE(endOf([&] { settings.view().QuitApp(nullptr); }), "exit 0");
     }
 
     void theSettingsWindowIsInertBehindAnother() {
