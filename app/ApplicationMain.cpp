@@ -37,10 +37,8 @@ QPalette darkPalette() {
     set(QPalette::Window, "#0C0D10");
     set(QPalette::Base, "#0C0D10");
     set(QPalette::AlternateBase, "#141619");
-    set(QPalette::Button, "#23262B");
     set(QPalette::WindowText, "#D0D0D1");
     set(QPalette::Text, "#D0D0D1");
-    set(QPalette::ButtonText, "#D0D0D1");
     set(QPalette::Highlight, "#C92A30");
     set(QPalette::HighlightedText, "#FFFFFF");
 #if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
@@ -49,7 +47,7 @@ QPalette darkPalette() {
     set(QPalette::PlaceholderText, "#9AA0AA");
     set(QPalette::ToolTipBase, "#F3F1F0");
     set(QPalette::ToolTipText, "#141619");
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    for (const auto role : {QPalette::WindowText, QPalette::Text})
         palette.setColor(QPalette::Disabled, role, kDisabledTextColor);
     return palette;
 }

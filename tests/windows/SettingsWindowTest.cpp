@@ -35,17 +35,17 @@ const std::vector<Action> kActions{{kMicrophone, "Right", "!", "microphone 177"}
     {kOff, "hold+Alt+N", "!", "HDCP 1"}, {kHeadphone, "hold+Alt+F", "!", "HDCP 0"}, {kOn, "hold+Space", "!", "HDCP 1"},
     // Tab goes to the selected button.
     {kBoth, "Tab Left Shift+Tab Tab Right", "!!", "HDCP 0"}, {"LabelFwVersion", "Shift+Tab Left", "!", "HDCP 1"},
-    {kPopUp, "click move1 move2 click2", "oc!", "H.264 2"}, {kPopUp, "press move1 move0 release0", "oc!", "H.264 0"},
-    {kPopUp, "Space Up Return", "oc!", "H.264 0"}, {kPopUp, "Space Enter", "oc!", "H.264 1"},
-    {kPopUp, "Down", "!", "H.264 2"}, {kPopUp, "Up", "!", "H.264 0"}, {kPopUp, "Home", "!", "H.264 0"},
-    {kPopUp, "End", "!", "H.264 2"}, {kPopUp, "L", "!", "H.264 2"}, {kPopUp, "Down Down", "!", "H.264 2"},
-    {kPopUp, "Home hold+Down", "!!", "H.264 1"}, {kPopUp, "Space Down Esc H", "oc!", "H.264 0"},
-    {kPopUp, "Space choose0", "oc!", "H.264 0"}, {kPopUp, "choose1", "!", "H.264 1"},
-    {kPopUp, "Space Up Esc", "oc", "H.264 1"}, {kPopUp, "hold+Space Esc", "oc", "H.264 1"},
-    {kPopUp, "F4 Esc", "oc", "H.264 1"}, {kPopUp, "Space Up elsewhere", "oc", "H.264 1"},
-    {kPopUp, "End late late", "!!!", "H.264 0"}, {kPopUp, "Space Up close", "oc", "H.264 1"},
-    {kPopUp, "Space black Esc", "oc", "H.264 1"}, {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"},
-    {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
+    {kPopUp, "click move1 move2 click2 press release0 Esc", "oc!oc", "H.264 2"},
+    {kPopUp, "press move1 move0 release0", "oc!", "H.264 0"}, {kPopUp, "Space Up Return", "oc!", "H.264 0"},
+    {kPopUp, "Space Enter", "oc!", "H.264 1"}, {kPopUp, "Down", "!", "H.264 2"}, {kPopUp, "Up", "!", "H.264 0"},
+    {kPopUp, "Home", "!", "H.264 0"}, {kPopUp, "End", "!", "H.264 2"}, {kPopUp, "L", "!", "H.264 2"},
+    {kPopUp, "Down Down", "!", "H.264 2"}, {kPopUp, "Home hold+Down", "!!", "H.264 1"},
+    {kPopUp, "Space Down Esc H", "oc!", "H.264 0"}, {kPopUp, "Space choose0", "oc!", "H.264 0"},
+    {kPopUp, "choose1", "!", "H.264 1"}, {kPopUp, "Space Up Esc", "oc", "H.264 1"},
+    {kPopUp, "hold+Space Esc", "oc", "H.264 1"}, {kPopUp, "F4 Esc", "oc", "H.264 1"},
+    {kPopUp, "Space Up elsewhere", "oc", "H.264 1"}, {kPopUp, "End late late", "!!!", "H.264 0"},
+    {kPopUp, "Space Up close", "oc", "H.264 1"}, {kPopUp, "Space black Esc", "oc", "H.264 1"},
+    {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"}, {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
 
 void beBlackOnLight(const CustomPopUpButton& popUp) {
     QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));

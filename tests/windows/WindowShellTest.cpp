@@ -166,9 +166,8 @@ private slots:
 
     void theDesktopKnowsTheProgram() {
         QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
-        QList<int> icons;
-        for (const QSize size : QApplication::windowIcon().availableSizes()) icons << size.width();
-        QCOMPARE(icons, (QList<int>{16, 22, 24, 32, 48, 64, 128}));
+        QCOMPARE(QApplication::windowIcon().availableSizes(),
+            (QList<QSize>{{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}, {64, 64}, {128, 128}}));
         QCOMPARE(qobject_cast<QProxyStyle*>(QApplication::style())->baseStyle()->name(), "fusion");
     }
 
