@@ -22,7 +22,6 @@ public:
     explicit LegendButton(QWidget* parent) : QPushButton(parent) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
         setEnabled(false);
-        setFlat(true);
         setFocusPolicy(Qt::NoFocus);
     }
 };

@@ -5,7 +5,6 @@
 #include "ModalRun.h"
 #include "PopUpGeometry.h"
 
-#include <QAccessible>
 #include <QActionGroup>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -110,7 +109,7 @@ void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {
     for (const QString& title : titles) {
         QAction* item = m_items->addAction(m_menu->addAction(title));
         item->setCheckable(true);
-        connect(item, &QAction::toggled, this, &CustomPopUpButton::showSelection);
+        connect(item, &QAction::toggled, this, qOverload<>(&QWidget::update));
     }
     setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
 }
@@ -145,13 +144,6 @@ void CustomPopUpButton::showMenu() {
     if (m_menu->isEmpty() || isBehindModalRun(*this)) return;
     m_menu->popup(mapToGlobal(QPoint(0, -1)), m_items->checkedAction());
     m_menu->setActiveAction(m_items->checkedAction());
-}
-
-void CustomPopUpButton::showSelection(bool selected) {
-    update();
-    if (!selected) return; // another item is selected next, or none
-    QAccessibleValueChangeEvent changed(this, titleOfSelectedItem());
-    QAccessible::updateAccessibility(&changed);
 }
 
 void CustomPopUpButton::mousePressEvent(QMouseEvent* event) {

@@ -63,7 +63,6 @@ protected:
 
 private:
     void choose(int index);
-    void showSelection(bool selected);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
