@@ -110,8 +110,7 @@ void DrawnSlider::drawKnob(QPainter& context) const {
 
 /// Of `value()`, which the device reported last; a drag may be ahead of it.
 QString DrawnSlider::valueText() const {
-    const int range = std::max(1, maximum() - minimum());
-    return Localizable::tr("%1%", "Value of a slider in percent").arg(qRound(100.0 * (value() - minimum()) / range));
+    return Localizable::tr("%1%", "Value of a slider in percent").arg(percentOf(value(), minimum(), maximum()));
 }
 
 void DrawnSlider::drawValue(QPainter& context) const {

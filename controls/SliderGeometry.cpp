@@ -1,5 +1,7 @@
 #include "SliderGeometry.h"
 
+#include <QStyle>
+
 #include <algorithm>
 
 namespace {
@@ -46,6 +48,10 @@ QRect knobRect(int offset) {
 
 int knobDistance(int sliderWidth) {
     return knobTravel(sliderWidth).width() - kKnobSize;
+}
+
+int percentOf(int value, int minimum, int maximum) {
+    return QStyle::sliderPositionFromValue(minimum, maximum, value, 100);
 }
 
 QRectF valueRect(const QRect& knob, int sliderWidth, double textWidth) {

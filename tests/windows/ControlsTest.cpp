@@ -179,7 +179,9 @@ private slots:
         QVERIFY(text().isEmpty());
         slider.setAttribute(Qt::WA_UnderMouse);
         int width = 0; // of "0%", "39%" and "100%"
-        for (const auto& [value, least, most] : {std::tuple(0, 0, 30), {100, 65, 100}, {255, 165, 205}}) {
+        for (const auto& [value, percent, least, most] :
+            {std::tuple(0, 0, 0, 30), {100, 39, 65, 100}, {255, 100, 165, 205}}) {
+            QCOMPARE(percentOf(value, 0, 255), percent);
             slider.setValue(value);
             QVERIFY(text().left() >= least && text().right() <= most && text().width() > width);
             width = text().width();
@@ -331,9 +333,8 @@ private slots:
             QVERIFY(title.left() >= 12 && title.left() < 15);
             QVERIFY(title.right() > 112 && title.right() < 132); // elided before the divider
             QVERIFY2(std::abs(title.center().y() - 13) <= 1, "by the font's rounding");
-            int brightest = 0;
-            for (const auto [color, count] : counted(face).asKeyValueRange())
-                brightest = std::max(brightest, qGray(color));
+            const auto shades = counted(face).keys();
+            const int brightest = qGray(*std::ranges::max_element(shades, {}, [](QRgb color) { return qGray(color); }));
             QVERIFY(brightest >= least && brightest <= most);
         }
     }
