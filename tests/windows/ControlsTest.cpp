@@ -1,10 +1,7 @@
 // The drawn controls and their titles, checked by numbers: no picture of parts that the toolkit draws is compared.
 
 #include "CustomSliderCell.h"
-#include "ImageViews.h"
-#include "ModalRun.h"
 #include "WindowTest.h"
-#include "WindowTexts.h"
 
 namespace {
 
@@ -67,20 +64,6 @@ const std::vector<Seen> kSeen{
     {"chosen row", nullptr, State::Plain, 0xF3C6C4, {{120.5, 30.5}, {2.5, 43.5}, {157.5, 55.5}}},
     {"list's border", nullptr, State::Plain, kRed, {{0.5, 43.5}, {80.5, 0.5}}},
 };
-
-/// Turns of the wheel, or of the fingers on a touchpad.
-struct Turns {
-    QList<int> changes; ///< of a slider with steps of 2 and pages of 16
-    QList<QPoint> angles;
-    QPoint pixels = {};
-    Qt::KeyboardModifiers modifiers = {};
-    bool inverted = false; ///< the event, as for natural scrolling
-};
-
-const std::vector<Turns> kTurns{{{-6, -6, -6}, {3, {0, -120}}}, {QList<int>(6, 1), {15, {0, 8}}, {0, 3}},
-    {{-1, -1}, QList<QPoint>(2, {0, 8}) + QList<QPoint>(9, {0, -8})}, {{1, 1}, {10, {}}, {0, 2}}, // only pixels
-    {{6}, {{-120, 0}}}, {{6}, {{120, 120}}}, {{8, 8}, {2, {0, 60}}, {}, Qt::ControlModifier},
-    {{-6}, {{0, 120}}, {}, {}, true}};
 
 /// The part of a picture that is brighter than its dark background.
 QRect inked(const QImage& image) {
@@ -196,58 +179,6 @@ private slots:
         }
         slider.setEnabled(false);
         QVERIFY(text().isEmpty());
-    }
-
-    void wheelAddsUp() {
-        for (const Turns& row : kTurns) {
-            CustomSliderCell slider(nullptr);
-            slider.setRange(0, 255);
-            slider.setSingleStep(2);
-            slider.setPageStep(16);
-            slider.setValue(100);
-            QList<int> changes;
-            connect(&slider, &QSlider::valueChanged, [&](int value) {
-                changes << value - 100;
-                const QSignalBlocker shown(slider);
-                slider.setValue(100); // as the device reports
-            });
-            for (const QPoint angle : row.angles)
-                QVERIFY(turnWheel(slider, angle, row.pixels, row.modifiers, row.inverted));
-            QCOMPARE(changes, row.changes);
-        }
-    }
-
-    void backgroundMovesItsWindowByADrag() {
-        struct MovedView : MyImageView {
-            MovedView() : MyImageView(nullptr) {}
-            void startMove() override { ++moves; }
-            int moves = 0;
-        } background;
-        background.resize(200, 80);
-        QFrame card(&background);
-        QLabel label(QStringLiteral("text"), &card);
-        LegendButton legend(&card);
-        legend.move(0, 40);
-        background.show();
-        QWindow& window = *background.windowHandle();
-        const int distance = QApplication::startDragDistance();
-        for (const auto& [button, y, way, moves] : {std::tuple(Qt::LeftButton, 1, 0, 0),
-                 {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
-                 {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
-            background.moves = 0;
-            QTest::mousePress(&window, button, {}, {1, y});
-            for (int times = 0; times < 2; ++times) // the second one must not start another move
-                QTest::mouseMove(&window, {1 + way, y});
-            QWidget elsewhere;
-            QTimer::singleShot(0, qApp, stopModal);
-            runModalForWindow(elsewhere); // during which the button is released
-            QVERIFY(elsewhere.isVisible());
-            QTest::mouseRelease(elsewhere.windowHandle(), button);
-            QTest::mousePress(elsewhere.windowHandle(), Qt::LeftButton);
-            QTest::mouseMove(&label, {99, 99});
-            QCOMPARE(background.moves, moves);
-            QTest::mouseRelease(elsewhere.windowHandle(), Qt::LeftButton);
-        }
     }
 
     void starsAreSmoothAndMirroredWithTheirWords() {

@@ -1,6 +1,7 @@
 // The settings window on the simulated device: start-up and every action of the user. The requests of each action,
 // and what happens when they fail, are in faults/.
 
+#include "CustomSliderCell.h"
 #include "SliderGeometry.h"
 #include "WindowTest.h"
 #include "WireText.h"
@@ -46,6 +47,20 @@ const std::vector<Action> kActions{{kMicrophone, "Right", "!", "microphone 177"}
     {kPopUp, "Space Up elsewhere", "oc", "H.264 1"}, {kPopUp, "End late late", "!!!", "H.264 0"},
     {kPopUp, "Space Up close", "oc", "H.264 1"}, {kPopUp, "Space black Esc", "oc", "H.264 1"},
     {kPopUp, "wheel Space wheel Esc", "oc", "H.264 1"}, {kPopUp, "right", "", "H.264 1"}, {kPopUp, "Z", "", "H.264 1"}};
+
+/// Turns of the wheel, or of the fingers on a touchpad.
+struct Turns {
+    QList<int> changes; ///< of a slider with steps of 2 and pages of 16
+    QList<QPoint> angles;
+    QPoint pixels = {};
+    Qt::KeyboardModifiers modifiers = {};
+    bool inverted = false; ///< the event, as for natural scrolling
+};
+
+const std::vector<Turns> kTurns{{{-6, -6, -6}, {3, {0, -120}}}, {QList<int>(6, 1), {15, {0, 8}}, {0, 3}},
+    {{-1, -1}, QList<QPoint>(2, {0, 8}) + QList<QPoint>(9, {0, -8})}, {{1, 1}, {10, {}}, {0, 2}}, // only pixels
+    {{6}, {{-120, 0}}}, {{6}, {{120, 120}}}, {{8, 8}, {2, {0, 60}}, {}, Qt::ControlModifier},
+    {{-6}, {{0, 120}}, {}, {}, true}};
 
 void beBlackOnLight(const CustomPopUpButton& popUp) {
     QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));
@@ -180,6 +195,25 @@ private slots:
                 (QList<int>{held.settings[8] >> 4, held.settings[9], held.audio[3], held.audio[5], held.audio[1]}));
             QCOMPARE(settings.control("QualityImage").accessibleDescription(), popUp.titleOfSelectedItem());
             QVERIFY(!popUp.menu()->isVisible() && popUp.attributedTitle(2).colorAt(0) == kLight);
+        }
+    }
+
+    void wheelAddsUp() {
+        for (const Turns& row : kTurns) {
+            CustomSliderCell slider(nullptr);
+            slider.setRange(0, 255);
+            slider.setSingleStep(2);
+            slider.setPageStep(16);
+            slider.setValue(100);
+            QList<int> changes;
+            connect(&slider, &QSlider::valueChanged, [&](int value) {
+                changes << value - 100;
+                const QSignalBlocker shown(slider);
+                slider.setValue(100); // as the device reports
+            });
+            for (const QPoint angle : row.angles)
+                QVERIFY(turnWheel(slider, angle, row.pixels, row.modifiers, row.inverted));
+            QCOMPARE(changes, row.changes);
         }
     }
 

@@ -1,7 +1,9 @@
-// Modal runs, About and alert, messages of Qt, resources, and damaged descriptions.
+// Modal runs, About and alert, the background, messages of Qt, resources, and damaged descriptions.
 
+#include "ImageViews.h"
 #include "ModalRun.h"
 #include "WindowTest.h"
+#include "WindowTexts.h"
 
 namespace {
 
@@ -181,6 +183,39 @@ private slots:
             QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
             const auto shades = counted(image.copy(0, 0, image.width(), 12)).size(); // above the controls
             QVERIFY2(shades > 30, qPrintable(name));
+        }
+    }
+
+    void backgroundMovesItsWindowByADrag() {
+        struct MovedView : MyImageView {
+            MovedView() : MyImageView(nullptr) {}
+            void startMove() override { ++moves; }
+            int moves = 0;
+        } background;
+        background.resize(200, 80);
+        QFrame card(&background);
+        QLabel label(QStringLiteral("text"), &card);
+        LegendButton legend(&card);
+        legend.move(0, 40);
+        background.show();
+        QWindow& window = *background.windowHandle();
+        const int distance = QApplication::startDragDistance();
+        for (const auto& [button, y, way, moves] : {std::tuple(Qt::LeftButton, 1, 0, 0),
+                 {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
+                 {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
+            background.moves = 0;
+            QTest::mousePress(&window, button, {}, {1, y});
+            for (int times = 0; times < 2; ++times) // the second one must not start another move
+                QTest::mouseMove(&window, {1 + way, y});
+            QWidget elsewhere;
+            QTimer::singleShot(0, qApp, stopModal);
+            runModalForWindow(elsewhere); // during which the button is released
+            QVERIFY(elsewhere.isVisible());
+            QTest::mouseRelease(elsewhere.windowHandle(), button);
+            QTest::mousePress(elsewhere.windowHandle(), Qt::LeftButton);
+            QTest::mouseMove(&label, {99, 99});
+            QCOMPARE(background.moves, moves);
+            QTest::mouseRelease(elsewhere.windowHandle(), Qt::LeftButton);
         }
     }
 
