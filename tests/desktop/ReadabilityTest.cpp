@@ -118,7 +118,7 @@ void checkWindow(const QWidget& window) {
     auto& face = *QAccessible::queryAccessibleInterface(popUp);
     for (const bool opens : {true, false}) {
         face.actionInterface()->doAction(face.actionInterface()->actionNames()[opens ? 0 : 1]);
-        QCOMPARE(face.state().expanded, opens);
+        QVERIFY(face.state().expandable && face.state().expanded == opens);
         checkTree(root, root);
     }
 }

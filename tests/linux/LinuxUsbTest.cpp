@@ -249,7 +249,7 @@ TEST_F(LinuxUsb, TheTransportIsSelectedAtEachRequest) {
 TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     kernel.plug({.name = "1-2", .address = 6, .vendor = 0x1D6B}); // some hub
     kernel.plug({.name = "1-2/1-2.13", .address = 7});
-    kernel.plug({.name = "3-4", .address = 5});
+    kernel.plug({.name = "12-4", .address = 5});
     std::vector<std::uint32_t> locations;
     const auto addLocation = [&](UsbService<UsbDevice>& service) {
         const auto device = service.createPlugIn().object->QueryInterface().object;
@@ -258,7 +258,7 @@ TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
     const auto services = usbBus().allServices();
     while (const auto service = services.object->next()) addLocation(*service);
     addLocation(*firstService().object);
-    EXPECT_THAT(locations, testing::ElementsAre(0x01200000U, 0x012D0000U, 0x03400000U, 0x012D0000U));
+    EXPECT_THAT(locations, testing::ElementsAre(0x01200000U, 0x012D0000U, 0x0C400000U, 0x012D0000U));
 }
 
 TEST_F(LinuxUsb, OtherDevicesAndInterfacesAreIgnored) {
