@@ -15,8 +15,8 @@
 #include <functional>
 #include <memory>
 
-/// Controls the settings window. Start-up shows the settings of the device. Every action of the user writes one, reads
-/// it back and shows the value that was read.
+/// Controls the settings window. Start-up shows the settings of the device. Every action of the user writes its
+/// settings, reads them back and shows the values that were read.
 class ViewController : public ContentController {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ public:
     Outlet<AttributedRadioButton> HdcpOnButton{m_outlets, "HdcpOnButton"};
     Outlet<AttributedRadioButton> HdcpOffButton{m_outlets, "HdcpOffButton"};
 
-    /// The open device; absent only before start-up and while it is being replaced.
+    /// The open device; absent before start-up, between two openings and after a failed one.
     std::unique_ptr<CVn318UvcController> DeviceCtrl;
 
     /// Start-up. Blocks until all settings are read. If there is no device, or its clock can't be set, shows the

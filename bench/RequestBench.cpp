@@ -76,7 +76,7 @@ void changeThroughLayers(benchmark::State& state) {
     measure(state, [volume = 0]() mutable { return controller->SetMicrophoneVolume(++volume); });
 }
 
-// The largest part of the difference between a change and the bare calls.
+// The log line of a change.
 void logLine(benchmark::State& state) {
     measure(state, [] {
         systemLog("[Get old]%s = %d,\n", "Mic gain", audio[3]);

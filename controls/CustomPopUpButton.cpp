@@ -67,7 +67,7 @@ protected:
         for (QAction* item : actions()) {
             const QRect row = actionGeometry(item);
             context.fillRect(row, item == activeAction() ? kActiveRow : kMenuGround);
-            // The rows begin beside the border, the face beneath it: the titles of both are aligned.
+            // Rows begin inside the border, the face under it: this aligns the titles of both.
             const QRectF box = QRectF(row).adjusted(kTitleLeft - kLineWidth, 0, -kTitleLeft, 0);
             drawAttributedString(context, box, item->data().value<AttributedString>());
         }

@@ -10,7 +10,7 @@
 class QActionGroup;
 
 /// Item styles of the pop-up.
-inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open menu, whose ground is light
+inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open menu, which is light
 inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 
 /// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron. Its

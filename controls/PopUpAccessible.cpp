@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Without a child that is closed: its place on the screen is another's.
+/// `childAt` skips a closed menu, which still has a rectangle.
 class PopUpAccessible : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
     explicit PopUpAccessible(CustomPopUpButton& popUp)
@@ -121,7 +121,7 @@ public:
         if (index >= 0) m_menu.actions()[index]->trigger();
         return index >= 0;
     }
-    // One item is always selected, and only one.
+    // A selection can be neither removed nor extended.
     bool unselect(QAccessibleInterface* /*item*/) override {
         return false;
     }

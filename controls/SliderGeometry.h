@@ -40,7 +40,7 @@ inline constexpr int kKnobSize = 15;
 /// How far the knob moves from end to end.
 [[nodiscard]] int knobDistance(int sliderWidth);
 
-/// Where a value is between the two ends of its range.
+/// The position of a value in its range, in percent.
 [[nodiscard]] int percentOf(int value, int minimum, int maximum);
 /// The value's text: above the ticks, centred over the knob and within the slider.
 [[nodiscard]] QRectF valueRect(const QRect& knob, int sliderWidth, double textWidth);

@@ -9,8 +9,7 @@
 
 namespace {
 
-/// The low byte of wIndex, the interface's number, is always 0: the device expects that, even if its VideoControl
-/// interface has another number.
+/// The low byte of wIndex, the interface's number, is always 0, even if the VideoControl interface has another number.
 UsbControlRequest controlRequest(
     std::uint8_t requestType, UVCRequest request, int length, int selector, int unit, std::uint8_t* data) {
     return {.bmRequestType = requestType,
@@ -85,7 +84,7 @@ std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInte
     const auto service = interfaces.object->next();
     if (!service) return nullptr;
     auto plugIn = service->createPlugIn();
-    // The release's result decides and is logged, not the plug-in's: people's saved logs are read by it.
+    // Decides by and logs the result of the release, not of the plug-in: people's saved logs are read by it.
     const UsbResult released = service->release();
     if (released != UsbCode::Success || !plugIn.object) {
         systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n", static_cast<unsigned>(released));
@@ -114,7 +113,7 @@ bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
         return false;
     }
     if (interface->ControlRequest(request) == UsbCode::Success) return true;
-    // The close's result is logged, not the request's: people's saved logs are read by it.
+    // Logs the result of the close, not of the request: people's saved logs are read by it.
     const UsbResult closed = interface->USBInterfaceClose();
     systemLog("CameraControl Error: Control request failed: %08x", static_cast<unsigned>(closed));
     return false;

@@ -69,7 +69,7 @@ public:
     [[nodiscard]] float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);
     [[nodiscard]] float getValueForControl(const UVCControlInfo& control);
     [[nodiscard]] bool setValue(float value, const UVCControlInfo& control);
-    /// First byte of the vendor status block; no defined value after a failed read.
+    /// First byte of the vendor status block; 0 after a failed read.
     [[nodiscard]] std::uint8_t getExtension();
 
     [[nodiscard]] bool setAutoExposure(bool enabled);

@@ -21,11 +21,11 @@ struct VendorControls {
 inline constexpr VendorControls UvcControls2;
 
 /// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all stored in
-/// four blocks of extension unit 3 (docs/device.md). Nothing is cached. To change a setting, its whole block is read,
+/// three blocks of extension unit 3 (docs/device.md). Nothing is cached. To change a setting, its whole block is read,
 /// its field changed and the whole block written back. A block that could not be read is never written.
 ///
-/// Every operation returns true on success. Getters set their out-arguments to 0 on failure. Setters store
-/// the low 8 bits of a volume or an HDCP state, and the low 4 bits of a bit-rate level.
+/// Every operation returns true on success. Except for `GetFwVersion`, getters set their out-arguments to
+/// 0 on failure. Setters store the low 8 bits of a volume or an HDCP state, and the low 4 bits of a bit-rate level.
 class CVn318UvcController : public CUvcBaseControl {
 public:
     static constexpr std::uint16_t kVendorID = TAVRO_USB_VENDOR_ID;

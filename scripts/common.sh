@@ -25,7 +25,7 @@ mapfile -t build_packages < <(sed -n '/<!nocheck>/d; s/^ \{15\}\([^ ,]*\).*/\1/p
 mapfile -t test_packages < <(sed -n 's/^ \{15\}\([^ ,]*\) <!nocheck>.*/\1/p' "$project/debian/control")
 build_packages+=(g++)
 test_packages+=(shellcheck)
-# A virtual display, simulated input, pictures of windows.
+# A virtual display, simulated input, screenshots.
 display_packages=(python3 xvfb xauth xdotool x11-utils imagemagick fonts-dejavu-core)
 # Two window systems, a screen reader, fonts for all languages.
 desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils x11-xserver-utils sway
@@ -59,7 +59,7 @@ may_install() {
   [ -z "$refusal" ] || { echo "missing packages: $*; $refusal" >&2; exit 1; }
 }
 
-# For scripts that install our own packages on this system and purge them in the end.
+# For scripts that install our own packages on this system and purge them afterwards.
 may_install_own_packages() {
   if dpkg-query -W -f '${db:Status-Status}\n' 'tavro-setup-tool*' 2>/dev/null | grep -qx installed; then
     echo "tavro-setup-tool or tavro-setup-tool-demo is installed here; remove it first" >&2
@@ -68,8 +68,8 @@ may_install_own_packages() {
   may_install tavro-setup-tool tavro-setup-tool-demo
 }
 
-# build PRESET [TARGET...]: configures and builds in build/PRESET, for the device that TAVRO_USB_ID names as lsusb
-# prints it, or the default one, whichever device the folder was built for before.
+# build PRESET [TARGET...]: configures and builds in build/PRESET, for the device TAVRO_USB_ID, as lsusb prints it,
+# or the default one; the device of an earlier build is forgotten.
 build() {
   local preset=$1 id=${TAVRO_USB_ID:-}
   shift

@@ -6,7 +6,7 @@
 #include <cstdio>
 
 void systemLog(const char* format, ...) {
-    // On the stack and not cleared: every request is logged.
+    // On the stack and not cleared, to save time.
     std::array<char, 1024> message;
     std::va_list arguments;
     va_start(arguments, format);

@@ -29,7 +29,7 @@ void deliverLogMessage(std::string_view message) {
     // One message stays one line in the journal.
     *std::ranges::replace_copy(message, line.begin(), '\n', ' ').out = '\0';
     ::syslog(LOG_NOTICE, "%s", line.data());
-    // The entry in the system log has the program's name and the priority, so that one is kept.
+    // Of two entries in the journal, only that of syslog has the program's name and the priority.
     if (!standardErrorIsJournal())
         (void)std::fprintf(stderr, "%s\n", line.data()); // a failure can't be reported anywhere
 }

@@ -3,8 +3,8 @@
 class QWidget;
 
 /// Shows the window and runs it modally: the program's other windows are inert until the run ends. Returns
-/// when `stopModal` is called, or when the window is closed or hidden. A pressed
-/// control of another window is released.
+/// when `stopModal` is called, or when the window is closed or hidden. A pressed slider or label of another window is
+/// released.
 void runModalForWindow(QWidget& window);
 
 /// Whether a modal run of another window makes the control's window inert.

@@ -16,7 +16,7 @@
 /// wheel, keys or assistive technology. Block a control's signals while showing a value, so that the
 /// handler does not run.
 ///
-/// The program stops with the name of anything missing or of the wrong kind.
+/// The program stops with the name of a missing or wrong part; for an outlet, at its first use.
 class WindowDescription {
 public:
     explicit WindowDescription(const QString& name);

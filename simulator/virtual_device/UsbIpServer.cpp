@@ -125,8 +125,8 @@ bool UsbIpServer::attached() const {
         m_connections, [](const Connection& connection) { return connection.session.imported(); });
 }
 
-/// A client that disconnects has unplugged the device. On the loopback interface it can be attached again at once, also
-/// when a client with unread answers does not disconnect.
+/// The end of a client's connection unplugs the device; without --attach it is plugged in again at once. An ended
+/// session with the device is dropped even if answers are unread.
 void UsbIpServer::dropEnded() {
     const bool plugged = m_device.device().plugged();
     const bool wasAttached = attached();

@@ -9,8 +9,7 @@
 
 class QIODevice;
 
-/// One client's connection, independent of the socket. Robust against any client: its memory is limited, and anything
-/// but USB/IP ends it.
+/// One client's connection, independent of the socket. Its memory is limited, and anything but USB/IP ends it.
 class UsbIpSession {
 public:
     using Clock = CaptureFrames::Clock;

@@ -150,7 +150,7 @@ private slots:
         }
     }
 
-    void textStandsOutFromItsGround() {
+    void textHasEnoughContrast() {
         for (const QString& window : kWindows) {
             const auto controller = open(window);
             for (const QWidget* control : visibleControls(*controller->window()))
@@ -159,7 +159,7 @@ private slots:
     }
 
     // The toolkit draws menus, lists and selections in these colours.
-    void paletteStandsOut() {
+    void paletteHasEnoughContrast() {
         const QPalette palette = QApplication::palette();
         for (const auto& [text, ground] : {std::pair(QPalette::Text, QPalette::Base),
                  {QPalette::HighlightedText, QPalette::Highlight}, {QPalette::ToolTipText, QPalette::ToolTipBase}})
@@ -168,7 +168,7 @@ private slots:
         QCOMPARE(palette.color(QPalette::Window), QColor("#0C0D10"));
     }
 
-    void focusGoesRoundAndShows() {
+    void focusCyclesAndIsVisible() {
         for (const auto& [window, stops] : {std::pair("Settings", 8), {"Alert", 8}, {"About", 4}}) {
             const auto controller = open(window);
             QSet<QWidget*> reached;

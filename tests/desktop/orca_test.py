@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""orca_test.py FOLDER: what the screen reader Orca says of the programs in FOLDER on a walk through their windows by
+"""orca_test.py FOLDER: checks the speech of the screen reader Orca while the programs in FOLDER are used by
 keyboard. It needs neither sound nor a braille display."""
 
 import contextlib
@@ -11,7 +11,7 @@ from desktop import X11, Program, arguments, wait_for
 
 [FOLDER] = arguments(__doc__, 1)
 
-# Keys, and the words that are said then, in this order. Orca's versions differ in what else they say.
+# Keys, and the words that are said then, in this order. Versions of Orca add different words.
 QUALITY = "Record quality combo box. {}. Bit rate of the H.264 recording made by the device."
 SLIDER = "slider {}. 0 is the quietest, 255 the loudest setting of the device."
 HDCP = "HDCP {}. selected radio button. Content protection of the HDMI signal."

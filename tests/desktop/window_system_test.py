@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""window_system_test.py FOLDER [RUNS]: the programs built in FOLDER on X11 and on Wayland. The window is dragged by its
+"""window_system_test.py FOLDER [RUNS]: the programs in FOLDER on X11 and on Wayland. The window is dragged by its
 picture, the About window is modal, and each way of quitting is exercised RUNS times."""
 
 import signal

@@ -26,7 +26,7 @@ constexpr std::array<Action, 6> kActions{{
     {"HdcpOffButton", "checked", &ViewController::TurnOffHdcp, Hdcp, 0},
 }};
 
-/// What happens to the device between two requests.
+/// A change of the device between two requests.
 struct Trouble {
     const char* name;
     void (*happen)(SimulatedDevice& device);
@@ -58,7 +58,7 @@ void useProgram() {
     TestHost::note(shown(settings));
     for (const Action& action : kActions) {
         QWidget& control = settings.control(action.control);
-        control.blockSignals(true); // not while the handler runs, which must not run itself
+        control.blockSignals(true); // not while the handler runs, which must block them itself
         control.setProperty(action.property, action.chosen);
         control.blockSignals(false);
         (settings.view().*action.handler)(nullptr);
@@ -96,7 +96,7 @@ std::pair<QStringList, bool> run(const Trouble& trouble, unsigned n, unsigned se
     const std::string end = endOf(use);
     QStringList journal;
     for (const std::string& entry : TestHost::take()) journal << QString::fromStdString(entry);
-    while (!end.empty() && journal.last().toStdString() != end) journal.removeLast(); // what was closed on the way here
+    while (!end.empty() && journal.last().toStdString() != end) journal.removeLast(); // "close" of destructors
     return {journal, requests > n};
 }
 

@@ -15,7 +15,7 @@
 using Block = std::vector<std::uint8_t>;
 using Numbers = std::vector<int>;
 
-/// What the program reads or changes.
+/// A value that is read or changed.
 enum Field : std::size_t { Microphone, Headphone, Hdmi, Aux, BitRate, Hdcp, Versions, Clock };
 
 /// The two operations on a field. To get it, its block is read and the value logged. To set it, that is done too, then
@@ -31,7 +31,7 @@ struct Operations {
     const char* announces = nullptr; ///< the log line of the value to be written
 };
 
-/// By field. The misspelt and wrong names are meant.
+/// By field. The misspelt and wrong names are intended.
 inline const std::array<Operations, 8> kOperations{{
     {13, 7, {3}, "[Get old]Mic gain = %d,\n", "GetMicrophoneVolume", "SetMicrophoneVolume"},
     {13, 7, {5}, "[Get old]Headphone vol = %d,\n", "GetHeadphoneVolume", "setHaedphone"},

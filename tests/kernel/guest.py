@@ -23,7 +23,7 @@ FIRST_USE = re.compile("a1 8[56] 00 .. 00 03 ")
 
 
 def run(command, check=True):
-    """What a command of the shell prints."""
+    """The output of a shell command."""
     return subprocess.run(command, shell=True, check=check, text=True, stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT).stdout
 
@@ -53,7 +53,7 @@ class Guest(unittest.TestCase):
     def setUp(self):
         self.as_user = ["setpriv", f"--reuid={USER}", f"--regid={USER}", "--clear-groups"]
         SEAT.write_text(f"ACTIVE=c1\nACTIVE_UID={USER}\nIS_SEAT0=1\n", encoding="ascii")
-        run("udevadm settle")  # the device of the scenario before is gone for udev, too
+        run("udevadm settle")  # handles the removal of the previous device
         run(f"rm -f {RULES}/*")
         run("udevadm control --reload")
         run("modprobe uvcvideo")

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Scenarios: what only a real kernel shows. `scenarios.py FOLDER [Scenarios.NAME...]` runs all, or those named, in a
-guest of scripts/vm-run. FOLDER has what scripts/test-kernel installs there."""
+"""Scenarios that need a real kernel. `scenarios.py FOLDER [Scenarios.NAME...]` runs all, or those named, in a
+guest of scripts/vm-run. scripts/test-kernel installs the programs in FOLDER."""
 
 import re
 import sys
@@ -82,7 +82,7 @@ class Scenarios(Guest):
         self.use_each_control("direct")
 
     def test_plugged_in_again(self):
-        """An action on the interface that was found fails, and is repeated on the device opened again."""
+        """An action on the old interface fails and is repeated on the reopened device."""
         self.install_rule()
         device = self.plug_in()
         program = self.open_settings()
@@ -96,7 +96,7 @@ class Scenarios(Guest):
             device.plug_in_again()
         self.assertNotEqual(device.capture_node(), node)
         self.turn_up_microphone("driver")
-        for value in "01":  # the interface's folder is another then, the device's is not
+        for value in "01":  # makes a new folder of the interface only
             (device.folder() / "authorized").write_text(value)
         device.wait_for_nodes()
         self.turn_up_microphone("driver")
@@ -182,7 +182,7 @@ class Scenarios(Guest):
         self.assertNotRegex(lsusb, "(?i)warning|error|unrecognized|invalid|can't|couldn't|unknown")
         compliance = run(f"v4l2-compliance -d {device.capture_node()}", check=False)
         self.assertGreaterEqual(compliance.count(": OK"), 40, compliance)
-        # The kernel refuses to set a control that an automatic has set (EACCES), and newer kernels use fields that
+        # The kernel refuses to set a control that an automatic mode sets (EACCES), and newer kernels use fields that
         # the tool of Debian 12 knows as reserved.
         self.assertNotRegex(compliance, r"(fail|warn):(?!.*(returned an error \(13\)|crbufs\.reserved))")
 

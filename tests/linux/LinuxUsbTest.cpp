@@ -87,7 +87,7 @@ protected:
 
 const FakePlug kDirect{};
 const FakePlug kKernel{.driver = "uvcvideo", .captureNode = 9};
-constexpr auto* kDevice = "/sys/devices/1-1"; // that they plug in
+constexpr auto* kDevice = "/sys/devices/1-1"; // of both
 constexpr auto* kInterface = "/sys/devices/1-1/1-1:1.0";
 
 TEST_F(LinuxUsb, MalformedDescriptorsDoNotHang) {
@@ -132,7 +132,7 @@ TEST_P(BothTransports, RequestsReachTheDeviceByteForByte) {
 
 TEST_F(LinuxUsb, PacketsThatTheDriverWouldAlterAreNotSent) {
     plugIn(kKernel);
-    // The bits of the type and of the bytes beside selector and unit. The driver takes the direction from bRequest.
+    // Each bit of the type and of the low bytes of wValue and wIndex. The driver takes the direction from bRequest.
     for (std::size_t bit = 0; bit < 24; ++bit) {
         Uvc::SetupPacket packet = kGet;
         packet[bit / 8 * 2] ^= static_cast<std::uint8_t>(1U << bit % 8);
@@ -246,7 +246,7 @@ TEST_F(LinuxUsb, TheTransportIsSelectedAtEachRequest) {
     }
 }
 
-TEST_F(LinuxUsb, TheFirstOfEqualDevicesAndLocations) {
+TEST_F(LinuxUsb, FindsLocationsAndTheFirstOfEqualDevices) {
     kernel.plug({.name = "1-2", .address = 6, .vendor = 0x1D6B}); // some hub
     kernel.plug({.name = "1-2/1-2.13", .address = 7});
     kernel.plug({.name = "12-4", .address = 5});

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-/// The host of tests: its time advances only by sleeps, which do not wait, and all events are recorded in
-/// one journal, in order:
+/// The host of tests: its time advances by sleeps, which do not wait, and by `tick`. All events are recorded in one
+/// journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
 ///   "close"       an interface is closed
@@ -37,10 +37,10 @@ struct TestHost {
     return *SimulatedBus::instance().devices.front();
 }
 
-/// Thrown by the program's `exit` and `fatalStop`, so that a test can have many ends of the program.
+/// Thrown by the program's `exit` and `fatalStop`, so that the test continues after it.
 struct ProgramEnd : std::runtime_error {
     using runtime_error::runtime_error; ///< "exit STATUS" or "fatal REASON"
 };
 
-/// The end of the program in a part of it, empty if the part returns.
+/// The end of the program that the part causes, empty if it returns.
 [[nodiscard]] std::string endOf(const std::function<void()>& part);

@@ -17,8 +17,8 @@ OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extens
 
 
 def arguments(text, least, most=None):
-    """The command line's arguments. For --help, and with status 2 for another number of arguments or an unknown option,
-    prints the text, a script's docstring, and ends."""
+    """The command line's arguments. Prints the text, a script's docstring, and ends for --help, and with status 2 for
+    another number of arguments or an unknown option."""
     given = sys.argv[1:]
     if given[:1] in (["-h"], ["--help"]):
         print(text)
@@ -40,7 +40,7 @@ def wait_for(what, condition, seconds=60):
 
 
 class Program:
-    """The program as it runs on a desktop; what it prints is in `requests()` and `log()`."""
+    """The program as it runs on a desktop; `requests()` and `log()` have its output."""
 
     def __init__(self, desktop, *command, **environment):
         self.desktop = desktop
@@ -62,7 +62,7 @@ class Program:
         return wait_for(f"window {title!r} of {self.log()}", lambda: self.windows(title))[0]
 
     def expect_end(self):
-        """Waits for the end, which has to be a clean one."""
+        """Waits for a clean end."""
         status = self.process.wait(60)
         assert status == 0, f"status {status}"
         foreign = [line for line in self.log() if not OWN_LINES.match(line)]
@@ -87,7 +87,7 @@ class Display:
                                                "tcp", "-noreset", "-r").readline().strip()  # -r: keys don't repeat
 
     def serve(self, *command):
-        """Runs a command as long as the desktop; returns what it prints."""
+        """Runs a command as long as the desktop; returns its output."""
         self.servers.append(subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
                                              text=True))
         return self.servers[-1].stdout
@@ -113,7 +113,7 @@ class Display:
                         f"^{title}$").split()
 
     def place(self, window):
-        """X, y, width and height of what is inside its frame."""
+        """X, y, width and height, without its frame."""
         printed = self.run("xdotool", "getwindowgeometry", "--shell", window)
         return tuple(int(number) for number in re.findall(r"=(-?\d+)", printed)[1:5])
 
@@ -130,7 +130,7 @@ class Display:
         first, *others = [f"mousemove {x} {y} sleep 0.3" for x, y in points]
         self.run(*f"xdotool {first} mousedown 1 {' '.join(others)} mouseup 1".split())
 
-    def picture(self, window, path):
+    def screenshot(self, window, path):
         subprocess.run(["import", "-window", window, path], env=self.env, check=True)
 
 
@@ -143,7 +143,7 @@ class X11(Display):
         wait_for("window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
     def focus(self, window):
-        self.run("timeout", "1", "xdotool", "windowactivate", "--sync", window)  # behind a modal one it never is
+        self.run("timeout", "1", "xdotool", "windowactivate", "--sync", window)  # never succeeds behind a modal one
 
     def close(self, window):
         self.run("wmctrl", "-i", "-c", window)
@@ -171,7 +171,7 @@ class Wayland(Display):
         pathlib.Path(folder, "config").write_text("output X11-1 resolution 1600x1200\nxwayland disable\n"
                                                   "for_window [title=.*] floating enable\nfocus_follows_mouse no\n")
         as_user = []
-        if os.geteuid() == 0:  # which it refuses
+        if os.geteuid() == 0:  # sway refuses to run as root
             as_user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
             os.chmod(self.folder, 0o711)
             shutil.chown(folder, 65534)

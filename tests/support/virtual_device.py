@@ -41,7 +41,7 @@ class VirtualDevice:
 
 
 class AttachedDevice(VirtualDevice):
-    """The udev rule of the same build has the identifiers."""
+    """Attached to the kernel. The udev rule of its build has its identifiers."""
 
     def __init__(self, program, rule, *options):
         self.vendor, self.product = re.findall(r'=="([0-9a-f]{4})"', read(rule))

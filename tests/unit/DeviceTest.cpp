@@ -142,7 +142,7 @@ TEST_F(Device, ModesAndLongNumbersOnTheWire) {
     EXPECT_FALSE(controller.getAutoWhiteBalance());
 }
 
-TEST_F(Device, ScalesInSinglePrecisionAndSendsTheNearest) {
+TEST_F(Device, ScalesInSinglePrecisionAndTruncates) {
     EXPECT_EQ(controller.mapValue(3, 1, 5, 0, 1), 0.5F);
     EXPECT_EQ(controller.mapValue(1, 0, 3, 3, 8), 4.66666698F); // ...51 if multiplied first or in double
     const UVCControlInfo exposure{1, 4, 4};
@@ -161,7 +161,7 @@ TEST_F(Device, ScalesInSinglePrecisionAndSendsTheNearest) {
     EXPECT_EQ(controller.getValueForControl(exposure), 0);
 }
 
-TEST_F(Device, NumbersThatAFieldDoesNotHold) {
+TEST_F(Device, OnlyTheLowBitsOfANumberAreStored) {
     EXPECT_TRUE(controller.SetAuxVolume(300)); // the low 8 bits count
     EXPECT_EQ(device().audio[2], 44);
     EXPECT_TRUE(controller.SetBitRate(17, 34)); // the low 4
@@ -173,7 +173,7 @@ TEST_F(Device, NumbersThatAFieldDoesNotHold) {
     EXPECT_EQ(TestHost::take().back(), "log new HDCP state value : 2 \n");
 }
 
-TEST_F(Device, OperationsThatNoWindowUses) {
+TEST_F(Device, FailuresClearNumbersAndKeepTheRecord) {
     std::uint8_t number = 9;
     EXPECT_TRUE(controller.GetAuxVolume(number));
     EXPECT_EQ(number, 200);

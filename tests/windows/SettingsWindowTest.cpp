@@ -13,7 +13,7 @@ const QColor kLight = QColor::fromRgbF(1, 1, 1, 0.8F);
 /// An action of the user.
 struct Action {
     const char* control; ///< has the focus before
-    const char* words;   ///< those that `act` does not explain are keys; after "hold+" a key repeats three times
+    const char* words;   ///< those unknown to `act` are keys; after "hold+" a key repeats three times
     const char* follows; ///< "!" a write to the device, "o" the menu opens, "c" it closes
     const char* held;    ///< a setting in the device afterwards
 };
@@ -128,7 +128,7 @@ void act(const SettingsWindow& settings, QWidget& control, const QString& word) 
     if (name == "late") return pressLate(Qt::Key_Up);
     if (name == "close") return (void)menu.windowHandle()->close(); // as the window system does
     if (name == "black") return beBlackOnLight(popUp);
-    if (name == "leave") { // Alt+N presses the button for a tenth of a second; a hasty user has left it by then
+    if (name == "leave") { // the click ends a tenth of a second later, after the focus has moved
         dynamic_cast<QRadioButton&>(control).animateClick();
         control.clearFocus();
         return QTest::qWait(150);
@@ -150,7 +150,7 @@ private slots:
     }
     void init() { TestHost::reset(); }
 
-    // What a user sees at start-up is the fault cells' to compare.
+    // The fault cells compare the window at start-up.
     void startUpCanBeRepeated() {
         const SettingsWindow settings;
         auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
@@ -181,7 +181,7 @@ private slots:
             settings.control(row.control).setFocus();
             for (const QString& word : QString(row.words).split(' ')) {
                 act(settings, settings.control(row.control), word);
-                QCoreApplication::processEvents(); // what the toolkit does later
+                QCoreApplication::processEvents(); // that the toolkit has posted
             }
             const QWidget& window = settings.window();
             const QImage seen = window.screen()->grabWindow(window.winId()).toImage(); // at 200 % a quarter
@@ -217,7 +217,7 @@ private slots:
         }
     }
 
-    void whatDoesNotFitStops() {
+    void valuesOutOfRangeStop() {
         const SettingsWindow settings;
         auto& slider = settings.control<QSlider>(kHeadphone);
         const QSignalBlocker blocker(slider);
