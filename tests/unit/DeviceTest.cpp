@@ -12,7 +12,6 @@
 #include <cstdlib>
 
 using testing::ElementsAre;
-using testing::StartsWith;
 
 namespace {
 
@@ -115,14 +114,14 @@ TEST_F(Device, StandardControlsHaveTheirAddressesAndScales) {
         {" 00 0a 00 02 02 00 |", &U::setWhiteBalance, &U::getWhiteBalance, 1}};
     for (const auto& [address, set, get, one] : rows) {
         const auto minimum = "a1 82" + address + " ! -9"; // so that the range is 0 to 1
-        const auto maximum = StartsWith("a1 83" + address);
+        const auto maximum = testing::StartsWith("a1 83" + address);
         refuse(UVCRequest::GET_MIN);
         EXPECT_TRUE((controller.*set)(1));
         refuse(UVCRequest::GET_MIN);
         EXPECT_EQ((controller.*get)(), one);
         EXPECT_THAT(TestHost::takeRequests(),
-            ElementsAre(minimum, maximum, StartsWith("21 01" + address + (one == 1 ? " 01 00" : " 00 00")), minimum,
-                maximum, StartsWith("a1 81" + address)));
+            ElementsAre(minimum, maximum, testing::StartsWith("21 01" + address + (one == 1 ? " 01 00" : " 00 00")),
+                minimum, maximum, testing::StartsWith("a1 81" + address)));
     }
 }
 

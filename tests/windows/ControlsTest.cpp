@@ -246,6 +246,7 @@ private slots:
     void popUpStylesItsTitles() {
         CustomPopUpButton popUp(nullptr);
         popUp.resize(160, 28);
+        CustomPopUpButton::Line(nullptr, 0, 0, 1, 1); // draws nothing
         popUp.addItemsWithTitles({QString(20, u'M'), "Two"});
         const QColor light = QColor::fromRgbF(1, 1, 1, 0.8F);
         popUp.selectItemAtIndex(0);
