@@ -206,7 +206,7 @@ private slots:
             background.moves = 0;
             QTest::mousePress(&window, button, {}, {1, y});
             for (int times = 0; times < 2; ++times) // the second one must not start another move
-                QTest::mouseMove(&window, {1 + way, y});
+                QTest::mouseMove(&window, {1 + way + times * moves, y});
             QWidget elsewhere;
             QTimer::singleShot(0, qApp, stopModal);
             runModalForWindow(elsewhere); // during which the button is released
