@@ -39,7 +39,7 @@ struct SettingsWindow {
 inline void whenModal(std::function<void(QWidget&)> act, bool again = false) {
     QTimer::singleShot(9, qApp, [act = std::move(act), again] {
         QWidget* window = QApplication::activeModalWidget();
-        window&& again ? act(*window) : whenModal(act, window);
+        return again && window != nullptr ? act(*window) : whenModal(act, window != nullptr);
     });
 }
 
