@@ -84,7 +84,7 @@ std::unique_ptr<UsbInterface> UVCCameraControl::getControlInferaceWithDeviceInte
     const auto service = interfaces.object->next();
     if (!service) return nullptr;
     auto plugIn = service->createPlugIn();
-    // Decides by and logs the result of the release, not of the plug-in: people's saved logs are read by it.
+    // The result of the release decides and is logged, not that of the plug-in: people's saved logs are read by it.
     const UsbResult released = service->release();
     if (released != UsbCode::Success || !plugIn.object) {
         systemLog("CameraControl Error: Unable to create a plug-in (%08x)\n", static_cast<unsigned>(released));
@@ -113,7 +113,7 @@ bool UVCCameraControl::sendControlRequest(UsbControlRequest request) {
         return false;
     }
     if (interface->ControlRequest(request) == UsbCode::Success) return true;
-    // Logs the result of the close, not of the request: people's saved logs are read by it.
+    // The result of the close is logged, not that of the request: people's saved logs are read by it.
     const UsbResult closed = interface->USBInterfaceClose();
     systemLog("CameraControl Error: Control request failed: %08x", static_cast<unsigned>(closed));
     return false;

@@ -68,8 +68,8 @@ may_install_own_packages() {
   may_install tavro-setup-tool tavro-setup-tool-demo
 }
 
-# build PRESET [TARGET...]: configures and builds in build/PRESET, for the device TAVRO_USB_ID, as lsusb prints it,
-# or the default one; the device of an earlier build is forgotten.
+# build PRESET [TARGET...]: configures and builds in build/PRESET, for the device TAVRO_USB_ID (as lsusb prints it)
+# or the default one. The device of an earlier build is forgotten.
 build() {
   local preset=$1 id=${TAVRO_USB_ID:-}
   shift
