@@ -2,13 +2,16 @@
 
 #include <QAbstractSlider>
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMenu>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
+
+constexpr qint64 kLate = 50; // milliseconds, more than an idle program lets a key wait
 
 bool mayRepeat(const QObject& receiver, int key) {
     switch (key) {
@@ -21,14 +24,14 @@ bool mayRepeat(const QObject& receiver, int key) {
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
         return qobject_cast<const QAbstractSlider*>(&receiver) != nullptr
-            || qobject_cast<const QLabel*>(&receiver) != nullptr || qobject_cast<const QMenu*>(&receiver) != nullptr;
+            || qobject_cast<const QLabel*>(&receiver) != nullptr;
     default: return false;
     }
 }
 
 class RepeatFilter : public QObject {
 public:
-    using QObject::QObject;
+    explicit RepeatFilter(QObject* parent) : QObject(parent) { m_clock.start(); }
 
     bool eventFilter(QObject* receiver, QEvent* event) override {
         const bool isRelease = event->type() == QEvent::KeyRelease;
@@ -37,7 +40,7 @@ public:
         if (!isRelease && !isPress && !isOverride) return false;
         const auto& key = static_cast<QKeyEvent&>(*event);
         if (isRelease) m_released = {key.key(), key.timestamp()};
-        if (isRelease || !isRepeat(key) || (isPress && mayRepeat(*receiver, key.key()))) return false;
+        if (isRelease || (isPress && !isLate(key) && mayRepeat(*receiver, key.key())) || !isRepeat(key)) return false;
         event->accept();
         return true;
     }
@@ -49,7 +52,22 @@ private:
         return key.isAutoRepeat() || (key.timestamp() != 0 && m_released == std::pair{key.key(), key.timestamp()});
     }
 
+    /// Whether a repeat has waited for requests to the device. X11 queues them, which would move a slider on after the
+    /// key's release. On Wayland they do not wait and have the time of the press.
+    bool isLate(const QKeyEvent& press) {
+        const qint64 delay = m_clock.elapsed() - static_cast<qint64>(press.timestamp()); // plus a constant
+        if (!isRepeat(press)) {
+            m_pressedAt = press.timestamp();
+            m_leastDelay = delay;
+        }
+        m_leastDelay = std::min(m_leastDelay, delay);
+        return press.timestamp() != m_pressedAt && delay > m_leastDelay + kLate;
+    }
+
     std::pair<int, quint64> m_released; ///< the last key that was released, and when
+    quint64 m_pressedAt = 0;            ///< the time of the last press that is no repeat
+    qint64 m_leastDelay = 0;            ///< since then, between an event and its arrival
+    QElapsedTimer m_clock;
 };
 
 } // namespace
