@@ -98,6 +98,7 @@ void ViewController::fillRecordQuality(std::uint8_t level) {
     describeStars(level);
     PopupRecordQuality->setArrowPosition(CustomPopUpButton::ArrowPosition::None);
     QMenu* menu = PopupRecordQuality->menu();
+    menu->disconnect(this); // of an earlier start-up
     connect(menu, &QMenu::aboutToShow, this, [this, menu] { menuWillOpen(menu); });
     connect(menu, &QMenu::aboutToHide, this, [this, menu] { menuDidClose(menu); });
 }

@@ -13,3 +13,6 @@ inline QColor deviceColor(double red, double green, double blue, double alpha) {
 
 /// The colour of disabled text.
 inline const QColor kDisabledTextColor(0x6F, 0x74, 0x7E);
+
+/// The pop-up's border and decoration.
+inline const QColor kLineColor = deviceColor(0.75, 0.15, 0.15, 1.0);

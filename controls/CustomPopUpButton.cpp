@@ -4,6 +4,7 @@
 #include "FatalStop.h"
 #include "ModalRun.h"
 #include "PopUpGeometry.h"
+#include "PopUpMenu.h"
 
 #include <QActionGroup>
 #include <QKeyEvent>
@@ -11,26 +12,17 @@
 #include <QStyleOption>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
-constexpr double kLineWidth = 1.0;
 constexpr double kFocusFrameWidth = 2.0;
 constexpr double kFocusFrameRadius = 3.0;
 constexpr QRectF kFocusFrame(3, 3, 133, 22);
-
-const QColor kMenuGround(0xF3, 0xF1, 0xF0);
-const QColor kActiveRow(0xF3, 0xC6, 0xC4);
 
 // The light colour's components are given on the scale 0 to 255, which makes white at 80 % opacity; the
 // clamped look is the intended one.
 QColor lightColor() {
     return deviceColor(220.0, 220.0, 220.0, 0.8);
-}
-
-QColor lineColor() {
-    return deviceColor(0.75, 0.15, 0.15, 1.0);
 }
 
 /// The device pixels that a rectangle covers by half or more. Filling them is sharp at every scale.
@@ -46,7 +38,7 @@ int lineWidth(const QPainter& context) {
 }
 
 void fillPixels(QPainter& context, const QRect& pixels) {
-    context.fillRect(context.deviceTransform().inverted().mapRect(QRectF(pixels)), lineColor());
+    context.fillRect(context.deviceTransform().inverted().mapRect(QRectF(pixels)), kLineColor);
 }
 
 void drawBorder(QPainter& context) {
@@ -55,46 +47,16 @@ void drawBorder(QPainter& context) {
     for (const QRect& side : QRegion(face) - face.adjusted(width, width, -width, -width)) fillPixels(context, side);
 }
 
-/// Draws each item's title as it is attributed. The style sheet gives the rows their size.
-class TitleMenu : public QMenu {
-public:
-    using QMenu::QMenu;
-
-protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter context(this);
-        context.fillRect(rect(), lineColor()); // the rows cover all but the border
-        for (QAction* item : actions()) {
-            const QRect row = actionGeometry(item);
-            context.fillRect(row, item == activeAction() ? kActiveRow : kMenuGround);
-            // Rows begin inside the border, the face under it: this aligns the titles of both.
-            const QRectF box = QRectF(row).adjusted(kTitleLeft - kLineWidth, 0, -kTitleLeft, 0);
-            drawAttributedString(context, box, item->data().value<AttributedString>());
-        }
-    }
-    // Newer toolkits close the menu, without a choice, by a press where the pointer has been since it opened.
-    void mousePressEvent(QMouseEvent* event) override {
-        m_pressed = actionAt(event->position().toPoint()) != nullptr;
-        if (!m_pressed) QMenu::mousePressEvent(event);
-    }
-    void mouseReleaseEvent(QMouseEvent* event) override {
-        QAction* item = actionAt(event->position().toPoint());
-        if (std::exchange(m_pressed, false) && item != nullptr)
-            item->trigger();
-        else
-            QMenu::mouseReleaseEvent(event);
-    }
-
-private:
-    bool m_pressed = false; ///< on an item
-};
-
 } // namespace
 
 CustomPopUpButton::CustomPopUpButton(QWidget* parent)
-    : QWidget(parent), m_menu(new TitleMenu(this)), m_items(new QActionGroup(m_menu)) {
-    m_menu->setAttribute(Qt::WA_NoMouseReplay);                 // a click beside the open menu only closes it
-    connect(m_menu, &QMenu::triggered, m_menu, &QWidget::hide); // before all handlers
+    : QWidget(parent), m_menu(new PopUpMenu(*this)), m_items(new QActionGroup(m_menu)) {
+    connect(m_menu, &QMenu::triggered, m_menu, [this](QAction* chosen) { // before all handlers
+        if (m_menu->isVisible())
+            m_menu->hide();
+        else
+            m_menu->setActiveAction(chosen); // a screen reader says it, as in the open menu
+    });
 }
 
 CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
@@ -105,13 +67,26 @@ CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/)
     fatalStop("CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)");
 }
 
+QStringList CustomPopUpButton::itemTitles() const {
+    QStringList titles;
+    for (const QAction* item : m_menu->actions()) titles.append(item->text());
+    return titles;
+}
+
+void CustomPopUpButton::setItemTitles(const QStringList& titles) {
+    removeAllItems();
+    for (const QString& title : titles) addItem(title);
+}
+
 void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {
-    for (const QString& title : titles) {
-        QAction* item = m_items->addAction(m_menu->addAction(title));
-        item->setCheckable(true);
-        connect(item, &QAction::toggled, this, qOverload<>(&QWidget::update));
-    }
+    for (const QString& title : titles) addItem(title);
     setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
+}
+
+void CustomPopUpButton::addItem(const QString& title) {
+    QAction* item = m_items->addAction(m_menu->addAction(title));
+    item->setCheckable(true);
+    connect(item, &QAction::toggled, this, qOverload<>(&QWidget::update));
 }
 
 int CustomPopUpButton::indexOfSelectedItem() const {
@@ -140,42 +115,30 @@ void CustomPopUpButton::setArrowPosition(ArrowPosition position) {
     update();
 }
 
-void CustomPopUpButton::showMenu() {
-    if (m_menu->isEmpty() || isBehindModalRun(*this)) return;
-    m_menu->popup(mapToGlobal(QPoint(0, -1)), m_items->checkedAction());
-    m_menu->setActiveAction(m_items->checkedAction());
+QMenu* CustomPopUpButton::menu() const {
+    return m_menu;
+}
+
+void CustomPopUpButton::showMenu(std::optional<quint64> pressedAt) {
+    if (!isEnabled() || m_menu->isEmpty() || isBehindModalRun(*this)) return;
+    QAction* selected = m_items->checkedAction();
+    m_menu->open(selected ? selected : m_menu->actions().front(), pressedAt);
 }
 
 void CustomPopUpButton::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) showMenu();
+    if (event->button() == Qt::LeftButton) showMenu(event->timestamp());
 }
 
-/// As in a combo box, keys choose an item without opening the menu: the next one, the first or last one, or the
-/// next one with an initial.
 void CustomPopUpButton::keyPressEvent(QKeyEvent* event) {
-    const int last = static_cast<int>(m_menu->actions().size()) - 1;
+    const bool isF4 = event->key() == Qt::Key_F4 && event->modifiers() == Qt::NoModifier;
+    const bool isAltDown = event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier;
+    if (event->key() == Qt::Key_Space || isF4 || isAltDown) return showMenu();
     const int selected = indexOfSelectedItem();
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_F4: return showMenu();
-    case Qt::Key_Up: return event->modifiers().testFlag(Qt::AltModifier) ? showMenu() : choose(selected - 1);
-    case Qt::Key_Down: return event->modifiers().testFlag(Qt::AltModifier) ? showMenu() : choose(selected + 1);
-    case Qt::Key_Home: return choose(0);
-    case Qt::Key_End: return choose(last);
-    default: break;
-    }
-    for (int step = 1; step <= last + 1 && !event->text().isEmpty(); ++step) {
-        const int index = (selected + step) % (last + 1);
-        if (m_menu->actions()[index]->text().startsWith(event->text(), Qt::CaseInsensitive)) return choose(index);
-    }
-    event->ignore();
-}
-
-void CustomPopUpButton::choose(int index) {
-    QAction* item = m_menu->actions().value(index);
-    if (!item) return;
-    item->trigger();
-    m_menu->setActiveAction(item); // a screen reader says it, as in the open menu
+    const int row = isWithCommandKey(*event) ? selected : m_menu->rowFor(*event, selected, 1);
+    if (row != selected)
+        m_menu->actions()[row]->trigger();
+    else
+        event->ignore();
 }
 
 void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx, double By) {
@@ -187,7 +150,7 @@ void CustomPopUpButton::Line(QPainter* context, double Ax, double Ay, double Bx,
         return;
     }
     context->setRenderHint(QPainter::Antialiasing);
-    context->setPen(QPen(lineColor(), kLineWidth, Qt::SolidLine, Qt::FlatCap));
+    context->setPen(QPen(kLineColor, kLineWidth, Qt::SolidLine, Qt::FlatCap));
     context->drawLine(QPointF(Ax, Ay), QPointF(Bx, By));
 }
 

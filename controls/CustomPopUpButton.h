@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <optional>
+
+class PopUpMenu;
 class QActionGroup;
 
 /// Item styles of the pop-up.
@@ -20,6 +23,7 @@ inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 class CustomPopUpButton : public QWidget, public MadeFromDescription {
     Q_OBJECT
     Q_PROPERTY(int currentIndex READ indexOfSelectedItem WRITE selectItemAtIndex USER true)
+    Q_PROPERTY(QStringList itemTitles READ itemTitles WRITE setItemTitles)
 
 public:
     /// Where the style's own arrow is drawn; the chevrons are drawn in any case.
@@ -31,10 +35,13 @@ public:
     [[noreturn]] explicit CustomPopUpButton(const QRect& frame);
     [[noreturn]] CustomPopUpButton(const QRect& frame, bool pullsDown);
 
+    /// The items of a description.
+    [[nodiscard]] QStringList itemTitles() const;
+    void setItemTitles(const QStringList& titles);
     void didDecode() override { setItemStyles(CPOPUP_TEXT_BLACK_COLOR); }
 
-    [[nodiscard]] QMenu* menu() const { return m_menu; }
-    void removeAllItems() { m_menu->clear(); }
+    [[nodiscard]] QMenu* menu() const;
+    void removeAllItems() { menu()->clear(); }
     /// Adds items and gives all items the light style.
     void addItemsWithTitles(const QStringList& titles);
     /// -1: nothing is selected.
@@ -53,8 +60,9 @@ public:
     /// Strokes one line of the decoration; draws nothing without a context.
     static void Line(QPainter* context, double Ax, double Ay, double Bx, double By);
 
-    /// Opens the menu. Does nothing while there are no items or a modal run makes this window inert.
-    void showMenu();
+    /// Opens the menu, by a press of the mouse at that time of the window system, in milliseconds, or otherwise. Does
+    /// nothing while the pop-up is disabled, has no items or is in a window made inert by a modal run.
+    void showMenu(std::optional<quint64> pressedAt = {});
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -62,12 +70,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void choose(int index);
+    void addItem(const QString& title);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
 
-    QMenu* m_menu = nullptr;
+    PopUpMenu* m_menu = nullptr;
     QActionGroup* m_items = nullptr; ///< of the menu, of which one is checked
     ArrowPosition m_arrowPosition = ArrowPosition::AtCenter;
 };

@@ -42,11 +42,11 @@ public:
         return {showMenuAction(), pressAction(), setFocusAction()};
     }
     void doAction(const QString& name) override {
-        if (name == setFocusAction())
+        if (name != showMenuAction() && name != pressAction())
             QAccessibleWidget::doAction(name);
         else if (m_popUp.menu()->isVisible())
             m_popUp.menu()->hide();
-        else if (m_popUp.isEnabled())
+        else
             m_popUp.showMenu();
     }
 
@@ -75,24 +75,22 @@ private:
     CustomPopUpButton& m_popUp;
 };
 
-/// The toolkit's own interface of a menu has the application as its parent and no selection, by which newer screen
-/// readers find the level.
-class MenuAccessible : public QAccessibleWidget
-#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0) // has no such interface before
-    ,
-                       public QAccessibleSelectionInterface
-#endif
-{
+/// Returns whether the pop-up is enabled.
+bool choose(QAction& item, const QMenu& menu) {
+    if (!menu.parentWidget()->isEnabled()) return false;
+    item.trigger();
+    return true;
+}
+
+/// The toolkit's own interface of a menu has the application as its parent.
+class MenuTreeAccessible : public QAccessibleWidget {
 public:
-    explicit MenuAccessible(QMenu& menu) : QAccessibleWidget(&menu, QAccessible::PopupMenu), m_menu(menu) {
-    }
+    explicit MenuTreeAccessible(QMenu& menu) : QAccessibleWidget(&menu, QAccessible::PopupMenu), m_menu(menu) {}
 
     [[nodiscard]] QAccessibleInterface* parent() const override {
         return QAccessible::queryAccessibleInterface(m_menu.parent());
     }
-    [[nodiscard]] int childCount() const override {
-        return static_cast<int>(m_menu.actions().size());
-    }
+    [[nodiscard]] int childCount() const override { return static_cast<int>(m_menu.actions().size()); }
     [[nodiscard]] QAccessibleInterface* child(int index) const override {
         QAction* item = m_menu.actions().value(index);
         return item ? QAccessible::queryAccessibleInterface(item) : nullptr;
@@ -101,14 +99,21 @@ public:
         return child ? static_cast<int>(m_menu.actions().indexOf(child->object())) : -1;
     }
 
+protected:
+    QMenu& m_menu;
+};
+
 #if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+/// Newer screen readers find the level by the selection.
+class MenuAccessible : public MenuTreeAccessible, public QAccessibleSelectionInterface {
+public:
+    using MenuTreeAccessible::MenuTreeAccessible;
+
     void* interface_cast(QAccessible::InterfaceType type) override {
         return type == QAccessible::SelectionInterface ? static_cast<QAccessibleSelectionInterface*>(this)
                                                        : QAccessibleWidget::interface_cast(type);
     }
-    [[nodiscard]] int selectedItemCount() const override {
-        return static_cast<int>(selectedItems().size());
-    }
+    [[nodiscard]] int selectedItemCount() const override { return static_cast<int>(selectedItems().size()); }
     [[nodiscard]] QList<QAccessibleInterface*> selectedItems() const override {
         QList<QAccessibleInterface*> selected;
         for (QAction* item : m_menu.actions()) {
@@ -118,24 +123,16 @@ public:
     }
     bool select(QAccessibleInterface* item) override {
         const int index = indexOfChild(item);
-        if (index >= 0) m_menu.actions()[index]->trigger();
-        return index >= 0;
+        return index >= 0 && choose(*m_menu.actions()[index], m_menu);
     }
     // A selection can be neither removed nor extended.
-    bool unselect(QAccessibleInterface* /*item*/) override {
-        return false;
-    }
-    bool selectAll() override {
-        return false;
-    }
-    bool clear() override {
-        return false;
-    }
-#endif
-
-private:
-    QMenu& m_menu;
+    bool unselect(QAccessibleInterface* /*item*/) override { return false; }
+    bool selectAll() override { return false; }
+    bool clear() override { return false; }
 };
+#else
+using MenuAccessible = MenuTreeAccessible; // there is no selection interface
+#endif
 
 class ItemAccessible : public QAccessibleObject, public QAccessibleActionInterface {
 public:
@@ -167,7 +164,9 @@ public:
     }
 
     [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
-    void doAction(const QString& /*name*/) override { m_item.trigger(); }
+    void doAction(const QString& name) override {
+        if (name == pressAction()) (void)choose(m_item, m_menu);
+    }
     [[nodiscard]] QStringList keyBindingsForAction(const QString& /*name*/) const override { return {}; }
 
 private:

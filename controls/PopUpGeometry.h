@@ -17,6 +17,7 @@ inline constexpr double kArrowCenter = kPopUpWidth - kArrowAreaWidth * 0.5;
 inline constexpr double kChevronShift = 1.75; // the tips are left of the centre on purpose
 inline constexpr double kTitleLeft = 12.0;
 inline constexpr double kTitleRight = 132.0;
+inline constexpr double kLineWidth = 1.0;
 
 inline constexpr PopUpLine kDivider{kDividerX, 0.0, kDividerX, kPopUpHeight};
 

@@ -1,0 +1,342 @@
+// Owns what hands do on the pop-up: each of them operates the toolkit's combo box and ours, with the same result,
+// unless ours is safer on purpose.
+
+#include "WindowTest.h"
+
+namespace {
+
+const QStringList kTitles{"High", "Middle", "Low"};
+
+/// A control with the three levels, in a window with another control.
+class Chooser {
+public:
+    virtual ~Chooser() = default;
+
+    [[nodiscard]] virtual QWidget& list() = 0; ///< the window of the open list
+    [[nodiscard]] virtual QPoint row(int index) = 0;
+    [[nodiscard]] virtual int current() = 0;
+
+    [[nodiscard]] QWidget& face() { return *m_face; }
+    [[nodiscard]] QWindow& window() { return *m_window.windowHandle(); }
+    [[nodiscard]] bool isOpen() { return list().isVisible(); }
+    [[nodiscard]] QString state() {
+        const QString focus = isOpen() || m_face->hasFocus() ? "" : ", not focused";
+        return QString(isOpen() ? "open" : "closed") + QString(", level %1").arg(current()) + m_choices + focus;
+    }
+    bool isOpenedByHurriedPress = false;
+
+protected:
+    void show(QWidget& face) {
+        m_face = &face;
+        face.setParent(&m_window);
+        face.setGeometry(200, 240, 160, 28);
+        m_window.resize(640, 514);
+        m_window.show();
+        face.setFocus();
+        (void)QTest::qWaitForWindowActive(&m_window);
+    }
+    void noteChoice() { m_choices += isOpen() ? ", chosen before it closes" : ", chosen"; }
+
+private:
+    QWidget m_window;
+    QPushButton m_other{&m_window};
+    QWidget* m_face = nullptr;
+    QString m_choices;
+};
+
+class ComboBox : public Chooser {
+public:
+    explicit ComboBox(int level) {
+        m_combo->addItems(kTitles);
+        m_combo->setCurrentIndex(level);
+        QObject::connect(m_combo, &QComboBox::activated, [this] { noteChoice(); });
+        show(*m_combo);
+    }
+    QWidget& list() override { return *m_combo->view()->window(); }
+    QPoint row(int index) override {
+        const QModelIndex row = m_combo->model()->index(index, 0);
+        return m_combo->view()->viewport()->mapToGlobal(m_combo->view()->visualRect(row).center());
+    }
+    int current() override { return m_combo->currentIndex(); }
+
+private:
+    QComboBox* m_combo = new QComboBox; // the window owns it
+};
+
+class PopUp : public Chooser {
+public:
+    explicit PopUp(int level) {
+        m_popUp->setObjectName("PopupRecordQuality"); // for the size of the rows
+        m_popUp->setStyleSheet(mainBundle::styleSheet());
+        m_popUp->setFocusPolicy(Qt::StrongFocus);
+        m_popUp->addItemsWithTitles(kTitles);
+        m_popUp->selectItemAtIndex(level);
+        QObject::connect(m_popUp->menu(), &QMenu::triggered, [this] { noteChoice(); });
+        show(*m_popUp);
+    }
+    QWidget& list() override { return *m_popUp->menu(); }
+    QPoint row(int index) override {
+        const QMenu& menu = *m_popUp->menu();
+        return menu.mapToGlobal(menu.actionGeometry(menu.actions()[index]).center());
+    }
+    int current() override { return m_popUp->indexOfSelectedItem(); }
+
+private:
+    CustomPopUpButton* m_popUp = new CustomPopUpButton(nullptr); // the window owns it
+};
+
+/// What a hand does.
+struct Hand {
+    QString name;
+    std::function<void(Chooser&)> act;
+    std::function<void(Chooser&)> safer = act; ///< what the combo box gets in its place, where ours is safer
+};
+
+// The keyboard
+
+/// As the window system reports keys, with their text; a held key repeats three times.
+void type(Chooser& chooser, QKeyCombination keys, int repeats = 0) {
+    static int lastKey = 0;
+    if (std::exchange(lastKey, keys.key()) == keys.key())
+        QTest::qSleep(1); // a press at the time of the last release would be a repeat
+    const Qt::KeyboardModifiers modifiers = keys.keyboardModifiers();
+    QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))) : QString();
+    if (!modifiers.testFlag(Qt::ShiftModifier)) text = text.toLower();
+    if (modifiers.testFlag(Qt::ControlModifier))
+        text = text.isEmpty() ? text : QString(QChar(text[0].unicode() & 0x1F));
+    const auto send = [&](bool isPress, bool isRepeat) {
+        QTest::simulateEvent(&chooser.window(), isPress, keys.key(), modifiers, text, isRepeat);
+    };
+    send(true, false);
+    for (int repeat = 0; repeat < repeats; ++repeat) {
+        send(false, true);
+        send(true, true);
+    }
+    send(false, false);
+    QCoreApplication::processEvents();
+}
+
+/// A key with Ctrl, Alt or Meta chooses nothing: those belong to shortcuts and window managers. In the open list F4 and
+/// Alt+Down choose nothing either, since the toolkit's versions differ.
+void typeSafely(Chooser& chooser, QKeyCombination keys) {
+    const auto command = keys.keyboardModifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+    const bool isAltDown = keys == (Qt::ALT | Qt::Key_Down);
+    const bool isReturn = keys.key() == Qt::Key_Return || keys.key() == Qt::Key_Enter;
+    const bool opens = keys.key() == Qt::Key_Space || isAltDown;
+    const bool mayChoose = chooser.isOpen() ? isReturn : !opens && keys.key() != Qt::Key_Tab;
+    if (chooser.isOpen() && (keys.key() == Qt::Key_F4 || isAltDown))
+        type(chooser, Qt::Key_Escape);
+    else if (!command || !mayChoose || keys == (Qt::ALT | Qt::Key_Up))
+        type(chooser, keys);
+}
+
+Hand key(QKeyCombination keys) {
+    return {QKeySequence(keys).toString(), [=](Chooser& chooser) { type(chooser, keys); },
+        [=](Chooser& chooser) { typeSafely(chooser, keys); }};
+}
+
+/// Is one press.
+Hand heldKey(Qt::Key key) {
+    return {"held " + QKeySequence(key).toString(), [=](Chooser& chooser) { type(chooser, key, 3); },
+        [=](Chooser& chooser) { typeSafely(chooser, key); }};
+}
+
+// The mouse
+
+void mouse(Chooser& chooser, QTest::MouseAction action, QPoint at, Qt::MouseButton button = Qt::LeftButton) {
+    QWindow& under = chooser.isOpen() ? *chooser.list().windowHandle() : chooser.window();
+    QTest::mouseEvent(action, &under, button, {}, under.mapFromGlobal(at));
+}
+
+struct Place {
+    QString name;
+    std::function<QPoint(Chooser&)> at; ///< on the screen
+};
+
+QPoint centreOfFace(Chooser& chooser) {
+    return chooser.face().mapToGlobal(chooser.face().rect().center());
+}
+
+Place face() {
+    return {"the face", centreOfFace};
+}
+
+Place row(int index) {
+    return {"row " + QString::number(index), [=](Chooser& chooser) { return chooser.row(index); }};
+}
+
+Place fromFace(const QString& name, QPoint offset) {
+    return {name, [=](Chooser& chooser) { return centreOfFace(chooser) + offset; }};
+}
+
+bool isHurried() {
+    return QApplication::doubleClickInterval() > 0;
+}
+
+/// A release within the double-click interval of the press that opened the list chooses nothing, and a press that does
+/// not move only opens it, however long it lasts.
+void dragSafely(Chooser& chooser, const Place& from, const Place& to, const std::function<void(Chooser&)>& drag) {
+    const bool opens = !chooser.isOpen() && from.name == face().name;
+    const bool isRowOverFace = to.name == row(std::max(chooser.current(), 0)).name;
+    if (opens && (isHurried() || to.name == from.name || isRowOverFace)) {
+        type(chooser, Qt::Key_Space);
+        mouse(chooser, QTest::MouseMove, to.at(chooser));
+        chooser.isOpenedByHurriedPress = isHurried();
+    } else if (chooser.isOpenedByHurriedPress && from.name != "beside") {
+        mouse(chooser, QTest::MouseMove, from.at(chooser));
+        mouse(chooser, QTest::MouseMove, to.at(chooser));
+    } else {
+        drag(chooser);
+    }
+}
+
+Hand drag(const Place& from, const Place& to) {
+    const auto act = [=](Chooser& chooser) {
+        mouse(chooser, QTest::MousePress, from.at(chooser));
+        mouse(chooser, QTest::MouseMove, to.at(chooser));
+        mouse(chooser, QTest::MouseRelease, to.at(chooser));
+    };
+    return {"press on " + from.name + ", release on " + to.name, act,
+        [=](Chooser& chooser) { dragSafely(chooser, from, to, act); }};
+}
+
+Hand click(const Place& place) {
+    return drag(place, place);
+}
+
+Hand doubleClick(const Place& place) {
+    return {"double click on " + place.name,
+        [=](Chooser& chooser) { mouse(chooser, QTest::MouseDClick, place.at(chooser)); }};
+}
+
+Hand rightClick(const Place& place) {
+    const auto act = [=](Chooser& chooser) { mouse(chooser, QTest::MouseClick, place.at(chooser), Qt::RightButton); };
+    return {"right click on " + place.name, act, [=](Chooser& chooser) { dragSafely(chooser, place, place, act); }};
+}
+
+Hand pressEscapeRelease(const Place& place) {
+    return {"press on " + place.name + ", Esc, release", [=](Chooser& chooser) {
+                mouse(chooser, QTest::MousePress, place.at(chooser));
+                type(chooser, Qt::Key_Escape);
+                mouse(chooser, QTest::MouseRelease, centreOfFace(chooser));
+            }};
+}
+
+/// Chooses nothing.
+Hand wheel() {
+    const auto act = [](Chooser& chooser) { turnWheel(chooser.isOpen() ? chooser.list() : chooser.face(), {0, -120}); };
+    return {"wheel", act, [](Chooser&) {}};
+}
+
+// The comparison
+
+int compared = 0;
+
+template <class Kind>
+QStringList statesAfter(const QList<Hand>& hands, int level) {
+    Kind chooser(level);
+    QStringList states;
+    QString done = QString("level %1").arg(level);
+    for (const Hand& hand : hands) {
+        (std::is_same_v<Kind, PopUp> ? hand.act : hand.safer)(chooser);
+        done += ", " + hand.name;
+        states << done + ": " + chooser.state();
+    }
+    return states;
+}
+
+/// Operates both with the same hands, one after the other, beginning with each level and with none.
+void compare(const QList<Hand>& hands) {
+    for (int level = -1; level < kTitles.size() && !QTest::currentTestFailed(); ++level) {
+        ++compared;
+        QCOMPARE(statesAfter<PopUp>(hands, level), statesAfter<ComboBox>(hands, level));
+    }
+}
+
+const Hand kOpen = key(Qt::Key_Space);
+const Hand kReturn = key(Qt::Key_Return);
+
+} // namespace
+
+class PopUpTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        setUpApplication(*qApp);
+        QLoggingCategory::defaultCategory()->setEnabled(QtWarningMsg, false); // the platform's, at each list
+    }
+    void init() {
+        QApplication::setDoubleClickInterval(600'000);
+        QApplication::setKeyboardInputInterval(600'000);
+    }
+    void cleanupTestCase() { qInfo("%d combinations compared", compared); }
+
+    void aKey_data() {
+        QTest::addColumn<QKeyCombination>("keys");
+        for (const auto key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown,
+                 Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_F4, Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Left,
+                 Qt::Key_H, Qt::Key_M, Qt::Key_L, Qt::Key_Z}) {
+            for (const auto modifier :
+                {Qt::NoModifier, Qt::ControlModifier, Qt::AltModifier, Qt::ShiftModifier, Qt::MetaModifier}) {
+                const QKeyCombination keys = modifier | key;
+                QTest::newRow(qPrintable(QKeySequence(keys).toString())) << keys;
+            }
+        }
+    }
+    void aKey() {
+        QFETCH(QKeyCombination, keys);
+        compare({key(keys), kReturn});
+        compare({kOpen, key(keys), kReturn});
+        if (keys.keyboardModifiers() != Qt::NoModifier || keys.key() == Qt::Key_Tab) return;
+        compare({heldKey(keys.key()), kReturn});
+        compare({kOpen, heldKey(keys.key()), kReturn});
+    }
+
+    void twoKeys() {
+        const QList<Qt::Key> browsing{Qt::Key_Up, Qt::Key_Down, Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp,
+            Qt::Key_PageDown, Qt::Key_H, Qt::Key_M, Qt::Key_L};
+        for (const Qt::Key first : browsing) {
+            for (const Qt::Key second : browsing) {
+                compare({key(first), key(second)});
+                compare({kOpen, key(first), key(second), kReturn});
+            }
+        }
+    }
+    void twoInitialsSlowly() {
+        QApplication::setKeyboardInputInterval(0);
+        const Hand pause{"a pause", [](Chooser&) { QTest::qSleep(2); }};
+        for (const Qt::Key first : {Qt::Key_H, Qt::Key_M, Qt::Key_L}) {
+            for (const Qt::Key second : {Qt::Key_H, Qt::Key_M, Qt::Key_L}) compare({key(first), pause, key(second)});
+        }
+    }
+
+    void aMouse_data() {
+        QTest::addColumn<int>("interval");
+        QTest::newRow("hurried") << 600'000;
+        QTest::newRow("slow") << 0; // later than the double-click interval
+    }
+    void aMouse() {
+        QFETCH(int, interval);
+        QApplication::setDoubleClickInterval(interval);
+        const QList<Place> places{row(0), row(1), row(2), fromFace("beside", {-150, 100})};
+        for (const Hand& opening : {kOpen, click(face())}) {
+            for (const Place& from : places) {
+                compare({opening, rightClick(from), kReturn});
+                compare({opening, pressEscapeRelease(from), click(face())});
+                for (const Place& to : places) compare({opening, drag(from, to), kReturn});
+            }
+            compare({opening, wheel(), kReturn});
+        }
+        for (const Place& to : places) compare({drag(face(), to), kReturn});
+        compare({wheel(), click(face()), kReturn});
+    }
+    void aHurriedMouse() {
+        compare({doubleClick(face()), kReturn});
+        compare({drag(face(), fromFace("12 pixels below", {0, 12})), click(face())});
+        compare({drag(face(), fromFace("22 pixels below", {0, 22})), click(face())});
+    }
+};
+
+QTEST_MAIN(PopUpTest)
+#include "PopUpTest.moc"
