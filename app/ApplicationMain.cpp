@@ -5,12 +5,11 @@
 #include "AlertViewController.h"
 #include "AppDelegate.h"
 #include "Bundle.h"
-#include "Colors.h"
 #include "DescribedClasses.h"
 #include "FatalStop.h"
 #include "HeldKeys.h"
 #include "Log.h"
-#include "SliderGeometry.h"
+#include "Look.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
 #include "ui_about-window.h"
@@ -19,8 +18,6 @@
 
 #include <QApplication>
 #include <QLibraryInfo>
-#include <QPalette>
-#include <QProxyStyle>
 #include <QVersionNumber>
 
 #include <clocale>
@@ -30,38 +27,6 @@
 #include <unistd.h>
 
 namespace {
-
-QPalette darkPalette() {
-    QPalette palette;
-    const auto set = [&palette](QPalette::ColorRole role, const char* color) { palette.setColor(role, color); };
-    set(QPalette::Window, "#0C0D10");
-    set(QPalette::Base, "#0C0D10");
-    set(QPalette::AlternateBase, "#141619");
-    set(QPalette::WindowText, "#D0D0D1");
-    set(QPalette::Text, "#D0D0D1");
-    set(QPalette::Highlight, "#C92A30");
-    set(QPalette::HighlightedText, "#FFFFFF");
-#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
-    set(QPalette::Accent, "#C92A30"); // otherwise the desktop's
-#endif
-    set(QPalette::PlaceholderText, "#9AA0AA");
-    set(QPalette::ToolTipBase, "#F3F1F0");
-    set(QPalette::ToolTipText, "#141619");
-    for (const auto role : {QPalette::WindowText, QPalette::Text})
-        palette.setColor(QPalette::Disabled, role, kDisabledTextColor);
-    return palette;
-}
-
-/// Fusion's hit area for a knob grows with the font's DPI; the drawn knob does not.
-class FusionWithFixedKnobs : public QProxyStyle {
-public:
-    FusionWithFixedKnobs() : QProxyStyle(QStringLiteral("Fusion")) {}
-
-    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override {
-        const bool ofKnob = metric == PM_SliderLength || metric == PM_SliderThickness;
-        return ofKnob ? kKnobSize : QProxyStyle::pixelMetric(metric, option, widget);
-    }
-};
 
 /// Exits at SIGTERM and at the end of the session with status 0. Nothing is saved and no request is completed.
 void endOnTerminate() {
@@ -98,12 +63,11 @@ void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const Q
 }
 
 void setUpApplication(QApplication& application) {
-    QApplication::setStyle(new FusionWithFixedKnobs);
-    QApplication::setPalette(darkPalette());
     // Not the display name: Qt appends that to window titles that don't end with it.
     QCoreApplication::setApplicationName(QStringLiteral("Tavro Setup Tool"));
     QGuiApplication::setDesktopFileName(QStringLiteral(TAVRO_APPLICATION_ID));
     mainBundle::open(application);
+    setLook(application);
     registerDescriptions();
     installAccessibility();
     ignoreHeldKeys();

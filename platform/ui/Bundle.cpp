@@ -8,8 +8,6 @@
 #include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
-#include <QMetaEnum>
-#include <QPalette>
 #include <QTranslator>
 
 #include <png.h>
@@ -66,23 +64,6 @@ std::optional<QVariantMap> infoDictionary() {
     const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
     if (!document.isObject()) return std::nullopt;
     return document.object().toVariantMap();
-}
-
-QString styleSheet() {
-    QFile file(QStringLiteral("bundle:Main/style.qss"));
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    QString sheet = QString::fromUtf8(file.readAll());
-    const QPalette palette = QGuiApplication::palette();
-    const auto replace = [&sheet](const QString& role, const QColor& color) {
-        sheet.replace(QStringLiteral("palette(%1)").arg(role), color.name());
-    };
-    const auto roles = QMetaEnum::fromType<QPalette::ColorRole>();
-    for (int i = 0; i < roles.keyCount(); ++i) {
-        const auto role = static_cast<QPalette::ColorRole>(roles.value(i));
-        if (role < QPalette::NColorRoles) replace(QString::fromLatin1(roles.key(i)), palette.color(role));
-    }
-    replace(QStringLiteral("DisabledText"), palette.color(QPalette::Disabled, QPalette::Text));
-    return sheet;
 }
 
 std::optional<QString> versionText() {

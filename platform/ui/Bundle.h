@@ -21,10 +21,6 @@ void open(
 /// unreadable.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
-/// The style sheet of all windows. `palette(ROLE)` in it stands for the application's colour of that role, by its name
-/// in QPalette, `palette(DisabledText)` for that of disabled texts. Empty if there is none.
-[[nodiscard]] QString styleSheet();
-
 /// "Version 1.0.0" in the user's language. Absent if the application information has no version.
 [[nodiscard]] std::optional<QString> versionText();
 
