@@ -51,6 +51,7 @@ void drawBorder(QPainter& context) {
 
 CustomPopUpButton::CustomPopUpButton(QWidget* parent)
     : QWidget(parent), m_menu(new PopUpMenu(*this)), m_items(new QActionGroup(m_menu)) {
+    setFixedSize(kPopUpWidth, kPopUpHeight);
     connect(m_menu, &QMenu::triggered, m_menu, [this](QAction* chosen) { // before all handlers
         if (m_menu->isVisible())
             m_menu->hide();
@@ -181,8 +182,8 @@ void CustomPopUpButton::drawDecorations(QPainter& context) const {
         arrow.rect = QRectF(kDividerX, 0, kArrowAreaWidth, kPopUpHeight).toRect();
         style()->drawPrimitive(QStyle::PE_IndicatorArrowDown, &arrow, &context, this);
     }
-    const auto stroke = [&context](const PopUpLine& line) { Line(&context, line.Ax, line.Ay, line.Bx, line.By); };
+    const auto stroke = [&context](const QLineF& line) { Line(&context, line.x1(), line.y1(), line.x2(), line.y2()); };
     stroke(kDivider);
-    for (const PopUpLine& line : kChevrons) stroke(line);
+    for (const QLineF& line : kChevrons) stroke(line);
     drawBorder(context);
 }

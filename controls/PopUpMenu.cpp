@@ -25,6 +25,11 @@ bool isWithCommandKey(const QKeyEvent& event) {
 
 PopUpMenu::PopUpMenu(QWidget& face) : QMenu(&face), m_face(face) {
     setAttribute(Qt::WA_NoMouseReplay); // a click beside the open menu only closes it
+    // Only the sizes: the colours are drawn here.
+    setStyleSheet(QStringLiteral("QMenu { border: 1px solid; padding: 0; margin: 0; }"
+                                 "QMenu::item { width: %1px; height: %2px; padding: 0; margin: 0; }")
+                      .arg(kPopUpWidth - 2)
+                      .arg(kPopUpHeight));
 }
 
 void PopUpMenu::open(QAction* active, std::optional<quint64> pressedAt) {

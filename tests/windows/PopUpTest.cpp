@@ -66,8 +66,6 @@ private:
 class PopUp : public Chooser {
 public:
     explicit PopUp(int level) {
-        m_popUp->setObjectName("PopupRecordQuality"); // for the size of the rows
-        m_popUp->setStyleSheet(mainBundle::styleSheet());
         m_popUp->setFocusPolicy(Qt::StrongFocus);
         m_popUp->addItemsWithTitles(kTitles);
         m_popUp->selectItemAtIndex(level);
