@@ -1,6 +1,6 @@
 #include "Accessibility.h"
 
-#include "ImageViews.h"
+#include "Labels.h"
 #include "PopUpAccessible.h"
 
 #include <QAccessibleWidget>

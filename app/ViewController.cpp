@@ -7,7 +7,6 @@
 
 #include <QSignalBlocker>
 
-#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <limits>
@@ -15,6 +14,11 @@
 static_assert(ViewController::CFW_DATA_ARRAY_SIZE == std::tuple_size_v<FirmwareVersionRecord>);
 
 namespace {
+
+/// An unknown level is shown as the best quality.
+std::uint8_t knownLevel(std::uint8_t level) {
+    return level <= ViewController::CBIT_RATE_LOW ? level : ViewController::CBIT_RATE_HIGH;
+}
 
 /// The value of a control as a byte. A value out of range is a fault of the window description.
 std::uint8_t checkedByte(int value, const char* control) {
@@ -43,10 +47,6 @@ QString firmwareText(const FirmwareVersionRecord& b) {
 }
 
 } // namespace
-
-void ViewController::setRepresentedObject(const QVariant& object) {
-    ContentController::setRepresentedObject(object);
-}
 
 void ViewController::viewDidLoad() {
     ContentController::viewDidLoad();
@@ -150,21 +150,12 @@ void ViewController::ChooseRecordQuality(QObject* /*sender*/) {
 }
 
 void ViewController::DisplayBitRateImage(std::uint8_t level) {
-    struct LevelImage {
-        std::uint8_t level;
-        const char* name;
-    };
-    constexpr std::array<LevelImage, 3> kImages{{{CBIT_RATE_HIGH, "img_starBest.png"},
-        {CBIT_RATE_MIDDLE, "img_starGood.png"}, {CBIT_RATE_LOW, "img_starGen.png"}}};
-    const auto* const found = std::ranges::find(kImages, level, &LevelImage::level);
-    const LevelImage& shown = found == kImages.end() ? kImages.front() : *found;
-    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(shown.name)));
+    constexpr std::array kImages{"img_starBest.png", "img_starGood.png", "img_starGen.png"}; // by level
+    QualityImage->setPixmap(mainBundle::imageNamed(QString::fromLatin1(kImages.at(knownLevel(level)))));
 }
 
 void ViewController::describeStars(std::uint8_t level) {
-    const QString title = PopupRecordQuality->attributedTitle(level).string;
-    QualityImage->setAccessibleDescription(
-        title.isEmpty() ? PopupRecordQuality->attributedTitle(CBIT_RATE_HIGH).string : title);
+    QualityImage->setAccessibleDescription(PopupRecordQuality->itemTitles().value(knownLevel(level)));
 }
 
 void ViewController::menuWillOpen(QObject* /*menu*/) {

@@ -3,7 +3,7 @@
 #include "AttributedRadioButton.h"
 #include "ContentController.h"
 #include "CustomPopUpButton.h"
-#include "ImageViews.h"
+#include "Labels.h"
 #include "VN318UvcController.h"
 
 #include <QLabel>
@@ -55,7 +55,6 @@ public:
     /// Start-up. Blocks until all settings are read. If there is no device, or its clock can't be set, shows the
     /// alert and ends the program.
     void viewDidLoad() override;
-    void setRepresentedObject(const QVariant& object) override;
 
     /// Shows a bit-rate level as stars; an unknown one as the best.
     void DisplayBitRateImage(std::uint8_t level);

@@ -29,7 +29,7 @@ void AttributedRadioButton::paintEvent(QPaintEvent* event) {
     QStyleOptionButton option;
     initStyleOption(&option);
     const bool underline = style()->styleHint(QStyle::SH_UnderlineShortcut, &option, this) != 0;
-    AttributedString title = withMnemonic(m_title, underline);
+    AttributedString title = withoutMnemonicMark(m_title, underline);
     if (!isEnabled())
         title.addColor(0, title.string.size(), kDisabledTextColor);
     else if (underMouse())

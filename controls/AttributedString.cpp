@@ -19,7 +19,7 @@ qsizetype perceivedCharacters(const QString& string) {
 
 void removeUnit(AttributedString& text, qsizetype index) {
     text.string.remove(index, 1);
-    for (QTextLayout::FormatRange& range : text.colors) {
+    for (QTextLayout::FormatRange& range : text.formats) {
         if (range.start > index)
             --range.start;
         else if (range.start + range.length > index)
@@ -32,7 +32,7 @@ void removeUnit(AttributedString& text, qsizetype index) {
 void AttributedString::addColor(qsizetype start, qsizetype length, const QColor& color) {
     QTextCharFormat format;
     format.setForeground(color);
-    colors.append({static_cast<int>(start), static_cast<int>(length), format});
+    formats.append({static_cast<int>(start), static_cast<int>(length), format});
 }
 
 QColor AttributedString::colorAt(qsizetype index) const {
@@ -40,8 +40,8 @@ QColor AttributedString::colorAt(qsizetype index) const {
         return index >= range.start && index < range.start + range.length
             && range.format.hasProperty(QTextFormat::ForegroundBrush);
     };
-    const auto found = std::find_if(colors.rbegin(), colors.rend(), covers);
-    return found == colors.rend() ? QColor() : found->format.foreground().color();
+    const auto found = std::find_if(formats.rbegin(), formats.rend(), covers);
+    return found == formats.rend() ? QColor() : found->format.foreground().color();
 }
 
 QFont titleFont() {
@@ -59,7 +59,7 @@ AttributedString createAttributedString(
     return result;
 }
 
-AttributedString withMnemonic(const AttributedString& title, bool underline) {
+AttributedString withoutMnemonicMark(const AttributedString& title, bool underline) {
     AttributedString shown = title;
     qsizetype mnemonic = -1;
     for (qsizetype mark = shown.string.indexOf(u'&'); mark >= 0 && mark + 1 < shown.string.size();
@@ -71,7 +71,7 @@ AttributedString withMnemonic(const AttributedString& title, bool underline) {
     if (underline && mnemonic >= 0) {
         QTextCharFormat format;
         format.setFontUnderline(true); // in the colour of the range around it
-        shown.colors.append({static_cast<int>(mnemonic), 1, format});
+        shown.formats.append({static_cast<int>(mnemonic), 1, format});
     }
     return shown;
 }
@@ -82,7 +82,7 @@ void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString
     QTextOption option;
     option.setWrapMode(QTextOption::NoWrap);
     layout.setTextOption(option);
-    layout.setFormats(text.colors);
+    layout.setFormats(text.formats);
     layout.beginLayout();
     QTextLine line = layout.createLine();
     if (line.isValid()) line.setLineWidth(box.width());

@@ -14,7 +14,7 @@
 struct AttributedString {
     QString string;
     QFont font;
-    QList<QTextLayout::FormatRange> colors;
+    QList<QTextLayout::FormatRange> formats;
 
     void addColor(qsizetype start, qsizetype length, const QColor& color);
     /// The colour of one code unit; invalid if it has none.
@@ -33,7 +33,7 @@ Q_DECLARE_METATYPE(AttributedString)
 
 /// The title without its mnemonic mark "&". The character after the mark is underlined if `underline` is true.
 /// "&&" becomes a plain "&".
-[[nodiscard]] AttributedString withMnemonic(const AttributedString& title, bool underline);
+[[nodiscard]] AttributedString withoutMnemonicMark(const AttributedString& title, bool underline);
 
 /// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. Text without a
 /// colour is drawn in the painter's.

@@ -1,4 +1,4 @@
-#include "ImageViews.h"
+#include "Labels.h"
 
 #include <QApplication>
 #include <QLayout>
@@ -7,41 +7,33 @@
 #include <QStyle>
 #include <QWindow>
 
-namespace {
-
-/// Draws the picture at its own size and its label's alignment, both mirrored in right-to-left layouts.
-void drawPicture(QLabel& label) {
-    QPixmap picture = label.pixmap();
-    if (label.isRightToLeft()) picture = picture.transformed(QTransform::fromScale(-1, 1));
-    const QRect place = QStyle::alignedRect(
-        label.layoutDirection(), label.alignment(), picture.deviceIndependentSize().toSize(), label.rect());
-    QPainter painter(&label);
+void MirroredImageView::paintEvent(QPaintEvent* /*event*/) {
+    QPixmap picture = pixmap();
+    if (isRightToLeft()) picture = picture.transformed(QTransform::fromScale(-1, 1));
+    const QRect place =
+        QStyle::alignedRect(layoutDirection(), alignment(), picture.deviceIndependentSize().toSize(), rect());
+    QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform); // between 100 and 200 % the dense picture is drawn smaller
     painter.drawPixmap(place.topLeft(), picture);
 }
 
-} // namespace
-
 QSize BackgroundImageView::sizeHint() const {
-    return layout() ? layout()->sizeHint() : QLabel::sizeHint();
+    return layout() ? layout()->sizeHint() : MirroredImageView::sizeHint();
 }
 
 QSize BackgroundImageView::minimumSizeHint() const {
-    return layout() ? layout()->minimumSize() : QLabel::minimumSizeHint();
-}
-
-void BackgroundImageView::paintEvent(QPaintEvent* /*event*/) {
-    drawPicture(*this); // mirrored, so that the bright corner stays off the heading
+    return layout() ? layout()->minimumSize() : MirroredImageView::minimumSizeHint();
 }
 
 void BackgroundImageView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow()) return QLabel::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton || !mouseDownCanMoveWindow())
+        return MirroredImageView::mousePressEvent(event);
     m_pressed = event->globalPosition();
 }
 
 // A click with a small movement must not move the window.
 void BackgroundImageView::mouseMoveEvent(QMouseEvent* event) {
-    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton)) return QLabel::mouseMoveEvent(event);
+    if (!m_pressed || !event->buttons().testFlag(Qt::LeftButton)) return MirroredImageView::mouseMoveEvent(event);
     if ((event->globalPosition() - *m_pressed).manhattanLength() < QApplication::startDragDistance()) return;
     m_pressed.reset();
     startMove();
@@ -49,13 +41,9 @@ void BackgroundImageView::mouseMoveEvent(QMouseEvent* event) {
 
 void BackgroundImageView::mouseReleaseEvent(QMouseEvent* event) {
     m_pressed.reset();
-    QLabel::mouseReleaseEvent(event);
+    MirroredImageView::mouseReleaseEvent(event);
 }
 
 void BackgroundImageView::startMove() {
     if (QWindow* handle = window()->windowHandle()) handle->startSystemMove(); // has no effect without a window manager
-}
-
-void MirroredImageView::paintEvent(QPaintEvent* /*event*/) {
-    drawPicture(*this);
 }

@@ -1,12 +1,24 @@
 #pragma once
 
 #include <QLabel>
+#include <QPushButton>
 
 #include <optional>
 
+/// A label that draws its picture at its own size and alignment, both mirrored in right-to-left layouts.
+class MirroredImageView : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit MirroredImageView(QWidget* parent) : QLabel(parent) {}
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
 /// A background picture that contains a window's controls. Dragging it, or a label or card on it, moves the window.
-/// The picture keeps its size and its alignment; it fades into the window's colour.
-class BackgroundImageView : public QLabel {
+/// The picture fades into the window's colour.
+class BackgroundImageView : public MirroredImageView {
     Q_OBJECT
 
 public:
@@ -17,9 +29,8 @@ public:
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    explicit BackgroundImageView(QWidget* parent) : QLabel(parent) {}
+    explicit BackgroundImageView(QWidget* parent) : MirroredImageView(parent) {}
 
-    void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -54,13 +65,25 @@ public:
     explicit AboutImageView(QWidget* parent) : BackgroundImageView(parent) {}
 };
 
-/// A label that mirrors its picture in right-to-left layouts.
-class MirroredImageView : public QLabel {
+/// A text that can be selected and copied, also with the keyboard.
+class SelectableLabel : public QLabel {
     Q_OBJECT
 
 public:
-    explicit MirroredImageView(QWidget* parent) : QLabel(parent) {}
+    explicit SelectableLabel(QWidget* parent) : QLabel(parent) {
+        setTextInteractionFlags(Qt::TextSelectableByKeyboard | Qt::TextSelectableByMouse);
+        setFocusPolicy(Qt::StrongFocus); // after the flags, which change it
+    }
+};
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
+/// A disabled button used as a label. It lets the mouse through, so that the window can be dragged by it.
+class LegendButton : public QPushButton {
+    Q_OBJECT
+
+public:
+    explicit LegendButton(QWidget* parent) : QPushButton(parent) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setEnabled(false);
+        setFocusPolicy(Qt::NoFocus);
+    }
 };

@@ -48,13 +48,10 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
     const MakeWindow make = describedWindows().value(file);
     if (!make) fatalStop("window description: unknown window %s", qUtf8Printable(file));
     std::unique_ptr<QWidget> window = make();
-    window->setStyleSheet(mainBundle::styleSheet());
-    // By name, so that dense screens get the dense picture.
     for (QLabel* label : window->findChildren<QLabel*>()) {
-        if (const QVariant image = label->property("image"); image.isValid())
-            label->setPixmap(mainBundle::imageNamed(image.toString()));
-        if (const auto version = mainBundle::versionText(); version && label->property("showsVersion").toBool())
-            label->setText(*version);
+        const QVariant image = label->property("image"); // a name, so that dense screens get the dense picture
+        if (image.isValid()) label->setPixmap(mainBundle::imageNamed(image.toString()));
+        if (label->property("showsVersion").toBool()) label->setText(mainBundle::versionText().value_or(label->text()));
     }
     // Collected first, because didDecode may delete children of its control.
     std::vector<MadeFromDescription*> found;

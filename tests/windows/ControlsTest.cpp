@@ -81,7 +81,7 @@ QString colorsOf(const AttributedString& text) {
         const QColor color = text.colorAt(i);
         colors += color == Qt::white ? u'w' : color == Qt::red ? u'r' : u'-';
     }
-    for (const QTextLayout::FormatRange& range : text.colors)
+    for (const QTextLayout::FormatRange& range : text.formats)
         if (range.format.fontUnderline())
             colors.replace(range.start, range.length, colors.mid(range.start, range.length).toUpper());
     return colors;
@@ -209,11 +209,11 @@ private slots:
                  {"&On", "", "On", "Ww"}, {"On&", "", "On&", "www"}, {"O&&n", "", "O&n", "www"},
                  {"&&&On", "", "&On", "wWw"}}) {
             const AttributedString made = createAttributedString(text, Qt::white, red, Qt::red);
-            const AttributedString title = withMnemonic(made, true);
+            const AttributedString title = withoutMnemonicMark(made, true);
             QCOMPARE(title.string, shown);
             QCOMPARE(title.font.pixelSize(), 14);
             QCOMPARE(colorsOf(title), colors);
-            QCOMPARE(colorsOf(withMnemonic(made, false)), QString(colors).toLower());
+            QCOMPARE(colorsOf(withoutMnemonicMark(made, false)), QString(colors).toLower());
         }
     }
 
