@@ -3,14 +3,12 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <QImage>
+#include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
-
-#include <png.h>
 
 #include <utility>
 
@@ -28,20 +26,11 @@ QString install(QCoreApplication& application, const QLocale& locale, const QStr
     return translator->language();
 }
 
-/// Null if unreadable. Uses libpng because Qt's own reader first loads all image plug-ins of the desktop.
+/// Null if unreadable. The format is named, so that Qt asks none of the desktop's image plug-ins.
 QImage readPng(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    const QByteArray bytes = file.readAll();
-    png_image png{};
-    png.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_memory(&png, bytes.constData(), static_cast<std::size_t>(bytes.size())) == 0)
-        return {};
-    png.format = PNG_FORMAT_RGBA;
-    QImage image(static_cast<int>(png.width), static_cast<int>(png.height), QImage::Format_RGBA8888);
-    if (png_image_finish_read(&png, nullptr, image.bits(), static_cast<int>(image.bytesPerLine()), nullptr) == 0)
-        return {};
-    return image;
+    QImageReader reader(path, "png");
+    reader.setAutoDetectImageFormat(false);
+    return reader.read();
 }
 
 } // namespace
