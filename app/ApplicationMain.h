@@ -13,6 +13,6 @@ void setUpApplication(QApplication& application);
 /// When the connection to the display ends, the program ends with status 0, unless Qt connects again.
 void logQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
-/// Runs the program: sets the application up, opens the window that "Main" describes and handles events until
-/// the end. Accepts only Qt's own command-line options. Ends by exit.
+/// Runs the program: sets the application up, opens the window that "Main" describes and handles events until the end.
+/// Accepts only Qt's own command-line options. Ends by exit.
 [[noreturn]] int applicationMain(int argc, char** argv);

@@ -52,8 +52,8 @@ public:
     /// The open device; absent before start-up, between two openings and after a failed one.
     std::unique_ptr<CVn318UvcController> DeviceCtrl;
 
-    /// Start-up. Blocks until all settings are read. If there is no device, or its clock can't be set, shows the
-    /// alert and ends the program.
+    /// Start-up. Blocks until all settings are read. If there is no device, or its clock can't be set, shows the alert
+    /// and ends the program.
     void viewDidLoad() override;
 
     /// Shows a bit-rate level as stars; an unknown one as the best.
@@ -82,8 +82,8 @@ private:
 
     /// The open device. Stops the program if it is absent.
     [[nodiscard]] CVn318UvcController& device() const;
-    /// Makes the call. If it fails the device is opened again and the call is repeated once; if that fails
-    /// too, the alert is shown and the program ends.
+    /// Makes the call. If it fails the device is opened again and the call is repeated once; if that fails too, the
+    /// alert is shown and the program ends.
     void callOrQuit(const DeviceCall& call);
     [[noreturn]] void alertAndQuit();
     /// Writes the value of the slider, then shows the value that the device reports. `extraWrite` may be absent.

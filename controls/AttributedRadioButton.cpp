@@ -12,8 +12,8 @@ void AttributedRadioButton::setAttributedTitle(const AttributedString& title) {
     update();
 }
 
-/// A mnemonic selects before it moves the focus, so that a screen reader says that the button is selected. The
-/// toolkit selects it a tenth of a second later.
+/// A mnemonic selects before it moves the focus, so that a screen reader says that the button is selected. The toolkit
+/// selects it a tenth of a second later.
 bool AttributedRadioButton::event(QEvent* event) {
     if (event->type() != QEvent::Shortcut) return QRadioButton::event(event);
     click();

@@ -9,8 +9,8 @@
 #include <QString>
 #include <QTextLayout>
 
-/// A text in one font with colours for ranges, counted in 16-bit code units. Where two ranges overlap, the later one
-/// is drawn.
+/// A text in one font with colours for ranges, counted in 16-bit code units. Where two ranges overlap, the later one is
+/// drawn.
 struct AttributedString {
     QString string;
     QFont font;
@@ -25,9 +25,9 @@ Q_DECLARE_METATYPE(AttributedString)
 /// The system's general font at 14 points, where a point is one logical pixel.
 [[nodiscard]] QFont titleFont();
 
-/// `fullString` in the title font and in `fullStringColor`, its first `subString` in `subStringColor`. The
-/// first colour spans as many code units as the string has user-perceived characters, so the end of a string
-/// with characters of several code units has no colour. A `subString` that does not occur colours nothing.
+/// `fullString` in the title font and in `fullStringColor`, its first `subString` in `subStringColor`. The first colour
+/// covers as many code units as the string has user-perceived characters: if one of those has several code units, the
+/// end of the string has no colour. A `subString` that does not occur colours nothing.
 [[nodiscard]] AttributedString createAttributedString(
     const QString& fullString, const QColor& fullStringColor, const QString& subString, const QColor& subStringColor);
 
@@ -35,6 +35,6 @@ Q_DECLARE_METATYPE(AttributedString)
 /// "&&" becomes a plain "&".
 [[nodiscard]] AttributedString withoutMnemonicMark(const AttributedString& title, bool underline);
 
-/// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. Text without a
-/// colour is drawn in the painter's.
+/// Draws one line, vertically centred in `box` from its leading edge on and elided at its end. Text without a colour is
+/// drawn in the painter's.
 void drawAttributedString(QPainter& painter, const QRectF& box, AttributedString text);

@@ -19,8 +19,8 @@ constexpr double kFocusFrameWidth = 2.0;
 constexpr double kFocusFrameRadius = 3.0;
 constexpr QRectF kFocusFrame(3, 3, 133, 22);
 
-// The light colour's components are given on the scale 0 to 255, which makes white at 80 % opacity; the
-// clamped look is the intended one.
+// The light colour's components are given on the scale 0 to 255, which makes white at 80 % opacity; the clamped look is
+// the intended one.
 QColor lightColor() {
     return deviceColor(220.0, 220.0, 220.0, 0.8);
 }

@@ -16,10 +16,10 @@ class QActionGroup;
 inline constexpr int CPOPUP_TEXT_BLACK_COLOR = 1; ///< for the open menu, which is light
 inline constexpr int CPOPUP_TEXT_WHITE_COLOR = 2; ///< for the closed button
 
-/// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron. Its
-/// items are actions of its menu, one of which is checked; their titles are attributed strings. The menu emits
-/// `triggered` once for each choice of the user, also for the current item. Browsing the open menu and the
-/// mouse wheel choose nothing.
+/// A pop-up button in the dark style: a black face with a dark-red border, a divider and a double chevron. Its items
+/// are actions of its menu, one of which is checked; their titles are attributed strings. The menu emits `triggered`
+/// once for each choice of the user, also for the current item. Browsing the open menu and the mouse wheel choose
+/// nothing.
 class CustomPopUpButton : public QWidget, public MadeFromDescription {
     Q_OBJECT
     Q_PROPERTY(int currentIndex READ indexOfSelectedItem WRITE selectItemAtIndex USER true)

@@ -42,7 +42,7 @@ QLinearGradient knobGradient(const QRectF& knob, bool enabled) {
     return gradient;
 }
 
-/// In the wheel's units, positive to the right and away from the user.
+/// How far the wheel was turned, in eighths of a degree; positive is up or to the right.
 int wheelDelta(const QWheelEvent& event) {
     const QPoint angle = event.angleDelta().isNull() ? event.pixelDelta() * kAnglePerPixel : event.angleDelta();
     const int delta = std::abs(angle.y()) >= std::abs(angle.x()) ? angle.y() : -angle.x();

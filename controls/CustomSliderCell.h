@@ -7,9 +7,9 @@
 
 class QPainter;
 
-/// A slider in the dark style: a thin white bar with a row of ticks above it. It shows its value above the
-/// knob while the pointer is over it or it has the focus. Input is handled by QSlider, except for the wheel.
-/// The ticks depend on the bar that was drawn last.
+/// A slider in the dark style: a thin white bar with a row of ticks above it. It shows its value above the knob while
+/// the pointer is over it or it has the focus. Input is handled by QSlider, except for the wheel. The ticks depend on
+/// the bar that was drawn last.
 class DrawnSlider : public QSlider {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private:
     TickSpacing m_spacing;
     double m_gWidth = 0;
     double m_radiusW = kKnobAllowance;
-    int m_wheelRest = 0; ///< of the wheel's turn, below one step: angle times steps per notch
+    int m_wheelRest = 0; ///< angle times steps per notch that was not enough for a step
 };
 
 /// With ticks at every twentieth of its travel.

@@ -16,8 +16,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A background picture that contains a window's controls. Dragging it, or a label or card on it, moves the window.
-/// The picture fades into the window's colour.
+/// A background picture that contains a window's controls. Dragging it, or a label or card on it, moves the window. The
+/// picture fades into the window's colour.
 class BackgroundImageView : public MirroredImageView {
     Q_OBJECT
 

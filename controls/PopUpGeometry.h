@@ -4,8 +4,7 @@
 
 #include <array>
 
-// The drawn pop-up's geometry in logical pixels, for painting and tests. It does not follow the button's
-// size.
+// The drawn pop-up's geometry in logical pixels, for painting and tests. It does not follow the button's size.
 
 inline constexpr int kPopUpWidth = 160;
 inline constexpr int kPopUpHeight = 28;

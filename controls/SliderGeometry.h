@@ -16,9 +16,9 @@ enum class TickSpacing : unsigned char { Twentieth, Quarter };
 /// The track inside a bar rectangle: as wide as the bar, 3 high.
 [[nodiscard]] QRectF trackRect(const QRectF& bar);
 
-/// Horizontal positions of the ticks over a bar of that width; they reach from `kTickTop` to `kTickBottom`.
-/// Empty for a bar that has not been drawn yet or is too narrow for the first tick. Only the first tick if the next
-/// one would be left of it or too close to distinguish.
+/// Horizontal positions of the ticks over a bar of that width; they reach from `kTickTop` to `kTickBottom`. Empty for a
+/// bar that has not been drawn yet or is too narrow for the first tick. Only the first tick if the next one would be
+/// left of it or too close to distinguish.
 [[nodiscard]] std::vector<double> tickPositions(double barWidth, double knobAllowance, TickSpacing spacing);
 
 inline constexpr double kKnobAllowance = 20.0;

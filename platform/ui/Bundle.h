@@ -12,13 +12,12 @@
 /// The program's resources, under the search path "bundle:". They are built into the program.
 namespace mainBundle {
 
-/// Sets the search path and installs the texts in the user's language. Call once, after the application
-/// object is made and before any window is. `qtTranslations` is the folder of Qt's own texts.
+/// Sets the search path and installs the texts in the user's language. Call once, after the application object is made
+/// and before any window is. `qtTranslations` is the folder of Qt's own texts.
 void open(
     QCoreApplication& application, const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 
-/// Application information by key ("CFBundleShortVersionString"). Absent if missing or
-/// unreadable.
+/// Application information by key ("CFBundleShortVersionString"). Absent if missing or unreadable.
 [[nodiscard]] std::optional<QVariantMap> infoDictionary();
 
 /// "Version 1.0.0" in the user's language. Absent if the application information has no version.
@@ -32,8 +31,7 @@ void open(
 
 } // namespace mainBundle
 
-/// The texts of the code, by upper-case key: `Localizable::tr("HIGH", "High")`. An untranslated key is its own
-/// text.
+/// The texts of the code, by upper-case key: `Localizable::tr("HIGH", "High")`. An untranslated key is its own text.
 struct Localizable {
     Q_DECLARE_TR_FUNCTIONS(Localizable)
 };

@@ -5,8 +5,8 @@
 #include <QObject>
 #include <QVariant>
 
-/// Controls a window's content. The window description makes it, connects its outlets to the window's controls and
-/// the controls' actions to its slots, all by name, and calls `viewDidLoad`.
+/// Controls a window's content. The window description makes it, connects its outlets to the window's controls and the
+/// controls' actions to its slots, all by name, and calls `viewDidLoad`.
 class ContentController : public QObject {
     Q_OBJECT
 

@@ -29,8 +29,8 @@ inline QHash<QString, MakeWindow>& describedWindows() {
     return windows;
 }
 
-/// Makes a window known to window descriptions. `Window` is the class at the top of the .ui file, `Form` the class
-/// that Qt's uic writes for it.
+/// Makes a window known to window descriptions. `Window` is the class at the top of the .ui file, `Form` the class that
+/// Qt's uic writes for it.
 template <class Window, class Form>
 void registerDescribedWindow(const QString& file) {
     describedWindows()[file] = [] {

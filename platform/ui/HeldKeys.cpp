@@ -46,7 +46,7 @@ public:
     }
 
 private:
-    /// On X11 a key repeats by a release and a press at the same time, in which Qt recognises no repeat if the press
+    /// On X11 a repeat is a release and a press with the same time. Qt takes them for a new press if the second one
     /// arrives late.
     [[nodiscard]] bool isRepeat(const QKeyEvent& key) const {
         return key.isAutoRepeat() || (key.timestamp() != 0 && m_released == std::pair{key.key(), key.timestamp()});

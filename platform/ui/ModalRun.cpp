@@ -55,8 +55,8 @@ ModalRun::ModalRun(QWidget& window) : m_window(window), m_outer(std::exchange(in
     QObject::connect(&window, &QObject::destroyed, &m_loop, &QEventLoop::quit);
 }
 
-/// The window's controls get no mouse events during the run: a pressed groove would repeat forever, and a pressed
-/// picture would move the window after it. A released button would be clicked.
+/// Releases pressed grooves, which would repeat without end, and pictures, which would move the window after the run:
+/// the window gets no mouse events during it. Buttons are not released, since a release is a click.
 void ModalRun::rememberAndRelease(QWidget& window) {
     for (QWidget* control : window.findChildren<QWidget*>()) {
         if (qobject_cast<QAbstractSlider*>(control) || qobject_cast<QLabel*>(control)) {

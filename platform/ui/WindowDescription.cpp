@@ -62,9 +62,9 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
     return window;
 }
 
-/// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology
-/// toggles without a press, for which `clicked` is not emitted. A press that selects emits both while one event
-/// is handled: after `toggled` the action waits for the end of that event, and is dropped if `clicked` ran it.
+/// A press of the selected button is an action too, for which `toggled` is not emitted; assistive technology toggles
+/// without a press, for which `clicked` is not emitted. A press that selects emits both while one event is handled:
+/// after `toggled` the action waits for the end of that event, and is dropped if `clicked` ran it.
 void connectRadioButton(QRadioButton& button, const std::function<void()>& act) {
     const auto waiting = std::make_shared<bool>(false);
     QObject::connect(&button, &QRadioButton::clicked, &button, [waiting, act] {
@@ -78,8 +78,8 @@ void connectRadioButton(QRadioButton& button, const std::function<void()>& act) 
     QObject::connect(&button, &QRadioButton::toggled, &button, actIfWaiting, Qt::QueuedConnection);
 }
 
-/// Runs `act` at every action of the user on a control, by mouse, wheel, keys or assistive technology. A
-/// control of a kind that has no action is a fatal stop.
+/// Runs `act` at every action of the user on a control, by mouse, wheel, keys or assistive technology. A control of a
+/// kind that has no action is a fatal stop.
 void connectUserAction(QObject& control, const std::function<void()>& act) {
     if (auto* action = qobject_cast<QAction*>(&control))
         QObject::connect(action, &QAction::triggered, action, act);

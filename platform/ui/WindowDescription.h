@@ -7,14 +7,13 @@
 
 #include <memory>
 
-/// A set of windows with their controllers. The index in the bundle (`Main/Main.json` for "Main") gives each
-/// identifier the class of its controller, its window's .ui file and the class of its content's controller.
-/// Classes and windows are compiled in and registered by name.
+/// A set of windows with their controllers. The index in the bundle (`Main/Main.json` for "Main") gives each identifier
+/// the class of its controller, its window's .ui file and the class of its content's controller. Classes and windows
+/// are compiled in and registered by name.
 ///
-/// The property "action" of a control or of a QAction names its handler: a slot that takes the sender, of the
-/// content's controller or else of the responder. It runs at every action of the user, whether by mouse,
-/// wheel, keys or assistive technology. Block a control's signals while showing a value, so that the
-/// handler does not run.
+/// The property "action" of a control or of a QAction names its handler: a slot that takes the sender, of the content's
+/// controller or else of the responder. It runs at every action of the user, whether by mouse, wheel, keys or assistive
+/// technology. Block a control's signals while showing a value, so that the handler does not run.
 ///
 /// The program stops with the name of a missing or wrong part; for an outlet, at its first use.
 class WindowDescription {
