@@ -10,6 +10,7 @@
 #include "HeldKeys.h"
 #include "Log.h"
 #include "Look.h"
+#include "StandardStreams.h"
 #include "ViewController.h"
 #include "WindowDescription.h"
 #include "ui_about-window.h"
@@ -75,6 +76,7 @@ void setUpApplication(QApplication& application) {
 }
 
 int applicationMain(int argc, char** argv) {
+    openStandardStreams();
     endOnTerminate();
     (void)qInstallMessageHandler(logQtMessage);
     QApplication application(argc, argv);

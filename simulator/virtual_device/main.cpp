@@ -1,6 +1,7 @@
 // The simulated device, served over USB/IP to any Linux computer.
 
 #include "DeviceCommands.h"
+#include "StandardStreams.h"
 #include "UsbIpServer.h"
 #include "WireText.h"
 
@@ -94,6 +95,7 @@ void giveUpRights() {
 } // namespace
 
 int main(int argc, char** argv) {
+    openStandardStreams();
     // Messages are English. Qt needs a UTF-8 locale and would warn of another.
     qputenv("LC_ALL", "C.UTF-8");
     qunsetenv("LANGUAGE");

@@ -1,12 +1,14 @@
-// Log messages on standard error.
+// Lines on standard error, and programs without it.
 
 #include "FatalStop.h"
 #include "Log.h"
+#include "StandardStreams.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,4 +30,13 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
 
 TEST(Log, AFatalStopGivesItsReason) {
     EXPECT_DEATH(fatalStop("%d does not fit", 256), "^Fatal: 256 does not fit\n$");
+}
+
+TEST(StandardStreams, NoFileTakesThePlaceOfAClosedStandardStream) {
+    const auto firstFile = [] {
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) (void)::close(stream);
+        openStandardStreams();
+        std::_Exit(::open("/dev/zero", O_RDONLY) > STDERR_FILENO ? EXIT_SUCCESS : EXIT_FAILURE);
+    };
+    EXPECT_EXIT(firstFile(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
