@@ -1,12 +1,14 @@
 #include "Log.h"
+#include "OpenFile.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <syslog.h>
 #include <unistd.h>
 
@@ -20,16 +22,21 @@ bool standardErrorIsJournal() {
         && std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino) == journal;
 }
 
+/// `syslog` does not report a failure. In a sandbox there may be no system log.
+bool systemLogCanBeReached() {
+    const OpenFile probe(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const sockaddr_un address{AF_UNIX, _PATH_LOG};
+    return ::connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
 } // namespace
 
 void deliverLogMessage(std::string_view message) {
     while (message.ends_with('\n')) message.remove_suffix(1);
-    std::array<char, 1024> line; // not cleared, as in systemLog
-    message = message.substr(0, line.size() - 1);
-    // One message stays one line in the journal.
-    *std::ranges::replace_copy(message, line.begin(), '\n', ' ').out = '\0';
-    ::syslog(LOG_NOTICE, "%s", line.data());
+    std::string line(message);
+    std::ranges::replace(line, '\n', ' '); // one message stays one line in the journal
+    ::syslog(LOG_NOTICE, "%s", line.c_str());
     // Of two entries in the journal, only that of syslog has the program's name and the priority.
-    if (!standardErrorIsJournal())
-        (void)std::fprintf(stderr, "%s\n", line.data()); // a failure can't be reported anywhere
+    if (!standardErrorIsJournal() || !systemLogCanBeReached())
+        (void)std::fprintf(stderr, "%s\n", line.c_str()); // a failure can't be reported anywhere
 }

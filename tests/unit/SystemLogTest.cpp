@@ -9,8 +9,16 @@
 #include <cstdlib>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+static int resultOfConnect = 0; // to the system log
+
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the linker's --wrap makes the name
+extern "C" int __wrap_connect(int /*file*/, const sockaddr* /*address*/, socklen_t /*length*/) {
+    return resultOfConnect;
+}
 
 TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     const std::string longest(1023, 'x');
@@ -22,10 +30,14 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     ASSERT_EQ(::fstat(STDERR_FILENO, &file), 0);
     const std::string journal = std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino);
     ::setenv("JOURNAL_STREAM", journal.c_str(), 1); // standard error is the journal
-    deliverLogMessage("once");
+    deliverLogMessage("in the journal");
+    resultOfConnect = -1;
+    deliverLogMessage("no system log");
+    resultOfConnect = 0;
     ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was, before a redirection
-    deliverLogMessage("twice");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), longest + "\ntwo lines\n" + longest + "\ntwice\n");
+    deliverLogMessage("elsewhere");
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(), longest + "\ntwo lines\n" + longest + "\nno system log\nelsewhere\n");
 }
 
 TEST(Log, AFatalStopGivesItsReason) {
