@@ -21,6 +21,8 @@
 #include <QLibraryInfo>
 #include <QVersionNumber>
 
+#include <algorithm>
+#include <array>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -36,6 +38,13 @@ void endOnTerminate() {
     // Under nohup the program continues without its terminal.
     if (std::signal(SIGHUP, end) == SIG_IGN) (void)std::signal(SIGHUP, SIG_IGN);
     (void)std::signal(SIGPIPE, SIG_IGN); // a write to a closed display reports the failure itself
+}
+
+/// Whether Qt gives the reason why it can't use the display, in a warning. It ends the program next.
+bool isAboutLostDisplay(const QString& message) {
+    constexpr std::array kReasons{" connection broke", " connection experienced a fatal error",
+        "could not connect to display", "Failed to create wl_display"};
+    return std::ranges::any_of(kReasons, [&](const char* reason) { return message.contains(QLatin1String(reason)); });
 }
 
 /// Since 6.5 Qt connects again when a Wayland compositor restarts, if the session asks for that, as Plasma does.
@@ -57,10 +66,11 @@ void registerDescriptions() {
 } // namespace
 
 void logQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    const bool isAboutDisplay = type == QtWarningMsg && isAboutLostDisplay(message);
+    if (type == QtCriticalMsg || type == QtFatalMsg || isAboutDisplay) systemLog("%s", qUtf8Printable(message));
     // At the end of a session the display may close first. Qt would then exit with status 1.
-    if (type == QtWarningMsg && message.contains(QLatin1String(" connection broke")) && !reconnectsAfter(message))
+    if (isAboutDisplay && message.contains(QLatin1String(" connection broke")) && !reconnectsAfter(message))
         ::_exit(EXIT_SUCCESS);
-    if (type == QtCriticalMsg || type == QtFatalMsg) systemLog("%s", qUtf8Printable(message));
 }
 
 void setUpApplication(QApplication& application) {

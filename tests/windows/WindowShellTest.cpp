@@ -146,10 +146,16 @@ private slots:
         QCOMPARE(TestHost::take(), (std::vector<std::string>{"log 2", "log 3"})); // critical and fatal
         qputenv("QT_WAYLAND_RECONNECT", "1");
         const bool qtReconnects = QLibraryInfo::version() >= QVersionNumber(6, 5);
-        for (const auto& [message, end] :
-            {std::pair("The X11 connection broke (error 1). Did the X11 server die?", "exit 0"),
-                {"The Wayland connection broke. Did the Wayland compositor die?", qtReconnects ? "" : "exit 0"}})
+        for (const auto& [message, end] : {
+                 std::pair("could not connect to display :1", ""),
+                 {"Failed to create wl_display (No such file or directory)", ""},
+                 {"The Wayland connection experienced a fatal error: Protocol error", ""},
+                 {"The X11 connection broke (error 1). Did the X11 server die?", "exit 0"},
+                 {"The Wayland connection broke. Did the Wayland compositor die?", qtReconnects ? "" : "exit 0"},
+             }) {
             QCOMPARE(endOf([text = message] { logQtMessage(QtWarningMsg, {}, text); }), end);
+            QCOMPARE(TestHost::take().front(), std::string("log ") + message);
+        }
     }
 
     void picturesAreReadWithoutPlugins() {
