@@ -17,6 +17,7 @@
 
 #include <fcntl.h>
 #include <grp.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -60,18 +61,20 @@ void parseOptions(QCommandLineParser& parser) {
         stop(others.front(), "takes options only");
 }
 
-int openCommands(const QString& path) {
-    // Open for writing too, so that it does not end when a writer closes it.
-    const int commands = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-    if (commands < 0) stop(path, std::strerror(errno));
-    return commands;
+/// Opens a file of one type, and not through a link: another user may have planted one.
+int openFile(const QString& path, int flags, mode_t type, const char* otherType) {
+    // For writing and reading, a FIFO neither waits for another program nor ends with it.
+    const int file =
+        ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC | flags, 0644);
+    struct stat status {};
+    if (file < 0 || ::fstat(file, &status) != 0) stop(path, std::strerror(errno));
+    if ((status.st_mode & S_IFMT) != type) stop(path, otherType);
+    return file;
 }
 
 void logWireTo(const QString& path, SimulatedDevice& device) {
-    // Don't follow symlinks: another user may have planted one.
-    const int file =
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
-    std::FILE* log = file < 0 ? nullptr : ::fdopen(file, "w"); // open until the program ends
+    const int file = openFile(path, O_CREAT | O_TRUNC, S_IFREG, "not a regular file");
+    std::FILE* log = ::fdopen(file, "w"); // open until the program ends
     if (!log) stop(path, std::strerror(errno));
     device.onRequest = [log](const RecordedRequest& request) {
         (void)std::fprintf(log, "%s\n", wireText(request).c_str()); // a failure loses the line only
@@ -109,7 +112,9 @@ int main(int argc, char** argv) {
     device.videoControlInterface = static_cast<std::uint8_t>(number(options.value("video-control-interface"), 0, 1));
     if (options.isSet("wire-log")) logWireTo(options.value("wire-log"), device);
     VirtualCaptureDevice capture(device);
-    UsbIpServer server(capture, options.isSet("commands") ? openCommands(options.value("commands")) : STDIN_FILENO);
+    int commands = STDIN_FILENO;
+    if (options.isSet("commands")) commands = openFile(options.value("commands"), 0, S_IFIFO, "not a FIFO");
+    UsbIpServer server(capture, commands);
     const bool attach = options.isSet("attach");
     const QString failure = attach ? server.attachToThisMachine() : server.listen(port);
     if (!failure.isEmpty()) stop(attach ? "can't attach" : "can't listen", failure);
