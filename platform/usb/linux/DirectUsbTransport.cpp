@@ -48,11 +48,11 @@ int transfer(libusb_device_handle* device, const UsbControlRequest& request) {
 
 } // namespace
 
-int transferDirectly(int node, const Uvc::SetupPacket& setup, std::span<std::uint8_t> bytes) {
+int transferDirectly(int node, const UsbControlRequest& request) {
     libusb_context* context = nullptr;
     if (const int result = openLibusb(context); result != UsbCode::Success) return result;
     libusb_device_handle* opened = nullptr;
     if (const int result = libusb_wrap_sys_device(context, node, &opened); result != UsbCode::Success) return result;
     const Handle handle(opened);
-    return transfer(opened, Uvc::requestOf(setup, bytes.data()));
+    return transfer(opened, request);
 }

@@ -15,8 +15,7 @@ bool sendsExactly(const UsbControlRequest& request) {
 
 } // namespace
 
-int transferThroughDriver(int node, const Uvc::SetupPacket& setup, std::span<std::uint8_t> bytes) {
-    const UsbControlRequest request = Uvc::requestOf(setup, bytes.data());
+int transferThroughDriver(int node, const UsbControlRequest& request) {
     if (!sendsExactly(request)) return UsbCode::NotSendable;
     uvc_xu_control_query query{.unit = Uvc::unitOf(request),
         .selector = Uvc::selectorOf(request),

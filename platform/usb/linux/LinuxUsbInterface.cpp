@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <span>
 #include <string_view>
 
 #include <fcntl.h>
@@ -107,15 +106,15 @@ UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
     // The answer of a failed request must not reach the caller: a block that is half zeros and then written
     // back would wipe settings.
     std::array<std::uint8_t, kMaxData> data{};
-    const std::span bytes = std::span(data).first(request.wLength);
-    const std::span caller(request.pData, request.wLength);
+    UsbControlRequest sent = request;
+    sent.pData = data.data();
     const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    if (!isGet) std::ranges::copy(caller, bytes.begin());
-    const int done = m_transport(m_node.get(), Uvc::setupPacket(request), bytes);
+    if (!isGet) std::copy_n(request.pData, request.wLength, data.begin());
+    const int done = m_transport(m_node.get(), sent);
     if (done < 0) return done;
     request.wLenDone = static_cast<std::uint32_t>(done);
     if (request.wLenDone != request.wLength) return UsbCode::InputOutput;
-    if (isGet) std::ranges::copy(bytes, caller.begin());
+    if (isGet) std::copy_n(data.begin(), request.wLength, request.pData);
     (void)USBInterfaceClose();
     return UsbCode::Success;
 }
