@@ -8,6 +8,7 @@
 
 namespace {
 
+using Uvc::interfaceOf;
 using Uvc::selectorOf;
 using Uvc::unitOf;
 
@@ -102,7 +103,7 @@ void SimulatedDevice::fillInClock() {
 
 UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (!m_plugged) return UsbCode::NoDevice;
-    const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
+    const bool isGet = Uvc::isGet(request);
     const std::optional<RequestFault> fault = m_faults.takeDue(request);
     if (fault == RequestFault::Unplug) unplug();
     const std::optional<UsbResult> forced = fault ? forcedResult(*fault) : std::nullopt;
@@ -151,7 +152,7 @@ SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request)
 /// Only the VideoControl interface has units: a request that names another interface is refused.
 std::vector<std::uint8_t> SimulatedDevice::answer(const UsbControlRequest& request) {
     const UVCRequest code = codeOf(request);
-    if (request.bmRequestType != Uvc::kGetFromInterface || (request.wIndex & 0xFF) != videoControlInterface
+    if (request.bmRequestType != Uvc::kGetFromInterface || interfaceOf(request) != videoControlInterface
         || (request.wValue & 0xFF) != 0)
         return {};
     if (code == UVCRequest::GET_LEN || code == UVCRequest::GET_INFO) return answerAbout(request);
@@ -201,7 +202,7 @@ std::span<const std::uint8_t> SimulatedDevice::block(std::uint8_t selector) cons
 
 bool SimulatedDevice::accept(const UsbControlRequest& request) {
     if (request.bmRequestType != Uvc::kSetToInterface || codeOf(request) != UVCRequest::SET_CUR
-        || (request.wIndex & 0xFF) != videoControlInterface || (request.wValue & 0xFF) != 0)
+        || interfaceOf(request) != videoControlInterface || (request.wValue & 0xFF) != 0)
         return false;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     if (SimulatedControl* control = findControl(request)) {

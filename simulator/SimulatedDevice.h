@@ -1,7 +1,6 @@
 #pragma once
 
 #include "RequestFaults.h"
-#include "Usb.h"
 
 #include <array>
 #include <cstdint>
@@ -12,8 +11,8 @@
 
 /// One request as it crossed the wire.
 struct RecordedRequest {
-    std::array<std::uint8_t, 8> setup; ///< the setup packet, byte for byte
-    std::vector<std::uint8_t> data;    ///< sent or received
+    Uvc::SetupPacket setup;
+    std::vector<std::uint8_t> data; ///< sent or received
     UsbResult result;
 
     [[nodiscard]] bool isGet() const { return (setup[0] & kUsbDeviceToHost) != 0; }

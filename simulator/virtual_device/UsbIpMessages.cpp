@@ -33,7 +33,7 @@ struct TransferHeader {
     std::uint32_t startFrame = 0;
     std::uint32_t packets = 0;
     std::uint32_t interval = 0;
-    std::array<std::uint8_t, 8> setup{};
+    Uvc::SetupPacket setup{};
 
     [[nodiscard]] bool isAcceptable() const {
         return command == kUnlink

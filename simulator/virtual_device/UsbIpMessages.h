@@ -4,7 +4,6 @@
 
 #include <QDataStream>
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,7 +26,7 @@ struct Submit {
     std::uint32_t endpoint = 0;
     bool toHost = false;
     std::uint32_t length = 0; ///< bytes to send, or room for as many
-    std::array<std::uint8_t, 8> setup{};
+    Uvc::SetupPacket setup{};
     Bytes data; ///< `length` bytes, unless `toHost`
 };
 

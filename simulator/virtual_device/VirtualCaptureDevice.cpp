@@ -6,7 +6,7 @@
 struct VirtualCaptureDevice::Setup : UsbControlRequest {
     explicit Setup(const Uvc::SetupPacket& packet) : UsbControlRequest(Uvc::requestOf(packet, nullptr)) {}
 
-    [[nodiscard]] bool toHost() const { return (bmRequestType & kUsbDeviceToHost) != 0; }
+    [[nodiscard]] bool toHost() const { return Uvc::isGet(*this); }
     [[nodiscard]] std::uint8_t valueLow() const { return static_cast<std::uint8_t>(wValue); }
 };
 
@@ -62,7 +62,7 @@ std::optional<TransferEnd> VirtualCaptureDevice::control(
     if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength) return stalled();
     if ((setup.bmRequestType & kTypeBits) == kStandardType) return standardRequest(setup);
     if ((setup.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface
-        && (setup.wIndex & 0xFF) == identity().streamingInterface())
+        && Uvc::interfaceOf(setup) == identity().streamingInterface())
         return streamRequest(setup, submit.data, now);
     return unitRequest(setup, submit.data);
 }

@@ -37,8 +37,8 @@ UsbResult openLibusb(libusb_context*& opened) {
 }
 
 int transfer(libusb_device_handle* device, const UsbControlRequest& request) {
-    // usbfs claims the interface of wIndex implicitly, logs that, and does not release it before the close.
-    const int named = request.wIndex & 0xFF;
+    // Without a claim usbfs claims the interface itself, logs that, and does not release it before the close.
+    const int named = Uvc::interfaceOf(request);
     if (const int claimed = libusb_claim_interface(device, named); claimed != UsbCode::Success) return claimed;
     const int done = libusb_control_transfer(device, request.bmRequestType, request.bRequest, request.wValue,
         request.wIndex, request.pData, request.wLength, kTimeout);

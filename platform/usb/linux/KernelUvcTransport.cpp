@@ -9,7 +9,7 @@ namespace {
 /// the interface's real number, which `LinuxUsbInterface` has found to be 0.
 bool sendsExactly(const UsbControlRequest& request) {
     const int direction = request.bRequest & kUsbDeviceToHost;
-    return request.bmRequestType == (Uvc::kSetToInterface | direction) && (request.wIndex & 0xFF) == 0
+    return request.bmRequestType == (Uvc::kSetToInterface | direction) && Uvc::interfaceOf(request) == 0
         && (request.wValue & 0xFF) == 0;
 }
 

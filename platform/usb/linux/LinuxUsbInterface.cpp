@@ -108,13 +108,12 @@ UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
     std::array<std::uint8_t, kMaxData> data{};
     UsbControlRequest sent = request;
     sent.pData = data.data();
-    const bool isGet = (request.bmRequestType & kUsbDeviceToHost) != 0;
-    if (!isGet) std::copy_n(request.pData, request.wLength, data.begin());
+    if (!Uvc::isGet(request)) std::copy_n(request.pData, request.wLength, data.begin());
     const int done = m_transport(m_node.get(), sent);
     if (done < 0) return done;
     request.wLenDone = static_cast<std::uint32_t>(done);
     if (request.wLenDone != request.wLength) return UsbCode::InputOutput;
-    if (isGet) std::copy_n(data.begin(), request.wLength, request.pData);
+    if (Uvc::isGet(request)) std::copy_n(data.begin(), request.wLength, request.pData);
     (void)USBInterfaceClose();
     return UsbCode::Success;
 }

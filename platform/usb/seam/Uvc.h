@@ -45,12 +45,19 @@ enum ProcessingUnit : std::uint8_t {
     PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL = 11,
 };
 
-// wValue has the selector and wIndex the unit (UVC 1.5, 4.2), each in its high byte.
+constexpr bool isGet(const UsbControlRequest& request) {
+    return (request.bmRequestType & kUsbDeviceToHost) != 0;
+}
+
+// wValue has the selector and wIndex the unit (UVC 1.5, 4.2), each in its high byte; wIndex has the interface too.
 constexpr std::uint8_t selectorOf(const UsbControlRequest& request) {
     return static_cast<std::uint8_t>(request.wValue >> 8);
 }
 constexpr std::uint8_t unitOf(const UsbControlRequest& request) {
     return static_cast<std::uint8_t>(request.wIndex >> 8);
+}
+constexpr std::uint8_t interfaceOf(const UsbControlRequest& request) {
+    return static_cast<std::uint8_t>(request.wIndex);
 }
 
 /// Encodes a number, least significant byte first as in all of USB. Zero-fills the rest.
