@@ -16,26 +16,6 @@ struct CaptureIdentity {
     }
 };
 
-namespace DescriptorType { // USB 2.0, 9.4; UVC 1.5, A.4
-enum : std::uint8_t {
-    Device = 1,
-    Configuration = 2,
-    String = 3,
-    Interface = 4,
-    Endpoint = 5,
-    Qualifier = 6,
-    Association = 11,
-    ClassInterface = 0x24,
-};
-} // namespace DescriptorType
-
-enum ClassCode : std::uint8_t { Video = Uvc::kVideoClass, Miscellaneous = 0xEF, VendorSpecific = 0xFF };
-enum VideoSubclass : std::uint8_t {
-    VideoControl = Uvc::kVideoControlSubClass,
-    VideoStreaming = 2,
-    VideoCollection = 3
-};
-
 inline constexpr std::uint32_t kClockFrequency = 48'000'000; // Hz, of the VideoControl interface
 inline constexpr std::uint8_t kStreamEndpoint = 1;           // IN
 inline constexpr std::uint8_t kConfigurationValue = 1;

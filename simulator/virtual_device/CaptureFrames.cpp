@@ -2,13 +2,11 @@
 
 #include <algorithm>
 
+#include <linux/usb/video.h>
+
 namespace {
 
-// Payload header (UVC 1.5, 2.4.3.3).
-constexpr std::size_t kHeaderLength = 2;
-constexpr std::uint8_t kFrameIdentifier = 0x01; // toggles with every frame
-constexpr std::uint8_t kEndOfFrame = 0x02;
-constexpr std::uint8_t kEndOfHeader = 0x80;
+constexpr std::size_t kHeaderLength = 2; // of a payload (UVC 1.5, 2.4.3.3)
 
 struct Color {
     std::uint8_t luma;
@@ -42,8 +40,8 @@ Bytes CaptureFrames::nextPayload(std::size_t room, Clock::time_point now) {
     if (most <= kHeaderLength) return {};
     const std::size_t length = std::min(most - kHeaderLength, kFrameSize - m_sent);
     const bool ends = m_sent + length == kFrameSize;
-    Bytes payload{kHeaderLength,
-        static_cast<std::uint8_t>(kEndOfHeader | (ends ? kEndOfFrame : 0) | (m_count % 2 == 1 ? kFrameIdentifier : 0))};
+    const unsigned identifier = m_count % 2 * UVC_STREAM_FID; // toggles with every frame
+    Bytes payload{kHeaderLength, static_cast<std::uint8_t>(UVC_STREAM_EOH | (ends ? UVC_STREAM_EOF : 0) | identifier)};
     for (std::size_t i = 0; i < length; ++i) payload.push_back(frameByte(m_sent + i, m_count));
     m_sent += length;
     if (ends) endFrame(now);

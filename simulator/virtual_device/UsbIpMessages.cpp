@@ -5,6 +5,9 @@
 #include <cerrno>
 #include <span>
 
+#include <linux/usb/ch9.h>
+#include <linux/usb/video.h>
+
 namespace {
 
 constexpr std::uint16_t kVersion = 0x0111;
@@ -141,8 +144,10 @@ void UsbIp::writeDeviceList(QDataStream& client, const CaptureIdentity& identity
     if (!attachable) return;
     writeDevice(client, identity);
     for (std::uint8_t number = 0; number < identity.videoControlInterface; ++number)
-        writeRaw(client, std::array<std::uint8_t, 4>{VendorSpecific});
-    writeRaw(client, std::array<std::uint8_t, 8>{Video, VideoControl, 0, 0, Video, VideoStreaming, 0, 0});
+        writeRaw(client, std::array<std::uint8_t, 4>{USB_CLASS_VENDOR_SPEC});
+    writeRaw(client,
+        std::array<std::uint8_t, 8>{
+            USB_CLASS_VIDEO, UVC_SC_VIDEOCONTROL, 0, 0, USB_CLASS_VIDEO, UVC_SC_VIDEOSTREAMING, 0, 0});
 }
 
 void UsbIp::writeImport(QDataStream& client, const CaptureIdentity& identity) {

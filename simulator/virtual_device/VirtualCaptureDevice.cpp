@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 
+#include <linux/usb/ch9.h>
+#include <linux/usb/video.h>
+
 struct VirtualCaptureDevice::Setup : UsbControlRequest {
     explicit Setup(const Uvc::SetupPacket& packet) : UsbControlRequest(Uvc::requestOf(packet, nullptr)) {}
 
@@ -14,23 +17,8 @@ namespace {
 
 using UsbIp::TransferEnd;
 
-// USB 2.0, 9.4
-constexpr std::uint8_t kTypeBits = 0x60;
-constexpr std::uint8_t kStandardType = 0x00;
-enum StandardRequest : std::uint8_t {
-    GetStatus = 0,
-    ClearFeature = 1,
-    SetFeature = 3,
-    GetDescriptor = 6,
-    GetConfiguration = 8,
-    SetConfiguration = 9,
-    GetInterface = 10,
-    SetInterface = 11,
-};
-
-// UVC 1.5, 4.3.1.1; 34 bytes up to UVC 1.1
-enum StreamSelector : std::uint8_t { Probe = 1, Commit = 2 };
-constexpr std::uint32_t kParametersLength = 34;
+// UVC 1.5, 4.3.1.1
+constexpr std::uint32_t kParametersLength = 34; // up to UVC 1.1
 constexpr std::size_t kIntervalPlace = 4;
 
 TransferEnd stalled() {
@@ -60,7 +48,7 @@ std::optional<TransferEnd> VirtualCaptureDevice::control(
     // The client's lengths must agree with each other.
     if (submit.toHost != setup.toHost() && setup.wLength > 0) return stalled();
     if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength) return stalled();
-    if ((setup.bmRequestType & kTypeBits) == kStandardType) return standardRequest(setup);
+    if ((setup.bmRequestType & USB_TYPE_MASK) == USB_TYPE_STANDARD) return standardRequest(setup);
     if ((setup.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface
         && Uvc::interfaceOf(setup) == identity().streamingInterface())
         return streamRequest(setup, submit.data, now);
@@ -81,14 +69,14 @@ std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup,
 
 TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
     switch (setup.bRequest) {
-    case GetDescriptor: return setup.toHost() ? descriptor(setup) : stalled();
-    case GetStatus: return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
-    case GetConfiguration: return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
-    case GetInterface: return setup.toHost() ? answered({0}, setup.wLength) : stalled();
-    case SetConfiguration:
-    case SetInterface:
-    case SetFeature:
-    case ClearFeature: return setup.toHost() || setup.wLength > 0 ? stalled() : done();
+    case USB_REQ_GET_DESCRIPTOR: return setup.toHost() ? descriptor(setup) : stalled();
+    case USB_REQ_GET_STATUS: return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
+    case USB_REQ_GET_CONFIGURATION: return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
+    case USB_REQ_GET_INTERFACE: return setup.toHost() ? answered({0}, setup.wLength) : stalled();
+    case USB_REQ_SET_CONFIGURATION:
+    case USB_REQ_SET_INTERFACE:
+    case USB_REQ_SET_FEATURE:
+    case USB_REQ_CLEAR_FEATURE: return setup.toHost() || setup.wLength > 0 ? stalled() : done();
     default: return stalled();
     }
 }
@@ -96,12 +84,12 @@ TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
 TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
     Bytes bytes;
     switch (Uvc::selectorOf(setup)) { // the high byte of wValue is the descriptor's type
-    case DescriptorType::Device: bytes = deviceDescriptor(identity()); break;
-    case DescriptorType::Configuration:
+    case USB_DT_DEVICE: bytes = deviceDescriptor(identity()); break;
+    case USB_DT_CONFIG:
         if (setup.valueLow() == 0) bytes = configurationDescriptor(identity());
         break;
-    case DescriptorType::String: bytes = stringDescriptor(setup.valueLow()); break;
-    case DescriptorType::Qualifier: bytes = deviceQualifier(); break;
+    case USB_DT_STRING: bytes = stringDescriptor(setup.valueLow()); break;
+    case USB_DT_DEVICE_QUALIFIER: bytes = deviceQualifier(); break;
     default: break;
     }
     return bytes.empty() ? stalled() : answered(std::move(bytes), setup.wLength);
@@ -111,14 +99,14 @@ TransferEnd VirtualCaptureDevice::streamRequest(
     const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now) {
     const auto code = static_cast<UVCRequest>(setup.bRequest);
     const std::uint8_t selector = Uvc::selectorOf(setup);
-    const bool known = selector == Probe || selector == Commit;
+    const bool known = selector == UVC_VS_PROBE_CONTROL || selector == UVC_VS_COMMIT_CONTROL;
     if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF || setup.toHost() == (code == UVCRequest::SET_CUR))
         return stalled();
     switch (code) {
     case UVCRequest::SET_CUR:
         if (data.size() < kIntervalPlace + sizeof m_frameInterval) return stalled();
         m_frameInterval = data[kIntervalPlace] == (kFrameIntervals[1] & 0xFF) ? kFrameIntervals[1] : kFrameIntervals[0];
-        if (selector == Commit) m_frames.start(m_frameInterval, now);
+        if (selector == UVC_VS_COMMIT_CONTROL) m_frames.start(m_frameInterval, now);
         return {.status = 0, .length = setup.wLength, .data = {}};
     case UVCRequest::GET_CUR:
     case UVCRequest::GET_MIN:
