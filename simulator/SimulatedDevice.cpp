@@ -5,10 +5,12 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace {
 
 using Uvc::interfaceOf;
+using Uvc::isGet;
 using Uvc::selectorOf;
 using Uvc::unitOf;
 
@@ -46,16 +48,8 @@ std::uint32_t valueFor(UVCRequest request, const SimulatedControl& control) {
     }
 }
 
-/// The result that a fault forces on a request, absent if the request is still answered.
-std::optional<UsbResult> forcedResult(RequestFault fault) {
-    switch (fault) {
-    case RequestFault::Stall: return UsbCode::Stall;
-    case RequestFault::TimeOut: return UsbCode::TimeOut;
-    case RequestFault::Unplug: return UsbCode::NoDevice;
-    case RequestFault::ShortData:
-    case RequestFault::Garbage: break;
-    }
-    return std::nullopt;
+bool isSettable(std::uint8_t selector) {
+    return selector == Settings || selector == Audio;
 }
 
 } // namespace
@@ -103,42 +97,40 @@ void SimulatedDevice::fillInClock() {
 
 UsbResult SimulatedDevice::control(UsbControlRequest& request) {
     if (!m_plugged) return UsbCode::NoDevice;
-    const bool isGet = Uvc::isGet(request);
-    const std::optional<RequestFault> fault = m_faults.takeDue(request);
-    if (fault == RequestFault::Unplug) unplug();
-    const std::optional<UsbResult> forced = fault ? forcedResult(*fault) : std::nullopt;
-    const UsbResult result = forced ? *forced : isGet ? get(request, fault) : set(request, fault);
+    const UsbResult result = resultOf(request, m_faults.takeDue(request));
     if (unitOf(request) != kInterfaceItself) m_errorCode = result == UsbCode::Stall ? kInvalidRequest : kNoError;
-    const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
-    const bool hasData = !isGet || result == UsbCode::Success;
-    if (onRequest)
-        onRequest({Uvc::setupPacket(request),
-            hasData ? std::vector(bytes.begin(), bytes.end()) : std::vector<std::uint8_t>(), result});
+    if (onRequest) {
+        std::vector<std::uint8_t> data;
+        if (!isGet(request) || result == UsbCode::Success) data.assign(request.pData, request.pData + request.wLength);
+        onRequest({Uvc::setupPacket(request), std::move(data), result});
+    }
     return result;
 }
 
-UsbResult SimulatedDevice::get(UsbControlRequest& request, std::optional<RequestFault> fault) {
-    std::vector<std::uint8_t> bytes = answer(request);
-    if (bytes.empty()) return UsbCode::Stall;
+UsbResult SimulatedDevice::resultOf(UsbControlRequest& request, std::optional<RequestFault> fault) {
+    if (fault == RequestFault::Unplug) unplug();
+    if (!m_plugged) return UsbCode::NoDevice;
+    if (fault == RequestFault::TimeOut) return UsbCode::TimeOut;
+    if (fault == RequestFault::Stall || !isForUnits(request)) return UsbCode::Stall;
+    std::vector<std::uint8_t> bytes;
+    if (isGet(request)) bytes = answer(request);
+    if (isGet(request) ? bytes.empty() : !accept(request)) return UsbCode::Stall;
+    request.wLenDone = request.wLength;
     if (fault == RequestFault::ShortData) {
-        request.wLenDone = request.wLength / 2U;
+        request.wLenDone /= 2;
         return UsbCode::InputOutput;
     }
     if (fault == RequestFault::Garbage)
-        std::ranges::transform(bytes, bytes.begin(), [](std::uint8_t byte) { return byte ^ 0xA5; });
+        for (std::uint8_t& byte : bytes) byte ^= 0xA5;
     std::ranges::copy(bytes, request.pData);
-    request.wLenDone = request.wLength;
     return UsbCode::Success;
 }
 
-UsbResult SimulatedDevice::set(UsbControlRequest& request, std::optional<RequestFault> fault) {
-    if (!accept(request)) return UsbCode::Stall;
-    if (fault == RequestFault::ShortData) {
-        request.wLenDone = request.wLength / 2U;
-        return UsbCode::InputOutput;
-    }
-    request.wLenDone = request.wLength;
-    return UsbCode::Success;
+/// Only the VideoControl interface has units.
+bool SimulatedDevice::isForUnits(const UsbControlRequest& request) const {
+    const int type = request.bmRequestType & ~kUsbDeviceToHost;
+    return type == Uvc::kSetToInterface && interfaceOf(request) == videoControlInterface
+        && (request.wValue & 0xFF) == 0;
 }
 
 SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request) {
@@ -149,24 +141,16 @@ SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request)
     return found == controls.end() ? nullptr : &*found;
 }
 
-/// Only the VideoControl interface has units: a request that names another interface is refused.
 std::vector<std::uint8_t> SimulatedDevice::answer(const UsbControlRequest& request) {
     const UVCRequest code = codeOf(request);
-    if (request.bmRequestType != Uvc::kGetFromInterface || interfaceOf(request) != videoControlInterface
-        || (request.wValue & 0xFF) != 0)
-        return {};
     if (code == UVCRequest::GET_LEN || code == UVCRequest::GET_INFO) return answerAbout(request);
     if (const SimulatedControl* control = findControl(request))
         return littleEndian(valueFor(code, *control), control->size);
     if (code != UVCRequest::GET_CUR) return {};
-    fillInClock();
-    return answerUnitControl(request);
-}
-
-std::vector<std::uint8_t> SimulatedDevice::answerUnitControl(const UsbControlRequest& request) const {
     if (unitOf(request) == kInterfaceItself && selectorOf(request) == kErrorCodeSelector
         && request.wLength == sizeof m_errorCode)
         return {m_errorCode};
+    fillInClock();
     const auto bytes = block(selectorOf(request));
     if (unitOf(request) != kExtensionUnit || bytes.size() != request.wLength) return {};
     return {bytes.begin(), bytes.end()};
@@ -175,7 +159,7 @@ std::vector<std::uint8_t> SimulatedDevice::answerUnitControl(const UsbControlReq
 /// Answers GET_LEN and GET_INFO, which a driver asks before it uses a control.
 std::vector<std::uint8_t> SimulatedDevice::answerAbout(const UsbControlRequest& request) const {
     std::size_t size = unitOf(request) == kExtensionUnit ? block(selectorOf(request)).size() : 0;
-    bool settable = selectorOf(request) == Settings || selectorOf(request) == Audio;
+    bool settable = isSettable(selectorOf(request));
     for (const SimulatedControl& control : controls) {
         if (control.unit == unitOf(request) && control.selector == selectorOf(request)) {
             size = control.size;
@@ -201,21 +185,19 @@ std::span<const std::uint8_t> SimulatedDevice::block(std::uint8_t selector) cons
 }
 
 bool SimulatedDevice::accept(const UsbControlRequest& request) {
-    if (request.bmRequestType != Uvc::kSetToInterface || codeOf(request) != UVCRequest::SET_CUR
-        || interfaceOf(request) != videoControlInterface || (request.wValue & 0xFF) != 0)
-        return false;
+    if (codeOf(request) != UVCRequest::SET_CUR) return false;
     const std::span<const std::uint8_t> bytes(request.pData, request.wLength);
     if (SimulatedControl* control = findControl(request)) {
         control->current = Uvc::littleEndian<std::uint32_t>(bytes);
         return true;
     }
-    if (unitOf(request) != kExtensionUnit) return false;
-    if (selectorOf(request) == Settings && bytes.size() == settings.size())
-        acceptSettings(bytes);
-    else if (selectorOf(request) == Audio && bytes.size() == audio.size())
-        acceptAudio(bytes);
-    else
+    const std::uint8_t selector = selectorOf(request);
+    if (unitOf(request) != kExtensionUnit || !isSettable(selector) || bytes.size() != block(selector).size())
         return false;
+    if (selector == Settings)
+        acceptSettings(bytes);
+    else
+        for (const std::size_t volume : {1U, 2U, 3U, 5U}) audio[volume] = bytes[volume];
     return true;
 }
 
@@ -227,8 +209,4 @@ void SimulatedDevice::acceptSettings(std::span<const std::uint8_t> block) {
     default: // the device accepts a block without a command and changes nothing
         break;
     }
-}
-
-void SimulatedDevice::acceptAudio(std::span<const std::uint8_t> block) {
-    for (const std::size_t volume : {1U, 2U, 3U, 5U}) audio[volume] = block[volume];
 }

@@ -72,16 +72,14 @@ public:
     std::function<void(const RecordedRequest&)> onRequest;
 
 private:
+    [[nodiscard]] UsbResult resultOf(UsbControlRequest& request, std::optional<RequestFault> fault);
+    [[nodiscard]] bool isForUnits(const UsbControlRequest& request) const;
     [[nodiscard]] std::vector<std::uint8_t> answer(const UsbControlRequest& request);
-    [[nodiscard]] std::vector<std::uint8_t> answerUnitControl(const UsbControlRequest& request) const;
     [[nodiscard]] std::vector<std::uint8_t> answerAbout(const UsbControlRequest& request) const;
     [[nodiscard]] std::span<const std::uint8_t> block(std::uint8_t selector) const;
     [[nodiscard]] bool accept(const UsbControlRequest& request);
     [[nodiscard]] SimulatedControl* findControl(const UsbControlRequest& request);
-    UsbResult get(UsbControlRequest& request, std::optional<RequestFault> fault);
-    UsbResult set(UsbControlRequest& request, std::optional<RequestFault> fault);
     void acceptSettings(std::span<const std::uint8_t> block);
-    void acceptAudio(std::span<const std::uint8_t> block);
     void fillInClock();
 
     bool m_plugged = true;
