@@ -2,7 +2,6 @@
 #include "UsbChain.h"
 
 #include <cstdlib>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,14 +27,11 @@ private:
 
 UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
     location = std::uint32_t{m_device.bus} << 24;
-    const std::size_t dash = m_device.name.find('-'); // a root hub's name has none
-    std::string_view chain = m_device.name;
-    chain.remove_prefix(dash == std::string::npos ? chain.size() : dash + 1);
-    for (int shift = 20; shift >= 0 && !chain.empty(); shift -= 4) {
-        char* end = nullptr;
-        location |= (static_cast<unsigned>(std::strtoul(chain.data(), &end, 10)) & 0xFU) << shift;
-        chain.remove_prefix(static_cast<std::size_t>(end - chain.data()));
-        chain.remove_prefix(chain.starts_with('.') ? 1 : chain.size());
+    std::size_t mark = m_device.name.find('-'); // "1-2.13"; a root hub's name, "usb1", has none
+    for (int shift = 20; shift >= 0 && mark != std::string::npos; shift -= 4) {
+        const unsigned long port = std::strtoul(m_device.name.c_str() + mark + 1, nullptr, 10);
+        location |= static_cast<std::uint32_t>(port & 0xF) << shift;
+        mark = m_device.name.find('.', mark + 1);
     }
     return UsbCode::Success;
 }
