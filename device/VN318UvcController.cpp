@@ -17,13 +17,6 @@ struct VolumeField {
     const char* getter;
 };
 
-/// One field of the settings block. The device acts only on the field that the command byte names.
-struct SettingsField {
-    std::uint8_t command;
-    const char* readFailure;
-    const char* writeFailure;
-};
-
 using SettingsBlock = std::array<std::uint8_t, UvcControls2.settings.size>;
 using VersionBlock = std::array<std::uint8_t, UvcControls2.versions.size>;
 using AudioBlock = std::array<std::uint8_t, UvcControls2.audio.size>;
@@ -35,12 +28,10 @@ constexpr VolumeField kHeadphone{5, "Headphone vol", "setHaedphone", "GetHeadpho
 constexpr VolumeField kHdmi{1, "HDMI vol", "setHaedphone", "GetHdmiVolume"};
 constexpr VolumeField kAux{2, "AUX vol", "setAuxVolume", "GetHdmiVolume"};
 
-// The clock and the bit rate report a failed read as "setData" too.
-constexpr SettingsField kClock{2, "getExtension_SyncRtc..setData Fail!\n", "getExtension_SyncRtc..setData Fail!\n"};
-constexpr SettingsField kBitRate{
-    4, "getExtension_setBitRate..setData Fail! \n", "getExtension_setBitRate..setData Fail! \n"};
-constexpr SettingsField kHdcp{
-    16, "getExtension_setHdcpState..getData Fail! \n", "getExtension_setHdcpState..setData Fail! \n"};
+// Byte 0 of a settings block that is written. The device acts only on the field that it names.
+constexpr std::uint8_t kSetClock = 2;
+constexpr std::uint8_t kSetBitRate = 4;
+constexpr std::uint8_t kSetHdcp = 16;
 
 constexpr std::size_t kBitRateByte = 8;
 constexpr std::size_t kHdcpByte = 9;
@@ -76,6 +67,23 @@ void storeClock(SettingsBlock& block, std::time_t time) {
     block[7] = lowByte(calendar.tm_sec);
 }
 
+/// Logs that a step of an operation failed. False, for its caller to return.
+bool failed(const char* operation, const char* step) {
+    systemLog("getExtension_%s..%s Fail! \n", operation, step);
+    return false;
+}
+
+// Every step of the clock is reported as "setData", without the blank.
+bool clockFailed() {
+    systemLog("getExtension_SyncRtc..setData Fail!\n");
+    return false;
+}
+
+void logClock(const char* which, const SettingsBlock& block) {
+    systemLog("[Get %s time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", which, block[2], block[3], block[4], block[5],
+        block[6], block[7]);
+}
+
 void logBitRate(std::uint8_t levels) {
     systemLog("[Get old]video bit rate index : [H264]=%d, [MJPG]=%d \n", levels >> 4, levels & 15);
 }
@@ -88,36 +96,24 @@ bool writeBlock(CUvcBaseControl& device, const UVCControlInfo& control, std::spa
     return device.SetData2(block, control.size, control.selector, control.unit);
 }
 
-bool setVolume(CUvcBaseControl& device, const VolumeField& field, int volume) {
-    AudioBlock block{};
+bool readVolume(CUvcBaseControl& device, const VolumeField& field, AudioBlock& block) {
     const bool read = readBlock(device, UvcControls2.audio, block);
     systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
-    if (!read) {
-        systemLog("getExtension_%s..getData Fail! \n", field.setter);
-        return false;
-    }
+    return read;
+}
+
+bool setVolume(CUvcBaseControl& device, const VolumeField& field, int volume) {
+    AudioBlock block{};
+    if (!readVolume(device, field, block)) return failed(field.setter, "getData");
     block[field.byte] = lowByte(volume);
-    if (!writeBlock(device, UvcControls2.audio, block)) {
-        systemLog("getExtension_%s..setData Fail! \n", field.setter);
-        return false;
-    }
-    return true;
+    return writeBlock(device, UvcControls2.audio, block) || failed(field.setter, "setData");
 }
 
 bool getVolume(CUvcBaseControl& device, const VolumeField& field, std::uint8_t& volume) {
     AudioBlock block{};
-    const bool read = readBlock(device, UvcControls2.audio, block);
-    systemLog("[Get old]%s = %d,\n", field.name, block[field.byte]);
-    if (!read) systemLog("getExtension_%s..getData Fail! \n", field.getter);
-    volume = read ? block[field.byte] : 0;
-    return read;
-}
-
-bool writeSettings(CUvcBaseControl& device, const SettingsField& field, std::span<std::uint8_t> block) {
-    block[0] = field.command;
-    const bool written = writeBlock(device, UvcControls2.settings, block);
-    if (!written) systemLog("%s", field.writeFailure);
-    return written;
+    const bool read = readVolume(device, field, block);
+    volume = block[field.byte];
+    return read || failed(field.getter, "getData");
 }
 
 } // namespace
@@ -156,15 +152,13 @@ bool CVn318UvcController::GetAuxVolume(std::uint8_t& volume) {
 
 bool CVn318UvcController::SetBitRate(int h264, int forMJEPG) {
     SettingsBlock block{};
-    if (!readBlock(*this, UvcControls2.settings, block)) {
-        systemLog("%s", kBitRate.readFailure);
-        return false;
-    }
+    if (!readBlock(*this, UvcControls2.settings, block)) return failed("setBitRate", "setData"); // of the read too
     logBitRate(block[kBitRateByte]);
     const std::uint8_t levels = lowByte(h264 << 4 | (forMJEPG & 15));
     systemLog("new video bit rate index : %d \n", levels);
+    block[0] = kSetBitRate;
     block[kBitRateByte] = levels;
-    return writeSettings(*this, kBitRate, block);
+    return writeBlock(*this, UvcControls2.settings, block) || failed("setBitRate", "setData");
 }
 
 bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG) {
@@ -172,66 +166,53 @@ bool CVn318UvcController::GetBitRate(std::uint8_t& h264, std::uint8_t& forMJEPG)
     const bool read = readBlock(*this, UvcControls2.settings, block);
     const std::uint8_t levels = block[kBitRateByte];
     logBitRate(levels);
-    if (!read) systemLog("getExtension_getBitRate..getData Fail! \n");
-    h264 = read ? levels >> 4 : 0;
-    forMJEPG = read ? levels & 15 : 0;
-    return read;
+    h264 = levels >> 4;
+    forMJEPG = levels & 15;
+    return read || failed("getBitRate", "getData");
 }
 
 bool CVn318UvcController::SetHdcpState(int state) {
     SettingsBlock block{};
-    if (!readBlock(*this, UvcControls2.settings, block)) {
-        systemLog("%s", kHdcp.readFailure);
-        return false;
-    }
+    if (!readBlock(*this, UvcControls2.settings, block)) return failed("setHdcpState", "getData");
     const std::uint8_t stored = lowByte(state);
     systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
     systemLog("new HDCP state value : %d \n", stored);
     if (stored > 1) return false; // neither on nor off: refused without a log line
+    block[0] = kSetHdcp;
     block[kHdcpByte] = stored;
-    return writeSettings(*this, kHdcp, block);
+    return writeBlock(*this, UvcControls2.settings, block) || failed("setHdcpState", "setData");
 }
 
 bool CVn318UvcController::GetHdcpState(std::uint8_t& state) {
     SettingsBlock block{};
     const bool read = readBlock(*this, UvcControls2.settings, block);
-    systemLog("[Get old]HDCP state : %d,\n", block[kHdcpByte]);
-    state = read ? block[kHdcpByte] : 0;
-    if (!read)
-        systemLog("getExtension_getHdcpState..getData Fail! \n");
-    else if (state == 1)
-        systemLog("getExtension_HDCP state is On.\n");
-    else
-        systemLog("getExtension_HDCP state is Off.\n");
-    return read;
+    state = block[kHdcpByte];
+    systemLog("[Get old]HDCP state : %d,\n", state);
+    if (!read) return failed("getHdcpState", "getData");
+    systemLog("getExtension_HDCP state is %s.\n", state == 1 ? "On" : "Off");
+    return true;
 }
 
 bool CVn318UvcController::GetFwVersion(FirmwareVersionRecord& version) {
     sleepForTimeInterval(kSettlingTime);
     VersionBlock block{};
     const bool read = readBlock(*this, UvcControls2.versions, block);
+    FirmwareVersionRecord v{};
+    std::copy_n(block.begin() + 22, 4, v.begin());
+    std::copy_n(block.begin() + 14, 8, v.begin() + 4);
     systemLog("[Get version]FW ver = %d.%d.%d.%d, Icatch fw ver= %d.%d.%d.%d, "
               "HDMI splitter fw ver= %d.%d.%d.%d\n",
-        block[22], block[23], block[24], block[25], block[14], block[15], block[16], block[17], block[18], block[19],
-        block[20], block[21]);
-    if (!read) {
-        systemLog("getExtension_GetFwVersion..getData Fail! \n");
-        return false;
-    }
-    std::copy_n(block.begin() + 22, 4, version.begin());
-    std::copy_n(block.begin() + 14, 8, version.begin() + 4);
+        v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8], v[9], v[10], v[11]);
+    if (!read) return failed("GetFwVersion", "getData");
+    version = v;
     return true;
 }
 
 bool CVn318UvcController::SyncRtc() {
     SettingsBlock block{};
     const bool read = readBlock(*this, UvcControls2.settings, block);
-    systemLog("[Get old time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
-        block[7]);
-    if (!read) {
-        systemLog("%s", kClock.readFailure);
-        return false;
-    }
+    logClock("old", block);
+    if (!read) return clockFailed();
     const std::time_t host = hostTime();
     const double difference = std::difftime(clockTime(block), host);
     if (difference >= -kClockTolerance && difference <= kClockTolerance) {
@@ -239,11 +220,10 @@ bool CVn318UvcController::SyncRtc() {
         return true;
     }
     storeClock(block, hostTime());
-    if (!writeSettings(*this, kClock, block)) return false;
+    block[0] = kSetClock;
+    if (!writeBlock(*this, UvcControls2.settings, block)) return clockFailed();
     sleepForTimeInterval(kSettlingTime);
     const bool readBack = readBlock(*this, UvcControls2.settings, block);
-    systemLog("[Get NEW time]Time : %02d-%02d-%02d %02d:%02d:%02d \n", block[2], block[3], block[4], block[5], block[6],
-        block[7]);
-    if (!readBack) systemLog("%s", kClock.readFailure);
-    return readBack;
+    logClock("NEW", block);
+    return readBack || clockFailed();
 }
