@@ -1,4 +1,5 @@
 #include "ControlTransport.h"
+#include "Release.h"
 
 #include <libusb.h>
 
@@ -12,12 +13,8 @@ static_assert(UsbCode::Success == LIBUSB_SUCCESS && UsbCode::InputOutput == LIBU
 
 namespace {
 
-template <auto kFree>
-struct Free {
-    void operator()(auto* object) const { kFree(object); }
-};
-using Context = std::unique_ptr<libusb_context, Free<libusb_exit>>;
-using Handle = std::unique_ptr<libusb_device_handle, Free<libusb_close>>;
+using Context = std::unique_ptr<libusb_context, Release<libusb_exit>>;
+using Handle = std::unique_ptr<libusb_device_handle, Release<libusb_close>>;
 
 constexpr unsigned kTimeout = 5000; // milliseconds, as in the kernel; 0 would disable it
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OpenFile.h"
+#include "Release.h"
 
 #include <array>
 #include <cstdlib>
@@ -40,13 +41,9 @@ private:
 /// Searches in sysfs. An object that could not be created is empty and finds nothing.
 namespace udevSearch {
 
-template <class Object, Object* (*kUnref)(Object*)>
-struct Unref {
-    void operator()(Object* object) const { (void)kUnref(object); }
-};
-using Udev = std::unique_ptr<udev, Unref<udev, udev_unref>>;
-using Enumerate = std::unique_ptr<udev_enumerate, Unref<udev_enumerate, udev_enumerate_unref>>;
-using Device = std::unique_ptr<udev_device, Unref<udev_device, udev_device_unref>>;
+using Udev = std::unique_ptr<udev, Release<udev_unref>>;
+using Enumerate = std::unique_ptr<udev_enumerate, Release<udev_enumerate_unref>>;
+using Device = std::unique_ptr<udev_device, Release<udev_device_unref>>;
 
 /// libudev returns a null pointer for a missing value.
 inline std::string orEmpty(const char* text) {
@@ -74,8 +71,8 @@ inline std::vector<std::string> foldersWith(
     (void)udev_enumerate_add_match_sysattr(enumerate.get(), attribute, nullptr);
     if (parent) (void)udev_enumerate_add_match_parent(enumerate.get(), parent);
     (void)udev_enumerate_scan_devices(enumerate.get());
-    for (udev_list_entry* entry = udev_enumerate_get_list_entry(enumerate.get()); entry;
-         entry = udev_list_entry_get_next(entry))
+    udev_list_entry* entry = nullptr;
+    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate.get()))
         found.emplace_back(udev_list_entry_get_name(entry));
     return found;
 }
