@@ -14,6 +14,9 @@ struct UVCControlInfo {
     int size; ///< bytes
 };
 
+/// The vendor's status block, which is in the tables of both controls.
+inline constexpr UVCControlInfo kStatusBlock{3, 10, 4};
+
 /// The limits of a standard control's value.
 struct UVCRange {
     std::int64_t min;

@@ -20,7 +20,7 @@ constexpr struct {
     UVCControlInfo sharpness{2, Uvc::PU_SHARPNESS_CONTROL, 2};
     UVCControlInfo whiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2};
     UVCControlInfo autoWhiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1};
-    UVCControlInfo status{3, 10, 4}; // the vendor's
+    UVCControlInfo status = kStatusBlock;
 } uvc_controls;
 
 constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
@@ -71,10 +71,9 @@ bool UVCCameraControl::setValue(float value, const UVCControlInfo& control) {
 }
 
 std::uint8_t UVCCameraControl::getExtension() {
-    constexpr UVCControlInfo kStatus = uvc_controls.status;
-    std::array<std::uint8_t, kStatus.size> block{};
-    (void)getDataFor(UVCRequest::GET_CUR, kStatus.size, kStatus.selector, kStatus.unit, block); // 0 after a failure
-    return block[0];
+    std::array<std::uint8_t, kStatusBlock.size> block{};
+    (void)getDataFor(UVCRequest::GET_CUR, kStatusBlock.size, kStatusBlock.selector, kStatusBlock.unit, block);
+    return block[0]; // 0 after a failure
 }
 
 bool UVCCameraControl::setAutoExposure(bool enabled) {
