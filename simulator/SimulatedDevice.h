@@ -16,8 +16,6 @@ struct RecordedRequest {
     UsbResult result;
 
     [[nodiscard]] bool isGet() const { return (setup[0] & kUsbDeviceToHost) != 0; }
-    [[nodiscard]] std::uint8_t selector() const { return setup[3]; }
-    [[nodiscard]] std::uint8_t unit() const { return setup[5]; }
 };
 
 /// A control of one of the device's units. Values are little-endian, `size` bytes long.
