@@ -4,14 +4,23 @@
 
 #include <QByteArrayView>
 #include <QList>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
+#include <chrono>
+#include <utility>
+
+#include <unistd.h>
 
 namespace {
 
 using Words = QList<QByteArray>;
+
+constexpr qsizetype kMaxCommand = 4096; // bytes of a line
+constexpr const char* kUsage = "error: commands are fault, clear, unplug, plug, show";
 
 template <class Value>
 struct Named {
@@ -61,10 +70,11 @@ std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, un
 }
 
 QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device) {
+    if (line.size() > kMaxCommand) return "error: too long for a command";
     const Words words = line.simplified().split(' '); // of an empty line, one empty word
     const QByteArray& command = words.front();
     if (command == "fault") return addFault(words, device);
-    if (words.size() != 1) return "error: commands are fault, clear, unplug, plug, show";
+    if (words.size() != 1) return kUsage;
     if (command == "clear")
         device.clearFaults();
     else if (command == "unplug")
@@ -74,6 +84,27 @@ QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device) {
     else if (command == "show")
         return describe(device);
     else if (command != "plug")
-        return "error: commands are fault, clear, unplug, plug, show";
+        return kUsage;
     return "ok";
+}
+
+CommandReader::CommandReader(int file, std::function<void(const QByteArray&)> execute)
+    : m_input(file, QSocketNotifier::Read), m_execute(std::move(execute)) {
+    QObject::connect(&m_input, &QSocketNotifier::activated, [this] { read(); });
+}
+
+void CommandReader::read() {
+    std::array<char, kMaxCommand> bytes{};
+    // Not by QFile, which would wait until the buffer is full.
+    const ssize_t count = ::read(static_cast<int>(m_input.socket()), bytes.data(), bytes.size());
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
+    if (count <= 0) m_input.setEnabled(false); // at the end no more commands can follow
+    if (count < 0 && errno == EIO)             // in the background of a terminal
+        QTimer::singleShot(std::chrono::seconds(1), &m_input, [this] { m_input.setEnabled(true); });
+    m_bytes.append(bytes.data(), std::max<ssize_t>(count, 0));
+    for (auto end = m_bytes.indexOf('\n'); end >= 0; end = m_bytes.indexOf('\n')) {
+        m_execute(m_bytes.first(end));
+        m_bytes.remove(0, end + 1);
+    }
+    m_bytes.truncate(kMaxCommand + 1); // enough of an overlong line to refuse it at its end
 }

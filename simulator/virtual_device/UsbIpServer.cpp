@@ -1,14 +1,11 @@
 #include "UsbIpServer.h"
 
-#include "DeviceCommands.h"
-
 #include <QLocalSocket>
 #include <QNetworkProxy>
 #include <QTcpSocket>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -20,7 +17,6 @@
 namespace {
 
 constexpr std::size_t kMaxConnections = 8;
-constexpr qsizetype kMaxCommand = 4096; // bytes of a line
 
 /// First free port for high speed of the kernel's virtual host controller. Its table has a line per port: hub, port,
 /// state, and more.
@@ -43,11 +39,10 @@ void UsbIpServer::DeleteLater::operator()(QIODevice* socket) const {
 }
 
 UsbIpServer::UsbIpServer(VirtualCaptureDevice& device, int commands)
-    : m_device(device), m_commands(commands, QSocketNotifier::Read) {
+    : m_device(device), m_commands(commands, [this](const QByteArray& line) { execute(line); }) {
     m_listener.setProxy(QNetworkProxy::NoProxy); // also if the environment names one
     m_frameTimer.setSingleShot(true);
     m_frameTimer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&m_commands, &QSocketNotifier::activated, [this] { readCommands(); });
     QObject::connect(&m_listener, &QTcpServer::newConnection, [this] { acceptConnections(); });
     QObject::connect(&m_frameTimer, &QTimer::timeout, [this] { sendFrames(); });
 }
@@ -140,32 +135,8 @@ void UsbIpServer::dropEnded() {
     if (!m_attaches) m_device.device().plugIn();
 }
 
-void UsbIpServer::readCommands() {
-    std::array<char, kMaxCommand> bytes{};
-    // Not by QFile, which would wait until the buffer is full.
-    const ssize_t count = ::read(static_cast<int>(m_commands.socket()), bytes.data(), bytes.size());
-    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return;
-    if (count < 0 && errno == EIO) { // in the background of a terminal
-        using namespace std::chrono_literals;
-        m_commands.setEnabled(false);
-        QTimer::singleShot(1s, &m_commands, [this] { m_commands.setEnabled(true); });
-        return;
-    }
-    if (count <= 0) {
-        m_commands.setEnabled(false); // no more commands can follow
-        return;
-    }
-    m_commandBytes.append(bytes.data(), count);
-    for (auto end = m_commandBytes.indexOf('\n'); end >= 0; end = m_commandBytes.indexOf('\n')) {
-        execute(m_commandBytes.first(end));
-        m_commandBytes.remove(0, end + 1);
-    }
-    m_commandBytes.truncate(kMaxCommand + 1); // enough of an overlong line to refuse it at its end
-}
-
 void UsbIpServer::execute(const QByteArray& line) {
-    QByteArray answer = line.size() > kMaxCommand ? QByteArray("error: too long for a command")
-                                                  : executeCommand(line, m_device.device());
+    QByteArray answer = executeCommand(line, m_device.device());
     dropEnded();
     if (m_attaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "DeviceCommands.h"
 #include "OpenFile.h"
 #include "UsbIpSession.h"
 
-#include <QByteArray>
 #include <QFile>
 #include <QIODevice>
-#include <QSocketNotifier>
 #include <QString>
 #include <QTcpServer>
 #include <QTimer>
@@ -46,13 +45,11 @@ private:
     [[nodiscard]] QString handToKernel(int socket);
     void sendFrames();
     void dropEnded();
-    void readCommands();
     void execute(const QByteArray& line);
     [[nodiscard]] bool attached() const;
 
     VirtualCaptureDevice& m_device;
-    QSocketNotifier m_commands;
-    QByteArray m_commandBytes;
+    CommandReader m_commands;
     QTcpServer m_listener;
     QTimer m_frameTimer;
     QFile m_attach{QStringLiteral("/sys/devices/platform/vhci_hcd.0/attach")}; ///< stays open: opening needs root
