@@ -17,7 +17,7 @@ struct UVCControlInfo {
 /// The vendor's status block, which is in the tables of both controls.
 inline constexpr UVCControlInfo kStatusBlock{3, 10, 4};
 
-/// The limits of a standard control's value.
+/// Which limits of a standard control the device reported: 1, or 0 for a limit that it did not.
 struct UVCRange {
     std::int64_t min;
     std::int64_t max;
@@ -26,10 +26,6 @@ struct UVCRange {
 /// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface.
 /// Requests are synchronous. Between requests the interface is not claimed, and no driver is detached from it, so that
 /// capture software continues. Failures are log lines and false results, nothing throws.
-///
-/// On Linux some of the lines are never logged, as only sysfs is read before the first request: "QueryInterface
-/// returned", "Unable to create a plug-in", "Couldn’t create a device interface" and "Unable to get interface number".
-/// "IOCreatePlugInInterfaceForService returned" always has `NoDevice` there: no such device is plugged in.
 class UVCCameraControl {
 public:
     UVCCameraControl() = default;
@@ -63,10 +59,9 @@ public:
     /// A GET of `length` bytes into the start of `ret`, which a failure does not change.
     [[nodiscard]] bool getDataFor(UVCRequest request, int length, int selector, int unit, std::span<std::uint8_t> ret);
 
-    // Standard camera controls on a scale from 0.0 to 1.0. They use the success flags of their requests as values;
-    // callers get the same numbers from every release.
+    // Standard camera controls on a scale from 0.0 to 1.0. What they calculate with is whether the device answered, 1
+    // or 0, not its answer: callers get the same numbers from every release.
 
-    /// 1 for each limit that the device answered, 0 for one that it did not.
     [[nodiscard]] UVCRange getRangeForControl(const UVCControlInfo& control);
     /// Linear, each step rounded to single precision. A source range of zero width gives infinity or NaN.
     [[nodiscard]] float mapValue(float value, float fromMin, float fromMax, float toMin, float toMax);

@@ -47,7 +47,7 @@ bool write(UVCCameraControl& camera, std::int64_t data, const UVCControlInfo& co
 
 } // namespace
 
-// The limits are success flags, not the device's numbers: the range of a responding device is 1 to 1.
+// The range of a device that answers is 1 to 1.
 UVCRange UVCCameraControl::getRangeForControl(const UVCControlInfo& control) {
     const std::int64_t min = answers(*this, UVCRequest::GET_MIN, control) ? 1 : 0;
     const std::int64_t max = answers(*this, UVCRequest::GET_MAX, control) ? 1 : 0;

@@ -64,7 +64,7 @@ UsbResult LinuxUsbInterface::openUsbNode() {
 }
 
 bool LinuxUsbInterface::exists() const {
-    // A device that still exists had this interface when the interface's folder was opened.
+    // The device's folder was opened first: while it exists, the other one is not of a device plugged in later.
     return m_folder.exists() && m_device.folder->exists();
 }
 
