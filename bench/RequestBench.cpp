@@ -1,12 +1,12 @@
-// Measures one block read and one change of a setting through the program's layers, compared with the bare
-// kernel calls on the same device, which open a known node, send one request and close it. It needs an attached
-// tavro-virtual-device (scripts/bench has one).
+// Measures one block read and one change of a setting through the program's layers, compared with the bare kernel calls
+// on the same device, which open a known node, send one request and close it. It needs an attached tavro-virtual-device
+// (scripts/bench has one).
 //
 //     request-bench NODE [Google Benchmark's options]
 //
-// NODE is the device's capture node, or without the kernel's UVC driver its node in usbfs. Heap allocations of
-// the whole process are counted, including those of libraries. Log lines are formatted, but not delivered: no
-// figure includes the system log or standard error.
+// NODE is the device's capture node, or without the kernel's UVC driver its node in usbfs. Heap allocations of the
+// whole process are counted, including those of libraries. Log lines are formatted, but not delivered: no figure
+// includes the system log or standard error.
 
 #include "Clock.h"
 #include "Log.h"
@@ -86,8 +86,8 @@ void logLine(benchmark::State& state) {
 
 } // namespace
 
-// glibc's internal names of malloc and the other allocation functions. The definitions here take precedence
-// over the C library's in every library of the process; free is not replaced.
+// glibc's internal names of malloc and the other allocation functions. The definitions here take precedence over the C
+// library's in every library of the process; free is not replaced.
 extern "C" {
 // NOLINTBEGIN(bugprone-reserved-identifier)
 void* __libc_malloc(std::size_t size);

@@ -23,9 +23,9 @@ struct UVCRange {
     std::int64_t max;
 };
 
-/// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface.
-/// Requests are synchronous. Between requests the interface is not claimed, and no driver is detached from it, so that
-/// capture software continues. Failures are log lines and false results, nothing throws.
+/// Finds the capture device on the bus and sends class requests to the units of its VideoControl interface. Requests
+/// are synchronous. Between requests the interface is not claimed, and no driver is detached from it, so that capture
+/// software continues. Failures are log lines and false results, nothing throws.
 class UVCCameraControl {
 public:
     UVCCameraControl() = default;
@@ -33,26 +33,24 @@ public:
     UVCCameraControl(const UVCCameraControl&) = delete;
     UVCCameraControl& operator=(const UVCCameraControl&) = delete;
 
-    /// Opens the first device with these identifiers (low 32 bits). False: there is none, or it can't be
-    /// reached; discard the object. True with a device that has no VideoControl interface: every request
-    /// fails.
+    /// Opens the first device with these identifiers (low 32 bits). False: there is none, or it can't be reached;
+    /// discard the object. True with a device that has no VideoControl interface: every request fails.
     [[nodiscard]] bool initWithVendorID(std::int64_t vendorID, std::int64_t productID);
     /// Opens the device at a location (`UsbDevice::GetLocationID`). None there: every request fails.
     void initWithLocationID(std::uint32_t locationID);
 
-    /// The VideoControl interface of a device, absent if it has none or it can't be opened. The spelling
-    /// "Inferace" is part of the name.
+    /// The VideoControl interface of a device, absent if it has none or it can't be opened. The spelling "Inferace" is
+    /// part of the name.
     [[nodiscard]] std::unique_ptr<UsbInterface> getControlInferaceWithDeviceInterface(UsbDevice& device);
     /// Asks the interface for its number and returns 0: all requests have interface number 0.
     std::uint8_t getInterfaceNumberFromInterface(UsbInterface& asked);
 
-    /// Sends one request unchanged. After a failure the interface is closed but kept, and the next request is
-    /// tried on it again. Blocks as long as `UsbInterface::ControlRequest`. On Linux requests of
-    /// more than 64 bytes are refused.
+    /// Sends one request unchanged. After a failure the interface is closed but kept, and the next request is tried on
+    /// it again. Blocks as long as `UsbInterface::ControlRequest`. On Linux requests of more than 64 bytes are refused.
     [[nodiscard]] bool sendControlRequest(UsbControlRequest request);
 
-    // A length that is negative, beyond the caller's data or more than wLength holds: false, and nothing is
-    // sent or logged.
+    // A length that is negative, beyond the caller's data or more than wLength holds: false, and nothing is sent or
+    // logged.
 
     /// SET_CUR of the low `length` (1 to 8) bytes of `data`, little-endian.
     [[nodiscard]] bool setData(std::int64_t data, int length, int selector, int unit);

@@ -1,5 +1,5 @@
-// The standard camera controls of UVCCameraControl. Units 1 and 2 are the camera terminal and the processing
-// unit; neither is looked up in the device's descriptors.
+// The standard camera controls of UVCCameraControl. Units 1 and 2 are the camera terminal and the processing unit;
+// neither is looked up in the device's descriptors.
 
 #include "UVCControl.h"
 

@@ -7,8 +7,8 @@
 #include <memory>
 #include <span>
 
-/// Three firmware images, four version parts each, most significant first: main firmware, image processor,
-/// HDMI splitter.
+/// Three firmware images, four version parts each, most significant first: main firmware, image processor, HDMI
+/// splitter.
 using FirmwareVersionRecord = std::array<std::uint8_t, 12>;
 
 /// The device's blocks: each is the current value of one control, and the device refuses any other length.
@@ -20,12 +20,12 @@ struct VendorControls {
 };
 inline constexpr VendorControls UvcControls2;
 
-/// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all stored in
-/// three blocks of extension unit 3 (docs/device.md). Nothing is cached. To change a setting, its whole block is read,
-/// its field changed and the whole block written back. A block that could not be read is never written.
+/// The capture device: its clock, volumes, bit-rate levels, HDCP switch and firmware versions, all stored in three
+/// blocks of extension unit 3 (docs/device.md). Nothing is cached. To change a setting, its whole block is read, its
+/// field changed and the whole block written back. A block that could not be read is never written.
 ///
-/// Every operation returns true on success. Except for `GetFwVersion`, getters set their out-arguments to
-/// 0 on failure. Setters store the low 8 bits of a volume or an HDCP state, and the low 4 bits of a bit-rate level.
+/// Every operation returns true on success. Except for `GetFwVersion`, getters set their out-arguments to 0 on failure.
+/// Setters store the low 8 bits of a volume or an HDCP state, and the low 4 bits of a bit-rate level.
 class CVn318UvcController : public CUvcBaseControl {
 public:
     static constexpr std::uint16_t kVendorID = TAVRO_USB_VENDOR_ID;

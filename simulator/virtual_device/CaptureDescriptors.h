@@ -22,8 +22,8 @@ inline constexpr std::uint8_t kConfigurationValue = 1;
 
 [[nodiscard]] Bytes deviceDescriptor(const CaptureIdentity& identity);
 [[nodiscard]] Bytes deviceQualifier();
-/// The configuration with all its interfaces (camera terminal 1, processing unit 2, extension unit 3 with
-/// selectors 10 to 13, and the stream).
+/// The configuration with all its interfaces (camera terminal 1, processing unit 2, extension unit 3 with selectors 10
+/// to 13, and the stream).
 [[nodiscard]] Bytes configurationDescriptor(const CaptureIdentity& identity);
 /// Empty if there is no such string.
 [[nodiscard]] Bytes stringDescriptor(std::uint8_t index);

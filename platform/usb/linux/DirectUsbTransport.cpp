@@ -22,8 +22,8 @@ constexpr unsigned kTimeout = 5000; // milliseconds, as in the kernel; 0 would d
 UsbResult openLibusb(libusb_context*& opened) {
     static Context context;
     if (!context) {
-        // libusb must not parse other devices: version 1.0.26 can loop forever on malicious descriptors, also
-        // on those of a device that is plugged in later.
+        // libusb must not parse other devices: version 1.0.26 can loop forever on malicious descriptors, also on those
+        // of a device that is plugged in later.
         (void)libusb_set_option(nullptr, LIBUSB_OPTION_NO_DEVICE_DISCOVERY);
         libusb_context* made = nullptr;
         if (const UsbResult result = libusb_init(&made); result != UsbCode::Success) return result;

@@ -103,8 +103,8 @@ UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
     m_node = OpenFile(); // closes the node that a failed request has left open
     m_notOpen = request.wLength > kMaxData ? UsbCode::NotSupported : selectTransport();
     if (m_notOpen != UsbCode::Success) return m_notOpen;
-    // The answer of a failed request must not reach the caller: a block that is half zeros and then written
-    // back would wipe settings.
+    // The answer of a failed request must not reach the caller: a block that is half zeros and then written back would
+    // wipe settings.
     std::array<std::uint8_t, kMaxData> data{};
     UsbControlRequest sent = request;
     sent.pData = data.data();

@@ -19,13 +19,13 @@ struct PluggedDevice {
     unsigned bus = 0;                          ///< from 1
 };
 
-/// One interface of a device of this computer. The device's node is open during a request only, and after a
-/// failed one until the close: an open node keeps the device from suspending, the driver from being unloaded
-/// and the node's name from being used again after a re-plug.
+/// One interface of a device of this computer. The device's node is open during a request only, and after a failed one
+/// until the close: an open node keeps the device from suspending, the driver from being unloaded and the node's name
+/// from being used again after a re-plug.
 ///
-/// The transport is selected at each request: through the kernel's driver if that is bound to the interface
-/// and sends exactly our packet, directly if none is bound. The driver is never detached: that would end a
-/// recording. After a re-plug, a new authorization or a change of configuration every request fails with `NoDevice`.
+/// The transport is selected at each request: through the kernel's driver if that is bound to the interface and sends
+/// exactly our packet, directly if none is bound. The driver is never detached: that would end a recording. After a
+/// re-plug, a new authorization or a change of configuration every request fails with `NoDevice`.
 class LinuxUsbInterface : public UsbInterface {
 public:
     /// `path` is the interface's folder in sysfs, `number` the one in its descriptor.

@@ -88,9 +88,9 @@ public:
 class UsbDevice {
 public:
     virtual ~UsbDevice() = default;
-    /// The location of the device: bus number in bits 31-24, then one port number per 4 bits along the
-    /// chain of hubs, the root hub's first; the rest is 0. Of a port number only the low 4 bits count, so
-    /// that ports 1 and 17 of one hub have the same location.
+    /// The location of the device: bus number in bits 31-24, then one port number per 4 bits along the chain of hubs,
+    /// the root hub's first; the rest is 0. Of a port number only the low 4 bits count, so that ports 1 and 17 of one
+    /// hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
     /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), with any protocol.
     [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
