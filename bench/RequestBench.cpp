@@ -10,7 +10,7 @@
 
 #include "Clock.h"
 #include "Log.h"
-#include "OpenFile.h"
+#include "UniqueFd.h"
 #include "VN318UvcController.h"
 
 #include <benchmark/benchmark.h>
@@ -36,7 +36,7 @@ std::array<std::uint8_t, 7> audio{};
 
 bool query(UVCRequest request) {
     const auto code = static_cast<std::uint8_t>(request);
-    const OpenFile file(::open(node, O_RDWR | O_CLOEXEC));
+    const UniqueFd file(::open(node, O_RDWR | O_CLOEXEC));
     if (std::string_view(node).starts_with("/dev/bus/usb/")) {
         const bool isGet = (code & kUsbDeviceToHost) != 0;
         usbdevfs_ctrltransfer transfer{isGet ? Uvc::kGetFromInterface : Uvc::kSetToInterface, code, 13 << 8, 3 << 8,

@@ -1,5 +1,5 @@
 #include "Log.h"
-#include "OpenFile.h"
+#include "UniqueFd.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,7 +24,7 @@ bool standardErrorIsJournal() {
 
 /// `syslog` does not report a failure. In a sandbox there may be no system log.
 bool systemLogCanBeReached() {
-    const OpenFile probe(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    const UniqueFd probe(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const sockaddr_un address{AF_UNIX, _PATH_LOG};
     return ::connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }

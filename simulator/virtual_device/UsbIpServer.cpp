@@ -57,7 +57,7 @@ QString UsbIpServer::attachToThisMachine() {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
     ours->setSocketDescriptor(ends[0]);
-    const OpenFile kernels(ends[1]); // the kernel keeps a reference of its own
+    const UniqueFd kernels(ends[1]); // the kernel keeps a reference of its own
     if (QString failure = handToKernel(ends[1]); !failure.isEmpty()) return failure;
     Connection& connection = addConnection(std::move(ours));
     connection.session.importNow(UsbIpSession::Clock::now());

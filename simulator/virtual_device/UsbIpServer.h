@@ -1,7 +1,7 @@
 #pragma once
 
 #include "DeviceCommands.h"
-#include "OpenFile.h"
+#include "UniqueFd.h"
 #include "UsbIpSession.h"
 
 #include <QFile>

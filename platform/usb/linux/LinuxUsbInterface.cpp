@@ -27,8 +27,8 @@ UsbResult resultOfOpen(int error) {
 }
 
 /// Opens without blocking. `NoDevice` if it isn't the character device with this number.
-UsbResult openDeviceNode(const std::string& path, dev_t number, OpenFile& node) {
-    OpenFile file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+UsbResult openDeviceNode(const std::string& path, dev_t number, UniqueFd& node) {
+    UniqueFd file(::open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     if (!file) return resultOfOpen(errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0 || !S_ISCHR(status.st_mode) || status.st_rdev != number)
@@ -45,7 +45,7 @@ UsbResult LinuxUsbInterface::GetInterfaceNumber(std::uint8_t& number) {
 }
 
 UsbResult LinuxUsbInterface::openNode(const std::string& path, dev_t number, const SysfsFolder& owner) {
-    OpenFile opened;
+    UniqueFd opened;
     const UsbResult result = openDeviceNode(path, number, opened);
     if (!owner.exists()) // unplugged before the node was opened: the number may be another device's
         return UsbCode::NoDevice;
@@ -100,7 +100,7 @@ UsbResult LinuxUsbInterface::selectTransport() {
 }
 
 UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
-    m_node = OpenFile(); // closes the node that a failed request has left open
+    m_node = UniqueFd(); // closes the node that a failed request has left open
     m_notOpen = request.wLength > kMaxData ? UsbCode::NotSupported : selectTransport();
     if (m_notOpen != UsbCode::Success) return m_notOpen;
     // The answer of a failed request must not reach the caller: a block that is half zeros and then written back would
@@ -120,7 +120,7 @@ UsbResult LinuxUsbInterface::ControlRequest(UsbControlRequest& request) {
 
 UsbResult LinuxUsbInterface::USBInterfaceClose() {
     if (!m_node) return m_notOpen;
-    m_node = OpenFile();
+    m_node = UniqueFd();
     m_notOpen = UsbCode::NotFound;
     return UsbCode::Success;
 }

@@ -58,7 +58,7 @@ private:
     SysfsFolder m_folder; ///< of m_path
     std::uint8_t m_number;
     CaptureNode m_captureNode; ///< found by an earlier request
-    OpenFile m_node;
+    UniqueFd m_node;
     ControlTransport m_transport = nullptr;  ///< for the open node
     UsbResult m_notOpen = UsbCode::NotFound; ///< why no node is open
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OpenFile.h"
 #include "Release.h"
+#include "UniqueFd.h"
 
 #include <array>
 #include <cstdlib>
@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    OpenFile m_folder;
+    UniqueFd m_folder;
 };
 
 /// Searches in sysfs. An object that could not be created is empty and finds nothing.
