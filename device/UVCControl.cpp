@@ -26,9 +26,9 @@ bool fits(int length, std::span<const std::uint8_t> buffer) {
         && length <= std::numeric_limits<std::uint16_t>::max();
 }
 
-std::unique_ptr<UsbDevice> deviceForService(UsbYield<UsbService<UsbDevice>> service) {
+std::unique_ptr<UsbDevice> deviceForService(UsbOutcome<UsbService<UsbDevice>> service) {
     // Without a device the line is that of a plug-in that can't be created.
-    UsbYield<UsbPlugIn<UsbDevice>> plugIn{service.result, nullptr};
+    UsbOutcome<UsbPlugIn<UsbDevice>> plugIn{service.result, nullptr};
     if (service.object) plugIn = service.object->createPlugIn();
     if (plugIn.result != UsbCode::Success || !plugIn.object) {
         systemLog("CameraControl Error: IOCreatePlugInInterfaceForService returned 0x%08x.",

@@ -38,7 +38,7 @@ public:
         location = m_device->locationID;
         return UsbCode::Success;
     }
-    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+    UsbOutcome<UsbIterator<UsbInterface>> CreateInterfaceIterator(
         std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) override {
         auto iterator = std::make_unique<ChainIterator<UsbInterface>>();
         if (m_device->videoControlInterface && interfaceClass == Uvc::kVideoClass
@@ -64,7 +64,7 @@ SimulatedBus& SimulatedBus::instance() {
     return bus;
 }
 
-UsbYield<UsbService<UsbDevice>> SimulatedBus::firstService(std::uint32_t vendor, std::uint32_t product) {
+UsbOutcome<UsbService<UsbDevice>> SimulatedBus::firstService(std::uint32_t vendor, std::uint32_t product) {
     const auto found = std::ranges::find_if(devices, [&](const DevicePointer& device) {
         return device->plugged() && device->vendorID == vendor && device->productID == product;
     });
@@ -72,7 +72,7 @@ UsbYield<UsbService<UsbDevice>> SimulatedBus::firstService(std::uint32_t vendor,
     return {UsbCode::Success, serviceOf(*found)};
 }
 
-UsbYield<UsbIterator<UsbDevice>> SimulatedBus::allServices() {
+UsbOutcome<UsbIterator<UsbDevice>> SimulatedBus::allServices() {
     auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
     for (const DevicePointer& device : devices) {
         if (device->plugged()) iterator->add(serviceOf(device));

@@ -13,8 +13,8 @@ public:
     [[nodiscard]] static SimulatedBus& instance();
     SimulatedBus() { devices.push_back(std::make_shared<SimulatedDevice>()); }
 
-    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override;
-    UsbYield<UsbIterator<UsbDevice>> allServices() override;
+    UsbOutcome<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override;
+    UsbOutcome<UsbIterator<UsbDevice>> allServices() override;
 
     std::vector<std::shared_ptr<SimulatedDevice>> devices; ///< in the order of the bus
 };

@@ -82,7 +82,7 @@ UsbResult resultOf(const std::string& step, UsbResult simulated = UsbCode::Succe
 }
 
 template <class Object>
-UsbYield<Object> yieldOf(const std::string& step, std::unique_ptr<Object> object) {
+UsbOutcome<Object> outcomeOf(const std::string& step, std::unique_ptr<Object> object) {
     if (const auto failure = TestHost::failing.extract(step)) return {failure.mapped(), nullptr};
     return {UsbCode::Success, std::move(object)};
 }
@@ -91,22 +91,22 @@ UsbYield<Object> yieldOf(const std::string& step, std::unique_ptr<Object> object
 template <class Object, class Wrapper>
 struct TestService : UsbService<Object>, UsbPlugIn<Object> {
     explicit TestService(std::shared_ptr<UsbService<Object>> behind) : simulated(std::move(behind)) {}
-    UsbYield<UsbPlugIn<Object>> createPlugIn() override {
-        return yieldOf<UsbPlugIn<Object>>(Wrapper::kName + " plug-in", std::make_unique<TestService>(simulated));
+    UsbOutcome<UsbPlugIn<Object>> createPlugIn() override {
+        return outcomeOf<UsbPlugIn<Object>>(Wrapper::kName + " plug-in", std::make_unique<TestService>(simulated));
     }
     UsbResult release() override { return resultOf("release"); }
-    UsbYield<Object> QueryInterface() override {
+    UsbOutcome<Object> QueryInterface() override {
         auto object = std::make_unique<Wrapper>(simulated->createPlugIn().object->QueryInterface().object);
-        return yieldOf<Object>(Wrapper::kName + " object", std::move(object));
+        return outcomeOf<Object>(Wrapper::kName + " object", std::move(object));
     }
     std::shared_ptr<UsbService<Object>> simulated;
 };
 
 template <class Wrapper, class Object>
-UsbYield<UsbIterator<Object>> listOf(UsbIterator<Object>& simulated) {
+UsbOutcome<UsbIterator<Object>> listOf(UsbIterator<Object>& simulated) {
     auto list = std::make_unique<ChainIterator<Object>>();
     while (auto each = simulated.next()) list->add(std::make_unique<TestService<Object, Wrapper>>(std::move(each)));
-    return yieldOf<UsbIterator<Object>>(Wrapper::kName + "s", std::move(list));
+    return outcomeOf<UsbIterator<Object>>(Wrapper::kName + "s", std::move(list));
 }
 
 struct TestInterface : UsbInterface {
@@ -129,18 +129,18 @@ struct TestDevice : UsbDevice {
     UsbResult GetLocationID(std::uint32_t& location) override {
         return resultOf("location", simulated->GetLocationID(location));
     }
-    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t type, std::uint8_t subType) override {
+    UsbOutcome<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t type, std::uint8_t subType) override {
         return listOf<TestInterface>(*simulated->CreateInterfaceIterator(type, subType).object);
     }
     std::unique_ptr<UsbDevice> simulated;
 };
 
 struct TestBus : UsbBus {
-    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
+    UsbOutcome<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
         auto [result, service] = SimulatedBus::instance().firstService(vendor, product);
         return {result, service ? std::make_unique<TestService<UsbDevice, TestDevice>>(std::move(service)) : nullptr};
     }
-    UsbYield<UsbIterator<UsbDevice>> allServices() override {
+    UsbOutcome<UsbIterator<UsbDevice>> allServices() override {
         return listOf<TestDevice>(*SimulatedBus::instance().allServices().object);
     }
 };

@@ -18,7 +18,7 @@ public:
     explicit LinuxDevice(PluggedDevice device) : m_device(std::move(device)) {}
 
     UsbResult GetLocationID(std::uint32_t& location) override;
-    UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+    UsbOutcome<UsbIterator<UsbInterface>> CreateInterfaceIterator(
         std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) override;
 
 private:
@@ -36,7 +36,7 @@ UsbResult LinuxDevice::GetLocationID(std::uint32_t& location) {
     return UsbCode::Success;
 }
 
-UsbYield<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(
+UsbOutcome<UsbIterator<UsbInterface>> LinuxDevice::CreateInterfaceIterator(
     std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) {
     const Udev context(udev_new());
     const Device device = deviceAt(context, m_device.path);
@@ -81,7 +81,7 @@ std::vector<std::unique_ptr<UsbService<UsbDevice>>> services(Condition condition
 
 class LinuxUsbBus : public UsbBus {
 public:
-    UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
+    UsbOutcome<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
         auto found = services([&](const Device& device) {
             return numberIn(device, "idVendor", 16) == vendor && numberIn(device, "idProduct", 16) == product;
         });
@@ -89,7 +89,7 @@ public:
         return {UsbCode::Success, std::move(found.front())};
     }
 
-    UsbYield<UsbIterator<UsbDevice>> allServices() override {
+    UsbOutcome<UsbIterator<UsbDevice>> allServices() override {
         auto iterator = std::make_unique<ChainIterator<UsbDevice>>();
         for (auto& service : services([](const Device&) { return true; })) iterator->add(std::move(service));
         return {UsbCode::Success, std::move(iterator)};

@@ -24,7 +24,7 @@ inline constexpr UsbResult NotSendable = -100;
 
 /// Result of a step that makes an object. Check both: a step can report success and give no object.
 template <class Object>
-struct UsbYield {
+struct UsbOutcome {
     UsbResult result = UsbCode::NoDevice;
     std::unique_ptr<Object> object;
 };
@@ -51,7 +51,7 @@ template <class Object>
 class UsbPlugIn {
 public:
     virtual ~UsbPlugIn() = default;
-    [[nodiscard]] virtual UsbYield<Object> QueryInterface() = 0;
+    [[nodiscard]] virtual UsbOutcome<Object> QueryInterface() = 0;
 };
 
 /// An entry of the bus.
@@ -59,7 +59,7 @@ template <class Object>
 class UsbService {
 public:
     virtual ~UsbService() = default;
-    [[nodiscard]] virtual UsbYield<UsbPlugIn<Object>> createPlugIn() = 0;
+    [[nodiscard]] virtual UsbOutcome<UsbPlugIn<Object>> createPlugIn() = 0;
     /// Releases the service; its plug-in remains usable.
     [[nodiscard]] virtual UsbResult release() = 0;
 };
@@ -93,7 +93,7 @@ public:
     /// hub have the same location.
     [[nodiscard]] virtual UsbResult GetLocationID(std::uint32_t& location) = 0;
     /// Its interfaces of a class and subclass (USB 2.0, 9.6.5), with any protocol.
-    [[nodiscard]] virtual UsbYield<UsbIterator<UsbInterface>> CreateInterfaceIterator(
+    [[nodiscard]] virtual UsbOutcome<UsbIterator<UsbInterface>> CreateInterfaceIterator(
         std::uint8_t interfaceClass, std::uint8_t interfaceSubClass) = 0;
 };
 
@@ -102,8 +102,9 @@ class UsbBus {
 public:
     virtual ~UsbBus() = default;
     /// The first device with these identifiers. If there is none: `NoDevice`, and no object.
-    [[nodiscard]] virtual UsbYield<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) = 0;
-    [[nodiscard]] virtual UsbYield<UsbIterator<UsbDevice>> allServices() = 0;
+    [[nodiscard]] virtual UsbOutcome<UsbService<UsbDevice>> firstService(
+        std::uint32_t vendor, std::uint32_t product) = 0;
+    [[nodiscard]] virtual UsbOutcome<UsbIterator<UsbDevice>> allServices() = 0;
 };
 
 /// The bus that the program was linked with: the computer's, or the simulated one.

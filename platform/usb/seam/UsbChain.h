@@ -15,7 +15,7 @@ template <class Object>
 class ChainPlugIn : public UsbPlugIn<Object> {
 public:
     explicit ChainPlugIn(MakeObject<Object> make) : m_make(std::move(make)) {}
-    UsbYield<Object> QueryInterface() override { return {UsbCode::Success, m_make()}; }
+    UsbOutcome<Object> QueryInterface() override { return {UsbCode::Success, m_make()}; }
 
 private:
     MakeObject<Object> m_make;
@@ -25,7 +25,7 @@ template <class Object>
 class ChainService : public UsbService<Object> {
 public:
     explicit ChainService(MakeObject<Object> make) : m_make(std::move(make)) {}
-    UsbYield<UsbPlugIn<Object>> createPlugIn() override {
+    UsbOutcome<UsbPlugIn<Object>> createPlugIn() override {
         return {UsbCode::Success, std::make_unique<ChainPlugIn<Object>>(m_make)};
     }
     UsbResult release() override { return UsbCode::Success; }
