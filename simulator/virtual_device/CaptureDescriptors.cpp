@@ -25,16 +25,16 @@ constexpr Guid kUnitGuid{
 /// Its first byte is its length, which the conversion fills in.
 class Descriptor {
 public:
-    Descriptor(std::initializer_list<std::uint8_t> bytes) : m_bytes{0} { byte(bytes); }
-    Descriptor& byte(std::initializer_list<std::uint8_t> bytes) {
-        append(m_bytes, std::span(bytes.begin(), bytes.size()));
+    Descriptor(std::initializer_list<std::uint8_t> values) : m_bytes{0} { bytes(values); }
+    Descriptor& bytes(std::initializer_list<std::uint8_t> values) {
+        append(m_bytes, std::span(values.begin(), values.size()));
         return *this;
     }
-    Descriptor& word(std::uint16_t value) {
+    Descriptor& le16(std::uint16_t value) {
         appendLittleEndian(m_bytes, value, 2);
         return *this;
     }
-    Descriptor& number(std::uint32_t value) {
+    Descriptor& le32(std::uint32_t value) {
         appendLittleEndian(m_bytes, value, 4);
         return *this;
     }
@@ -43,9 +43,9 @@ public:
         return *this;
     }
     operator Bytes() const {
-        Bytes bytes = m_bytes;
-        bytes[0] = static_cast<std::uint8_t>(bytes.size());
-        return bytes;
+        Bytes whole = m_bytes;
+        whole[0] = static_cast<std::uint8_t>(whole.size());
+        return whole;
     }
 
 private:
@@ -69,17 +69,17 @@ Bytes videoControl(const CaptureIdentity& identity) {
     const Descriptor control{
         USB_DT_INTERFACE, identity.videoControlInterface, 0, 0, USB_CLASS_VIDEO, UVC_SC_VIDEOCONTROL, 0, Collection};
     Descriptor header{USB_DT_CS_INTERFACE, UVC_VC_HEADER};
-    header.word(0x0110).word(0).number(kClockFrequency).byte({1, identity.streamingInterface()});
+    header.le16(0x0110).le16(0).le32(kClockFrequency).bytes({1, identity.streamingInterface()});
     // auto-exposure mode and absolute exposure time
     Descriptor camera{USB_DT_CS_INTERFACE, UVC_VC_INPUT_TERMINAL, CameraTerminal};
-    camera.word(UVC_ITT_CAMERA).byte({0, NoString}).word(0).word(0).word(0).byte({3, 0x0A, 0, 0});
+    camera.le16(UVC_ITT_CAMERA).bytes({0, NoString}).le16(0).le16(0).le16(0).bytes({3, 0x0A, 0, 0});
     // brightness, contrast, saturation, sharpness, white balance and its automatic mode, gain
     Descriptor processing{USB_DT_CS_INTERFACE, UVC_VC_PROCESSING_UNIT, ProcessingUnit, CameraTerminal};
-    processing.word(0).byte({2, 0x5B, 0x12, NoString, 0});
+    processing.le16(0).bytes({2, 0x5B, 0x12, NoString, 0});
     Descriptor extension{USB_DT_CS_INTERFACE, UVC_VC_EXTENSION_UNIT, ExtensionUnit};
-    extension.guid(kUnitGuid).byte({4, 1, ProcessingUnit, 2, 0, 0x1E, NoString});
+    extension.guid(kUnitGuid).bytes({4, 1, ProcessingUnit, 2, 0, 0x1E, NoString});
     Descriptor output{USB_DT_CS_INTERFACE, UVC_VC_OUTPUT_TERMINAL, OutputTerminal};
-    output.word(UVC_TT_STREAMING).byte({0, ExtensionUnit, NoString});
+    output.le16(UVC_TT_STREAMING).bytes({0, ExtensionUnit, NoString});
     return joined({control, withTotalLength(joined({header, camera, processing, extension, output}), kTotalLength)});
 }
 
@@ -87,12 +87,12 @@ Bytes frameDescriptor() {
     constexpr std::uint32_t kUnitsPerSecond = 10'000'000;
     const auto bitsPerSecond = [](std::uint32_t interval) { return kFrameSize * 8 * (kUnitsPerSecond / interval); };
     Descriptor frame{USB_DT_CS_INTERFACE, UVC_VS_FRAME_UNCOMPRESSED, 1, 0};
-    frame.word(kFrameWidth).word(kFrameHeight);
-    frame.number(bitsPerSecond(kFrameIntervals[0])).number(bitsPerSecond(kFrameIntervals[1]));
-    frame.number(kFrameSize).number(kFrameIntervals[0]);
-    frame.byte({static_cast<std::uint8_t>(kFrameIntervals.size())});
+    frame.le16(kFrameWidth).le16(kFrameHeight);
+    frame.le32(bitsPerSecond(kFrameIntervals[0])).le32(bitsPerSecond(kFrameIntervals[1]));
+    frame.le32(kFrameSize).le32(kFrameIntervals[0]);
+    frame.bytes({static_cast<std::uint8_t>(kFrameIntervals.size())});
     for (const std::uint32_t interval : {kFrameIntervals[1], kFrameIntervals[0]}) // shortest first
-        frame.number(interval);
+        frame.le32(interval);
     return frame;
 }
 
@@ -101,12 +101,12 @@ Bytes videoStreaming(const CaptureIdentity& identity) {
     const Descriptor streaming{
         USB_DT_INTERFACE, identity.streamingInterface(), 0, 1, USB_CLASS_VIDEO, UVC_SC_VIDEOSTREAMING, 0, NoString};
     Descriptor input{USB_DT_CS_INTERFACE, UVC_VS_INPUT_HEADER, 1};
-    input.word(0).byte({kStreamEndpoint | USB_DIR_IN, 0, OutputTerminal, 0, 0, 0, 1, 0});
+    input.le16(0).bytes({kStreamEndpoint | USB_DIR_IN, 0, OutputTerminal, 0, 0, 0, 1, 0});
     Descriptor format{USB_DT_CS_INTERFACE, UVC_VS_FORMAT_UNCOMPRESSED, 1, 1};
-    format.guid(kYuy2).byte({16, 1, 0, 0, 0, 0});
+    format.guid(kYuy2).bytes({16, 1, 0, 0, 0, 0});
     const Descriptor color{USB_DT_CS_INTERFACE, UVC_VS_COLORFORMAT, 1, 1, 4};
     Descriptor endpoint{USB_DT_ENDPOINT, kStreamEndpoint | USB_DIR_IN, USB_ENDPOINT_XFER_BULK};
-    endpoint.word(kBulkPacket).byte({0});
+    endpoint.le16(kBulkPacket).bytes({0});
     return joined(
         {streaming, withTotalLength(joined({input, format, frameDescriptor(), color}), kTotalLength), endpoint});
 }
@@ -115,13 +115,13 @@ Bytes videoStreaming(const CaptureIdentity& identity) {
 
 Bytes deviceDescriptor(const CaptureIdentity& identity) {
     Descriptor device{USB_DT_DEVICE};
-    device.word(0x0200).byte({USB_CLASS_MISC, 2, 1, 64}); // interfaces are associated
-    device.word(identity.vendorID).word(identity.productID).word(0x0100);
-    return device.byte({Manufacturer, Product, SerialNumber, 1});
+    device.le16(0x0200).bytes({USB_CLASS_MISC, 2, 1, 64}); // interfaces are associated
+    device.le16(identity.vendorID).le16(identity.productID).le16(0x0100);
+    return device.bytes({Manufacturer, Product, SerialNumber, 1});
 }
 
 Bytes deviceQualifier() {
-    return Descriptor{USB_DT_DEVICE_QUALIFIER}.word(0x0200).byte({USB_CLASS_MISC, 2, 1, 64, 1, 0});
+    return Descriptor{USB_DT_DEVICE_QUALIFIER}.le16(0x0200).bytes({USB_CLASS_MISC, 2, 1, 64, 1, 0});
 }
 
 Bytes configurationDescriptor(const CaptureIdentity& identity) {
@@ -133,7 +133,7 @@ Bytes configurationDescriptor(const CaptureIdentity& identity) {
     constexpr std::uint8_t kHalfAnAmpere = 250;
     constexpr std::size_t kTotalLength = 2;
     Descriptor configuration{USB_DT_CONFIG};
-    configuration.word(0).byte({interfaces, kConfigurationValue, NoString, USB_CONFIG_ATT_ONE, kHalfAnAmpere});
+    configuration.le16(0).bytes({interfaces, kConfigurationValue, NoString, USB_CONFIG_ATT_ONE, kHalfAnAmpere});
     const Descriptor association{
         USB_DT_INTERFACE_ASSOCIATION, first, 2, USB_CLASS_VIDEO, UVC_SC_VIDEO_INTERFACE_COLLECTION, 0, Collection};
     return withTotalLength(
@@ -143,8 +143,8 @@ Bytes configurationDescriptor(const CaptureIdentity& identity) {
 Bytes stringDescriptor(std::uint8_t index) {
     constexpr std::uint16_t kEnglish = 0x0409;
     Descriptor descriptor{USB_DT_STRING};
-    if (index == 0) return descriptor.word(kEnglish);
+    if (index == 0) return descriptor.le16(kEnglish);
     if (index > kStrings.size()) return {};
-    for (const char character : kStrings.at(index - 1U)) descriptor.word(static_cast<std::uint8_t>(character));
+    for (const char character : kStrings.at(index - 1U)) descriptor.le16(static_cast<std::uint8_t>(character));
     return descriptor;
 }

@@ -52,7 +52,7 @@ QString UsbIpServer::listen(std::uint16_t port) {
 }
 
 QString UsbIpServer::attachToThisMachine() {
-    m_attaches = true;
+    m_reattaches = true;
     std::array<int, 2> ends{};
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) return std::strerror(errno);
     auto ours = std::make_unique<QLocalSocket>();
@@ -132,13 +132,13 @@ void UsbIpServer::dropEnded() {
     });
     if (!wasAttached || attached() || !plugged) return;
     m_device.device().unplug();
-    if (!m_attaches) m_device.device().plugIn();
+    if (!m_reattaches) m_device.device().plugIn();
 }
 
 void UsbIpServer::execute(const QByteArray& line) {
     QByteArray answer = executeCommand(line, m_device.device());
     dropEnded();
-    if (m_attaches && m_device.device().plugged() && !attached()) {
+    if (m_reattaches && m_device.device().plugged() && !attached()) {
         if (const QString failure = attachToThisMachine(); !failure.isEmpty())
             answer = "error: " + failure.toLocal8Bit();
     }

@@ -53,6 +53,6 @@ private:
     QTcpServer m_listener;
     QTimer m_frameTimer;
     QFile m_attach{QStringLiteral("/sys/devices/platform/vhci_hcd.0/attach")}; ///< stays open: opening needs root
-    bool m_attaches = false;
+    bool m_reattaches = false;
     std::list<Connection> m_connections;
 };
