@@ -35,6 +35,12 @@ struct SettingsWindow {
     std::unique_ptr<WindowController> controller;
 };
 
+/// Adds a row with a name to the data of a test.
+template <class... Values>
+void row(const char* name, const Values&... values) {
+    (QTest::newRow(name) << ... << values);
+}
+
 /// Calls `act` with the next window that runs modally and still does a little later.
 inline void whenModal(std::function<void(QWidget&)> act, bool again = false) {
     QTimer::singleShot(9, qApp, [act = std::move(act), again] {
