@@ -1,4 +1,4 @@
-// Modal runs, About and alert, the background, messages of Qt, resources, and damaged descriptions.
+// Owns the windows around the controls: modal runs, drags, a lost display, Qt's own texts.
 
 #include "ImageViews.h"
 #include "ModalRun.h"
@@ -7,33 +7,30 @@
 
 namespace {
 
-/// Sends keys through the window, because Space needs the focus.
-void dismiss(QWidget& small, const QString& way) {
-    if (way == "button") return QTest::mouseClick(small.findChild<QPushButton*>(), Qt::LeftButton);
-    if (way == "program") return (void)small.close();
-    if (way == "window frame") return (void)small.windowHandle()->close();
-    QTest::keyClick(small.windowHandle(), QKeySequence(way)[0].key());
+using Dismiss = std::function<void(QWidget&)>;
+using Open = std::function<void(ViewController&)>;
+
+void clickItsButton(QWidget& small) {
+    QTest::mouseClick(small.findChild<QPushButton*>(), Qt::LeftButton);
 }
 
-/// Replaces a resource of the program as long as it exists.
-struct ChangedResource : QTemporaryDir {
-    ChangedResource(const QString& name, const QByteArray& content) {
-        QFile file(filePath(name));
-        if (QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly)) file.write(content);
-        QDir::setSearchPaths("bundle", {path(), ":/"});
-    }
-    ~ChangedResource() { QDir::setSearchPaths("bundle", {":/"}); }
-};
+/// Through the window, because Space needs the focus.
+Dismiss pressKey(Qt::Key key) {
+    return [key](QWidget& small) { QTest::keyClick(small.windowHandle(), key); };
+}
 
-/// Window, control, property, its new value, and the end of the program, empty if it continues.
-const std::vector<std::array<const char*, 5>> kDamagedWindows{
-    {"Settings", "LabelFwVersion", "action", "QuitApp",
-        "fatal window description: LabelFwVersion is of a kind without an action"},
-    {"Settings", "SliderHeadphoneVolume", "action", "No",
-        "fatal window description: no handler No for SliderHeadphoneVolume"},
-    {"Settings", "HdcpOffButton", "objectName", "No", "fatal outlet HdcpOffButton is not connected"},
-    {"Settings", "ButtonHigh", "objectName", "No", ""}, // no code uses that outlet
-    {"About", "LabelVersionString", "objectName", "No", "fatal outlet LabelVersionString is not connected"}};
+/// The name of the window that is opened over the settings window and then dismissed.
+QString dismissed(const SettingsWindow& settings, const std::function<void()>& open, const Dismiss& dismiss) {
+    QString name;
+    whenModal([&](QWidget& small) { // without checks, whose failure would leave it open
+        (void)QTest::qWaitForWindowActive(&small);
+        const bool isOwned = small.windowHandle()->transientParent() == settings.window().windowHandle();
+        name = isOwned ? small.objectName() : "without owner";
+        dismiss(small);
+    });
+    open();
+    return QApplication::activeModalWidget() ? "still open" : name;
+}
 
 /// Tries every action of assistive technology and a key on a part of a window.
 // NOLINTNEXTLINE(misc-no-recursion): as deep as the window's controls
@@ -56,6 +53,17 @@ QString stateOf(const QWidget& window) {
     return values;
 }
 
+struct Background : MyImageView {
+    Background() : MyImageView(nullptr) {
+        resize(200, 80);
+        legend.move(0, 40);
+        show();
+    }
+    void startMove() override { ++moves; }
+    int moves = 0;
+    LegendButton legend{this};
+};
+
 } // namespace
 
 class WindowShellTest : public QObject {
@@ -65,210 +73,143 @@ private slots:
     void initTestCase() { setUpApplication(*qApp); }
     void init() { TestHost::reset(); }
 
+    void everyWayEndsTheModalRun_data() {
+        QTest::addColumn<Dismiss>("dismiss");
+        row("its button", Dismiss(clickItsButton));
+        row("the program", Dismiss([](QWidget& small) { small.close(); }));
+        row("the window frame", Dismiss([](QWidget& small) { small.windowHandle()->close(); }));
+        row("Return", pressKey(Qt::Key_Return));
+        row("Enter", pressKey(Qt::Key_Enter));
+        row("Space", pressKey(Qt::Key_Space));
+        row("Esc", pressKey(Qt::Key_Escape));
+    }
     void everyWayEndsTheModalRun() {
+        QFETCH(const Dismiss, dismiss);
+        const SettingsWindow settings;
+        const auto pressF1 = [&] { QTest::keyClick(&settings.window(), Qt::Key_F1); };
+        QCOMPARE(dismissed(settings, pressF1, dismiss), "AboutWindow");
+        const auto showAlert = [&] { settings.view().showAlertWindow(nullptr); };
+        QCOMPARE(dismissed(settings, showAlert, dismiss), "AlertWindow");
+    }
+
+    void theAboutButtonOpensAbout() {
+        const SettingsWindow settings;
+        const auto click = [&] { QTest::mouseClick(&settings.control("AboutButton"), Qt::LeftButton); };
+        QCOMPARE(dismissed(settings, click, clickItsButton), "AboutWindow");
+    }
+
+    void theAlertIsOwnedAlsoWhileAnotherProgramIsActive() {
         const SettingsWindow settings;
         QWindow otherProgram;
-        const std::vector<std::pair<QString, std::function<void()>>> openings{
-            {"AboutWindow", [&] { QTest::keyClick(&settings.window(), Qt::Key_F1); }},
-            {"AboutWindow", [&] { QTest::mouseClick(&settings.control("AboutButton"), Qt::LeftButton); }},
-            {"AlertWindow",
-                [&] {
-                    otherProgram.show();
-                    otherProgram.requestActivate();
-                    QVERIFY(QTest::qWaitForWindowActive(&otherProgram) && !QApplication::activeWindow());
-                    settings.view().showAlertWindow(nullptr);
-                }},
+        otherProgram.show();
+        otherProgram.requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(&otherProgram) && !QApplication::activeWindow());
+        const auto showAlert = [&] { settings.view().showAlertWindow(nullptr); };
+        QCOMPARE(dismissed(settings, showAlert, clickItsButton), "AlertWindow");
+    }
+
+    void theSettingsWindowIsInertBehindAnother_data() {
+        QTest::addColumn<Open>("open");
+        QTest::addColumn<QString>("end");
+        const auto showAbout = [](ViewController&) { AppDelegate().ShowAboutWindow(nullptr); };
+        const auto failToReconnect = [](ViewController& view) {
+            device().unplug();
+            view.TurnOffHdcp(nullptr);
         };
-        for (const auto& [window, open] : openings) {
-            for (const QString way : {"button", "program", "window frame", "Return", "Enter", "Space", "Esc"}) {
-                settings.window().activateWindow();
-                QVERIFY(QTest::qWaitForWindowActive(&settings.window()));
-                QString shown;
-                whenModal([&](QWidget& small) { // without checks, whose failure would leave it open
-                    (void)QTest::qWaitForWindowActive(&small);
-                    const bool isOwned = small.windowHandle()->transientParent() == settings.window().windowHandle();
-                    shown = isOwned ? small.objectName() : "without owner";
-                    dismiss(small, way);
-                });
-                open();
-                QCOMPARE(shown + " by " + way, window + " by " + way);
-                QVERIFY(!QApplication::activeModalWidget()); // and the program continues
-            }
-        }
-        QCOMPARE(endOf([&] { settings.view().QuitApp(nullptr); }), "exit 0");
+        row("About", Open(showAbout), "");
+        row("the alert", Open(failToReconnect), "exit 0");
     }
-
     void theSettingsWindowIsInertBehindAnother() {
-        for (const bool alert : {false, true}) { // the alert after a failed reconnect
-            TestHost::reset();
-            const SettingsWindow settings;
-            auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
-            QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
-            const QString before = stateOf(settings.window());
-            if (alert) device().unplug();
-            TestHost::take();
-            whenModal([&](QWidget& small) {
-                meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
-                for (QAction* action : settings.window().actions()) action->trigger();
-                settings.control<CustomPopUpButton>("PopupRecordQuality").showMenu();
-                QTest::qWait(600); // a held groove repeats after half a second
-                QCOMPARE(stateOf(settings.window()), before);
-                QVERIFY(small.isVisible());
-                small.close();
-            });
-            QCOMPARE(
-                endOf([&] { alert ? settings.view().TurnOffHdcp(nullptr) : AppDelegate().ShowAboutWindow(nullptr); }),
-                alert ? "exit 0" : "");
-            QTest::qWait(150); // nor does it repeat afterwards
+        QFETCH(const Open, open);
+        const SettingsWindow settings;
+        auto& groove = settings.control<QSlider>("SliderHeadphoneVolume");
+        QTest::mousePress(&groove, Qt::LeftButton, {}, {groove.width() - 9, 34});
+        const QString before = stateOf(settings.window());
+        TestHost::take();
+        whenModal([&](QWidget& small) {
+            meddle(*QAccessible::queryAccessibleInterface(&settings.window()));
+            for (QAction* action : settings.window().actions()) action->trigger();
+            settings.control<CustomPopUpButton>("PopupRecordQuality").showMenu();
+            QTest::qWait(600); // a held groove repeats after half a second
             QCOMPARE(stateOf(settings.window()), before);
-            QVERIFY(TestHost::takeRequests().empty());
-        }
+            QVERIFY(small.isVisible());
+            small.close();
+        });
+        QTEST(QString::fromStdString(endOf([&] { open(settings.view()); })), "end");
+        QTest::qWait(150); // nor does it repeat afterwards
+        QCOMPARE(stateOf(settings.window()), before);
+        QVERIFY(TestHost::takeRequests().empty());
     }
 
-    void theVersionMayBeMissing() {
-        for (const char* information : {"{}", R"({"CFBundleShortVersionString": 3})", "[]", ""}) {
-            const ChangedResource damaged("Info.json", information);
-            QVERIFY(!mainBundle::versionText());
-            QVERIFY(WindowDescription("Main").instantiateController("About Window Controller"));
-        }
-        const ChangedResource other("Info.json", R"({"CFBundleShortVersionString": "3.0.1"})");
-        for (const QString name : {"About", "Alert"}) {
-            const auto controller = WindowDescription("Main").instantiateWindowController(name + " Window Controller");
-            QCOMPARE(
-                controller->window()->findChildren<QLabel*>(QRegularExpression("Version"))[0]->text(), "Version 3.0.1");
-        }
-    }
-
-    void qtsOwnMessages() {
+    void onlyErrorsOfQtAreLogged() {
         TestHost::take();
         for (const auto type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
             logQtMessage(type, {}, QString::number(type));
         QCOMPARE(TestHost::take(), (std::vector<std::string>{"log 2", "log 3"})); // critical and fatal
+    }
+
+    void theReasonOfAnUnusableDisplayIsLogged() {
+        for (const char* reason : {"could not connect to display :1", "Failed to create wl_display (No such file)",
+                 "The Wayland connection experienced a fatal error: Protocol error"}) {
+            logQtMessage(QtWarningMsg, {}, reason); // then Qt ends the program
+            QCOMPARE(TestHost::take(), std::vector{std::string("log ") + reason});
+        }
+    }
+
+    void aLostDisplayEndsTheProgram() {
+        const auto lose = [](const char* message) { return endOf([&] { logQtMessage(QtWarningMsg, {}, message); }); };
+        TestHost::take();
+        QCOMPARE(lose("The X11 connection broke (error 1). Did the X11 server die?"), "exit 0");
+        QCOMPARE(TestHost::take().size(), 1U); // a log line
+        const char* wayland = "The Wayland connection broke. Did the Wayland compositor die?";
+        QCOMPARE(lose(wayland), "exit 0");
         qputenv("QT_WAYLAND_RECONNECT", "1");
         const bool qtReconnects = QLibraryInfo::version() >= QVersionNumber(6, 5);
-        for (const auto& [message, end] : {
-                 std::pair("could not connect to display :1", ""),
-                 {"Failed to create wl_display (No such file or directory)", ""},
-                 {"The Wayland connection experienced a fatal error: Protocol error", ""},
-                 {"The X11 connection broke (error 1). Did the X11 server die?", "exit 0"},
-                 {"The Wayland connection broke. Did the Wayland compositor die?", qtReconnects ? "" : "exit 0"},
-             }) {
-            QCOMPARE(endOf([text = message] { logQtMessage(QtWarningMsg, {}, text); }), end);
-            QCOMPARE(TestHost::take().front(), std::string("log ") + message);
-        }
+        QCOMPARE(lose(wayland), qtReconnects ? "" : "exit 0");
     }
 
-    void picturesAreReadWithoutPlugins() {
-        QVERIFY(mainBundle::imageNamed("no.png").isNull());
-        const QString name = qApp->devicePixelRatio() > 1 ? "images/img_starBest@2x.png" : "images/img_starBest.png";
-        QFile picture(":/" + name);
-        QVERIFY(picture.open(QIODevice::ReadOnly));
-        const QByteArray whole = picture.readAll();
-        for (const QByteArray& bytes : {whole.mid(1), whole.chopped(20), whole}) {
-            const ChangedResource changed(name, bytes);
-            QCOMPARE(mainBundle::imageNamed("img_starBest.png").isNull(), bytes != whole);
-        }
-        QFile libraries("/proc/self/maps");
-        QVERIFY(libraries.open(QIODevice::ReadOnly) && !libraries.readAll().contains("/imageformats/"));
-    }
-
-    void theDesktopKnowsTheProgram() {
-        QCOMPARE(QGuiApplication::desktopFileName(), TAVRO_APPLICATION_ID);
-        QCOMPARE(QApplication::windowIcon().availableSizes(),
-            (QList<QSize>{{16, 16}, {22, 22}, {24, 24}, {32, 32}, {48, 48}, {64, 64}, {128, 128}}));
-        QCOMPARE(qobject_cast<QProxyStyle*>(QApplication::style())->baseStyle()->name(), "fusion");
-    }
-
-    void backgroundsAreSeen() {
-        AppDelegate delegate;
-        const WindowDescription main(QStringLiteral("Main"));
-        for (const QString name : {"Settings", "Alert", "About"}) {
-            const auto controller = main.instantiateWindowController(name + " Window Controller", &delegate);
-            auto& view = *controller->window()->findChild<BackgroundImageView*>();
-            const QImage image = controller->window()->grab().toImage();
-            QCOMPARE(view.pixmap().devicePixelRatio(), image.devicePixelRatio());
-            const auto shades = counted(image.copy(0, 0, image.width(), 12)).size(); // above the controls
-            QVERIFY2(shades > 30, qPrintable(name));
-        }
-    }
-
-    void backgroundMovesItsWindowByADrag() {
-        struct MovedView : MyImageView {
-            MovedView() : MyImageView(nullptr) {}
-            void startMove() override { ++moves; }
-            int moves = 0;
-        } background;
-        background.resize(200, 80);
-        QFrame card(&background);
-        QLabel label(QStringLiteral("text"), &card);
-        LegendButton legend(&card);
-        legend.move(0, 40);
-        background.show();
-        QWindow& window = *background.windowHandle();
+    void theBackgroundMovesItsWindow_data() {
+        QTest::addColumn<Qt::MouseButton>("button");
+        QTest::addColumn<QPoint>("from");
+        QTest::addColumn<int>("way");
+        QTest::addColumn<int>("moves");
         const int distance = QApplication::startDragDistance();
-        for (const auto& [button, y, way, moves] : {std::tuple(Qt::LeftButton, 1, 0, 0),
-                 {Qt::LeftButton, 1, distance - 1, 0}, {Qt::LeftButton, 1, distance, 1},
-                 {Qt::LeftButton, 41, distance, 1}, {Qt::RightButton, 1, distance, 0}}) {
-            background.moves = 0;
-            QTest::mousePress(&window, button, {}, {1, y});
-            for (int times = 0; times < 2; ++times) // the second one must not start another move
-                QTest::mouseMove(&window, {1 + way + times * moves, y});
-            QWidget elsewhere;
-            QTimer::singleShot(0, qApp, stopModal);
-            runModalForWindow(elsewhere); // during which the button is released
-            QVERIFY(elsewhere.isVisible());
-            QTest::mouseRelease(elsewhere.windowHandle(), button);
-            QTest::mousePress(elsewhere.windowHandle(), Qt::LeftButton);
-            QTest::mouseMove(&label, {99, 99});
-            QCOMPARE(background.moves, moves);
-            QTest::mouseRelease(elsewhere.windowHandle(), Qt::LeftButton);
-        }
+        row("by a drag", Qt::LeftButton, QPoint(1, 1), distance, 1);
+        row("by a drag on a legend", Qt::LeftButton, QPoint(1, 41), distance, 1);
+        row("not by a shaky click", Qt::LeftButton, QPoint(1, 1), distance - 2, 0);
+        row("not by the right button", Qt::RightButton, QPoint(1, 1), distance, 0);
     }
-
-    void damagedDescriptionsStop() {
-        AppDelegate delegate;
-        const auto endWith = [&delegate](const QString& description, const QString& controller) {
-            return endOf(
-                [&] { (void)WindowDescription(description).instantiateWindowController(controller, &delegate); });
-        };
-        const std::string start = "fatal window description";
-        QCOMPARE(endWith("None", ""), start + " \"None\" is missing or damaged");
-        const ChangedResource damaged("Damaged/Damaged.json", R"({"controllers": {
-            "bare": {"class": "WindowController"}, "class": {"class": "No"}, "kind": {"class": "AboutViewController"},
-            "window": {"class": "WindowController", "window": "no.ui", "content": "ViewController"},
-            "content": {"class": "WindowController", "window": "about-window.ui", "content": "WindowController"}}})");
-        for (const auto& [controller, end] : {std::pair("none", " \"Damaged\" has no controller \"none\""),
-                 {"class", ": unknown controller class \"No\""}, {"window", ": unknown window no.ui"},
-                 {"kind", ": \"kind\" is a AboutViewController, not a window controller"},
-                 {"content", ": WindowController does not control a window's content"}})
-            QCOMPARE(endWith("Damaged", controller), start + end);
-        for (const auto& [window, control, property, value, end] : kDamagedWindows) {
-            MakeWindow& make = describedWindows()[QString(window).toLower() + "-window.ui"];
-            const MakeWindow whole = make;
-            make = [&, name = control, key = property, text = value] {
-                auto made = whole();
-                made->findChild<QObject*>(name)->setProperty(key, text);
-                return made;
-            };
-            QCOMPARE(endWith("Main", QString(window) + " Window Controller"), end);
-            make = whole;
-        }
-        WindowDescription("Damaged").runModal("bare"); // returns at once, as there is no window
+    void theBackgroundMovesItsWindow() {
+        QFETCH(const Qt::MouseButton, button);
+        QFETCH(const QPoint, from);
+        QFETCH(const int, way);
+        Background background;
+        QWindow* window = background.windowHandle();
+        QTest::mousePress(window, button, {}, from);
+        QTest::mouseMove(window, from + QPoint(way, 0));
+        QTEST(background.moves, "moves");
+        QTest::mouseMove(window, from + QPoint(way + 1, 0)); // no second move, and still a shaky click
+        QTEST(background.moves, "moves");
+        QTest::mouseRelease(window, button);
     }
 
     // The last one: these texts remain installed.
     void qtsTranslationsComeWithOursOnly() {
-        const QString lrelease = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lrelease";
-        for (const auto& [language, direction] : {std::pair("ar", Qt::LeftToRight), {"de", Qt::RightToLeft}}) {
-            const QString name = QStringLiteral("qtbase_%1.ts").arg(language);
-            const ChangedResource table(name,
-                "<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
-                "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
-            QCOMPARE(QProcess::execute(lrelease, {"-silent", table.filePath(name)}), 0);
+        const auto directionIn = [](const QString& language) {
+            const QTemporaryDir folder;
+            QFile table(folder.filePath("qtbase_" + language + ".ts"));
+            (void)table.open(QIODevice::WriteOnly);
+            table.write("<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
+                        "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
+            table.close();
+            const QString lrelease = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lrelease";
+            (void)QProcess::execute(lrelease, {"-silent", table.fileName()});
             QLocale::setDefault(QLocale(language));
-            mainBundle::open(*qApp, table.path());
-            QCOMPARE(QGuiApplication::layoutDirection(), direction);
-        }
+            mainBundle::open(*qApp, folder.path());
+            return QGuiApplication::layoutDirection();
+        };
+        QCOMPARE(directionIn("ar"), Qt::LeftToRight); // there is no table of ours
+        QCOMPARE(directionIn("de"), Qt::RightToLeft);
     }
 };
 
