@@ -40,19 +40,24 @@ def wait_for(what, condition, seconds=60):
 
 
 class Program:
-    """The program as it runs on a desktop; `requests()` and `log()` have its output."""
+    """A running program with a window: ours, or one that is used beside it."""
 
     def __init__(self, desktop, *command, **environment):
         self.desktop = desktop
         self.folder = pathlib.Path(tempfile.mkdtemp(dir=desktop.folder))
+        # Under nohup a test passes on an ignored SIGHUP.
+        command = ["env", "--default-signal=HUP", *command]
         with open(self.folder / "requests.txt", "w") as out, open(self.folder / "log.txt", "w") as err:
-            self.process = subprocess.Popen(command, env=desktop.env | environment, stdin=subprocess.DEVNULL,
-                                            stdout=out, stderr=err, start_new_session=True)
+            self.process = subprocess.Popen(
+                command, env=desktop.env | environment, stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                start_new_session=True)
 
     def requests(self):
+        """The lines on standard output: those of the demo are the requests to its device."""
         return (self.folder / "requests.txt").read_text().splitlines()
 
     def log(self):
+        """The lines on standard error."""
         return (self.folder / "log.txt").read_text().splitlines()
 
     def windows(self, title="Tavro Setup Tool"):
@@ -62,7 +67,7 @@ class Program:
         return wait_for(f"window {title!r} of {self.log()}", lambda: self.windows(title))[0]
 
     def expect_end(self):
-        """Waits for a clean end."""
+        """Waits until it ends, with status 0, no foreign log line and no process left."""
         status = self.process.wait(60)
         assert status == 0, f"status {status}"
         foreign = [line for line in self.log() if not OWN_LINES.match(line)]
@@ -142,8 +147,15 @@ class X11(Display):
         self.serve("openbox")
         wait_for("window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
+    def request_focus(self, window):
+        """The window manager refuses it to a window behind a modal one."""
+        self.run("xdotool", "windowactivate", window)
+
     def focus(self, window):
-        self.run("timeout", "1", "xdotool", "windowactivate", "--sync", window)  # never succeeds behind a modal one
+        def has_focus():
+            self.request_focus(window)
+            return self.run("xdotool", "getactivewindow").strip() == window
+        wait_for("focus", has_focus)
 
     def close(self, window):
         self.run("wmctrl", "-i", "-c", window)
@@ -198,6 +210,8 @@ class Wayland(Display):
     def focus(self, window):
         self.run("swaymsg", f"[con_id={window}] focus")
         time.sleep(0.2)  # the toolkit asks the compositor once more before it takes keys
+
+    request_focus = focus
 
     def close(self, window):
         self.run("swaymsg", f"[con_id={window}] kill")
