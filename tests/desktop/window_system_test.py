@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""window_system_test.py FOLDER [RUNS]: the programs in FOLDER on X11 and on Wayland. The window is dragged by its
-picture, the About window is modal, and each way of quitting is exercised RUNS times."""
+"""Owns faults that only a window system shows: drags of the window, a modal window, each way of quitting.
+
+window_system_test.py FOLDER [RUNS] uses the programs in FOLDER on X11 and on Wayland, and quits RUNS times each way."""
 
 import signal
 import time
@@ -19,7 +20,17 @@ def press(program, key):
     program.desktop.press(key)
 
 
-def drag_by_its_picture(desktop, left, top):
+def place_at_rest(desktop, window):
+    """The window manager moves a new window once more."""
+    def unchanged():
+        place = desktop.place(window)
+        time.sleep(1)
+        return desktop.place(window) == place and place
+    return wait_for("rest", unchanged)
+
+
+def drag_by_its_picture(desktop, place):
+    left, top, *_ = place
     # The first move is longer than the drag distance.
     desktop.drag((left + 300, top + 30), (left + 320, top + 30), (left + 420, top + 80))
 
@@ -27,19 +38,18 @@ def drag_by_its_picture(desktop, left, top):
 def is_dragged_and_runs_modally(desktop):
     program = Program(desktop, DEMO)
     window = program.window()
-    time.sleep(0.5)  # the window manager moves it once more
-    left, top, width, height = desktop.place(window)
-    drag_by_its_picture(desktop, left, top)
-    place = left + 100, top + 50, width, height
-    wait_for("move", lambda: desktop.place(window) == place, 5)
+    place = left, top, width, height = place_at_rest(desktop, window)
+    drag_by_its_picture(desktop, place)
+    moved = left + 100, top + 50, width, height
+    wait_for("move", lambda: desktop.place(window) == moved)
     press(program, "F1")
     about = program.window(ABOUT)
-    press(program, "ctrl+q")  # to the window behind if the window manager allows it
-    drag_by_its_picture(desktop, *place[:2])
-    time.sleep(0.5)
-    assert desktop.place(window) == place, "the window behind is dragged, or has ended the program"
+    desktop.request_focus(window)
+    desktop.press("ctrl+q")  # to the window behind if the window manager allows it
+    drag_by_its_picture(desktop, moved)
+    assert place_at_rest(desktop, window) == moved, "the window behind is dragged, or has ended the program"
     desktop.close(about)
-    wait_for("end of the modal run", lambda: not program.windows(ABOUT), 5)
+    wait_for("end of the modal run", lambda: not program.windows(ABOUT))
     press(program, "ctrl+q")
     program.expect_end()
 

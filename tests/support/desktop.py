@@ -66,6 +66,10 @@ class Program:
     def window(self, title="Tavro Setup Tool"):
         return wait_for(f"window {title!r} of {self.log()}", lambda: self.windows(title))[0]
 
+    def expect_menu(self):
+        """Waits until it has a second window."""
+        wait_for("menu", lambda: len(self.windows(".*")) > 1)
+
     def expect_end(self):
         """Waits until it ends, with status 0, no foreign log line and no process left."""
         status = self.process.wait(60)
