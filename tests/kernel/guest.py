@@ -7,7 +7,7 @@ import time
 import unittest
 
 from desktop import Program, wait_for
-from virtual_device import AttachedDevice
+from virtual_device import AttachedDevice, read
 
 USER = 1000  # in no group
 HOME = "/run/home"
@@ -70,8 +70,10 @@ class Guest(unittest.TestCase):
         return self.device
 
     def plug_in(self, *options):
-        self.start_device("--attach", *options).wait_for_nodes()
-        return self.device
+        device = self.start_device("--attach", *options)
+        self.assertRegex(read(f"/proc/{device.process.pid}/status"), r"Uid:(\t65534){4}\nGid:(\t65534){4}\n")
+        device.wait_for_nodes()
+        return device
 
     def start(self, *command, kind=Program):
         """Starts a program of the user."""
@@ -137,7 +139,7 @@ class Tool(Program):
         super().expect_end()
         lines = self.log()
         wait_for("equal lines in the system's log", lambda: re.findall(
-            "tavro-setup-tool: (.*)", LOG.read_text())[-len(lines):] == lines, 10)
+            "tavro-setup-tool: (.*)", LOG.read_text())[-len(lines):] == lines)
 
     def quit(self):
         assert self.windows() == [self.settings], "an alert, or the program has ended"

@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
-"""Scenarios that need a real kernel. `scenarios.py FOLDER [Scenarios.NAME...]` runs all, or those named, in a
-guest of scripts/vm-run. scripts/test-kernel installs the programs in FOLDER."""
+"""Owns faults that need a real kernel: its driver, nodes and rights, other programs, system calls, the system log.
+
+`scenarios.py FOLDER [Scenarios.NAME...]` runs all scenarios, or those named, in a guest of scripts/vm-run.
+scripts/test-kernel installs the programs in FOLDER."""
 
 import re
 import sys
@@ -35,7 +37,7 @@ class Scenarios(Guest):
         program.press("alt+m", "Right", "alt+n")
         self.expect(9)  # three are repeated
         program.press("alt+f", "alt+h", "Prior", "alt+x", "Home", "alt+r", "space", delay=200)
-        time.sleep(1)  # the menu opens
+        program.expect_menu()
         program.press("Down", "Return")
         self.expect(15)
         self.device.tell("show", "plugged: bit rate H.264 2 MJPEG 1, HDCP 0, "
@@ -65,9 +67,11 @@ class Scenarios(Guest):
         program = self.open_settings()
         program.expect_logged("TimeInterval = ")  # in the form of OWN_LINES, although the locale has a decimal comma
         before = writes()
-        for first, keys in (("alt+m", "Left Right"), ("alt+h", "Left Right"), ("alt+x", "Right Left"),
-                            ("alt+r", "Up Down"), ("alt+m", "alt+n alt+f")):
-            program.press(first, *keys.split() * 50)
+        program.press("alt+m", *["Left", "Right"] * 50)
+        program.press("alt+h", *["Left", "Right"] * 50)
+        program.press("alt+x", *["Right", "Left"] * 50)
+        program.press("alt+r", *["Up", "Down"] * 50)
+        program.press(*["alt+n", "alt+f"] * 50)
         wait_for("writes", lambda: writes() >= before + 600)  # one a key, but two for HDMI and AUX
         time.sleep(0.5)
         self.assertEqual(writes(), before + 600)
@@ -151,18 +155,12 @@ class Scenarios(Guest):
     def test_not_authorized(self):
         device = self.plug_in()
         report = " ".join(self.as_user) + f" {INSTALLED}/bin/tavro-setup-tool-report"
-        for text in (f"for the device {device.vendor}:{device.product}", "authorized 1",
-                     "class 0e 01 00, driver uvcvideo", f"{device.usb_node()} crw-rw-r-- root:root; you: r",
-                     f"{device.capture_node()} crw-rw---- root:video; you: rw"):
-            self.assertIn(text, run(report))
+        printed = run(report)
+        self.assertIn("class 0e 01 00, driver uvcvideo", printed)
+        self.assertIn(f"{device.capture_node()} crw-rw---- root:video; you: rw", printed)
         (device.folder() / "authorized").write_text("0")
         self.start_tool().expect_alert("CameraControl Error: No interface to send request")
         self.assertIn("authorized 0", run(report))
-
-    def test_driver_on_another_interface(self):
-        self.plug_in("--video-control-interface", "1")
-        self.start_tool().expect_alert("Control request failed: ffffff9c")
-        self.expect(0)
 
     def test_attached_by_the_usbip_tool(self):
         device = self.start_device("--port", "3241")
