@@ -33,7 +33,7 @@ desktop_packages=(xvfb xauth xdotool x11-utils wmctrl openbox x11-session-utils 
   fonts-inter fonts-dejavu-core fonts-vlgothic fonts-wqy-microhei)
 # A virtual machine, and tools for devices in it. setpriv and mawk are always there.
 kernel_packages=(qemu-system-x86 busybox-static kmod cpio xz-utils zstd udev systemd
-  v4l-utils usbutils usbip strace locales)
+  v4l-utils usbutils usbip strace locales debian-archive-keyring)
 sanitizer_packages=(clang libclang-rt-dev)
 style_packages=(clang-format git shellcheck)
 analysis_packages=(libbenchmark-dev clang clang-tidy cppcheck valgrind)
