@@ -1,5 +1,5 @@
-// Owns unreadable windows: text that is cut in some language, equal mnemonics, wrong accessible names, text or a focus
-// that is not seen.
+// Owns unreadable windows: text that is cut in some language, equal mnemonics, wrong accessible
+// names, text or a focus that is not seen.
 
 #include "WindowTest.h"
 
@@ -15,8 +15,11 @@ int contrastWithin(const QWidget& control) {
 /// Whether all of a control's text is visible.
 bool isWhole(const QWidget& control) {
     QSize needed = control.sizeHint();
-    if (const auto* label = qobject_cast<const QLabel*>(&control); label && label->wordWrap())
-        needed = {label->minimumSizeHint().width(), label->heightForWidth(label->width())}; // width of the longest word
+    const auto* label = qobject_cast<const QLabel*>(&control);
+    if (label && label->wordWrap()) {
+        const int longestWord = label->minimumSizeHint().width();
+        needed = {longestWord, label->heightForWidth(label->width())};
+    }
     return needed.boundedTo(control.size()) == needed;
 }
 
@@ -25,7 +28,8 @@ QList<QWidget*> visibleControls(const QWidget& window) {
     QList<QWidget*> controls = window.findChildren<QWidget*>();
     controls.removeIf([](const QWidget* control) {
         const bool isPopUp = qobject_cast<const CustomPopUpButton*>(control) != nullptr;
-        return !control->isVisible() || (control->property("text").toString().isEmpty() && !isPopUp);
+        const bool hasText = isPopUp || !control->property("text").toString().isEmpty();
+        return !control->isVisible() || !hasText;
     });
     return controls;
 }
@@ -35,8 +39,8 @@ std::unique_ptr<WindowController> open(const QString& name, const QString& langu
     QLocale::setDefault(QLocale(language));
     mainBundle::open(*qApp); // the translators installed last are asked first
     static AppDelegate delegate;
-    auto controller =
-        WindowDescription(QStringLiteral("Main")).instantiateWindowController(name + " Window Controller", &delegate);
+    const WindowDescription main("Main");
+    auto controller = main.instantiateWindowController(name + " Window Controller", &delegate);
     controller->window()->show();
     controller->window()->activateWindow();
     (void)QTest::qWaitForWindowActive(controller->window());
@@ -51,7 +55,8 @@ void checkTree(QAccessibleInterface& part) {
     QVERIFY2(!isOperated || !name.isEmpty(), qPrintable(QDebug::toString(part.role())));
     for (int i = 0; i < part.childCount(); ++i) {
         QAccessibleInterface* child = part.child(i);
-        QVERIFY2(child && child->parent() == &part && part.indexOfChild(child) == i, qPrintable(name));
+        const bool isOwn = child && child->parent() == &part && part.indexOfChild(child) == i;
+        QVERIFY2(isOwn, qPrintable(name));
         checkTree(*child);
     }
 }
@@ -71,16 +76,18 @@ void checkWindow(const QWidget& window) {
         QVERIFY2(isWhole(*control), name + " is cut");
         const QString key = QKeySequence::mnemonic(text).toString();
         const auto* label = qobject_cast<const QLabel*>(control);
-        const bool needsKey = !text.isEmpty() && (label ? label->buddy() != nullptr : control->isEnabled());
-        QVERIFY2(!needsKey || (!key.isEmpty() && !mnemonics.contains(key)), name + " has no mnemonic of its own");
+        const bool isOperated = label ? label->buddy() != nullptr : control->isEnabled();
+        if (isOperated && !text.isEmpty())
+            QVERIFY2(!key.isEmpty() && !mnemonics.contains(key), name + " has no mnemonic of its own");
         if (!key.isEmpty()) mnemonics << key;
-        const QString heard = QAccessible::queryAccessibleInterface(control)->text(QAccessible::Name);
-        QVERIFY2(heard.contains(plain(text), Qt::CaseInsensitive), name + " is called " + heard.toUtf8());
+        auto* accessible = QAccessible::queryAccessibleInterface(control);
+        const QString heard = accessible->text(QAccessible::Name);
+        QVERIFY2(heard.contains(plain(text), Qt::CaseInsensitive), name + " is called otherwise");
     }
     checkTree(*QAccessible::queryAccessibleInterface(const_cast<QWidget*>(&window)));
     if (auto* popUp = window.findChild<CustomPopUpButton*>())
         for (const QAction* item : popUp->menu()->actions())
-            QVERIFY2(QFontMetrics(titleFont()).horizontalAdvance(item->text()) <= 120, qPrintable(item->text()));
+            QVERIFY(QFontMetrics(titleFont()).horizontalAdvance(item->text()) <= 120);
 }
 
 const QStringList kWindows{"Settings", "Alert", "About"};
@@ -124,7 +131,8 @@ private slots:
         for (const QString& window : kWindows) {
             const auto controller = open(window);
             for (QWidget* control : controller->window()->findChildren<QWidget*>()) {
-                if (!control->isVisible() || (control->focusPolicy() & Qt::TabFocus) == 0) continue;
+                const bool takesFocus = (control->focusPolicy() & Qt::TabFocus) != 0;
+                if (!control->isVisible() || !takesFocus) continue;
                 control->clearFocus();
                 const QImage without = rendered(*control);
                 control->setFocus();

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Owns wrong speech: a control whose name, value or change a screen reader leaves out or says wrong.
+"""Owns wrong speech: a control whose name, value or change a screen reader leaves out or says
+wrong.
 
-orca_test.py FOLDER uses the programs in FOLDER by keyboard and reads what Orca would say. It needs neither sound nor a
-braille display."""
+orca_test.py FOLDER uses the programs in FOLDER by keyboard and reads what Orca would say. It needs
+neither sound nor a braille display."""
 
 import pathlib
 import re
@@ -34,8 +35,8 @@ SETTINGS = [
     ("Down", "Low."),
     ("Return", QUALITY.format("Low")),
     ("Up", "Middle checked."),
-    ("F1", "About Tavro Setup Tool dialog Volume, record quality and HDCP settings for one USB video "
-           "capture device. Close button."),
+    ("F1", "About Tavro Setup Tool dialog Volume, record quality and HDCP settings for one USB "
+           "video capture device. Close button."),
     ("Tab", f"Version {VERSION}"),
     ("Escape", QUALITY.format("Middle")),
 ]
@@ -44,9 +45,9 @@ ALERT = [
 ]
 SETTINGS_WINDOW = "Tavro Setup Tool frame. " + QUALITY.format("Middle")
 ALERT_WINDOW = (
-    "Capture device not reached dialog The capture device could not be reached. Check the cable, your "
-    "rights on the device, and whether it answers after plugging it in again. The program ends when you "
-    "close this message. Quit button. Closes this message and ends the program.")
+    "Capture device not reached dialog The capture device could not be reached. Check the cable, "
+    "your rights on the device, and whether it answers after plugging it in again. The program ends "
+    "when you close this message. Quit button. Closes this message and ends the program.")
 # Are not said unless expected.
 VALUES = {"low", "middle", "high", "off", "selected", "checked"}
 

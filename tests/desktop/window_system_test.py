@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Owns faults that only a window system shows: drags of the window, a modal window, each way of quitting.
+"""Owns faults that only a window system shows: drags of the window, a modal window, each way of
+quitting.
 
-window_system_test.py FOLDER [RUNS] uses the programs in FOLDER on X11 and on Wayland, and quits RUNS times each way."""
+window_system_test.py FOLDER [RUNS] uses the programs in FOLDER on X11 and on Wayland, and quits
+RUNS times each way."""
 
 import signal
 import time
@@ -47,7 +49,7 @@ def is_dragged_and_runs_modally(desktop):
     desktop.request_focus(window)
     desktop.press("ctrl+q")  # to the window behind if the window manager allows it
     drag_by_its_picture(desktop, moved)
-    assert place_at_rest(desktop, window) == moved, "the window behind is dragged, or has ended the program"
+    assert place_at_rest(desktop, window) == moved, "the window behind is dragged"
     desktop.close(about)
     wait_for("end of the modal run", lambda: not program.windows(ABOUT))
     press(program, "ctrl+q")
@@ -63,13 +65,16 @@ WAYS = {
     "hang-up of the session": ([DEMO], lambda program: program.process.send_signal(signal.SIGHUP)),
     "end of the display": ([DEMO, TOOL], lambda program: program.desktop.end()),
 }
-SESSION = {"end of the session": ([DEMO, TOOL], lambda program: program.desktop.servers[-1].terminate())}
+SESSION = {
+    "end of the session": ([DEMO, TOOL], lambda program: program.desktop.servers[-1].terminate()),
+}
 
 
 def end_often(kind, ways):
     for done in range(0, int(RUNS), AT_ONCE):
+        count = min(AT_ONCE, int(RUNS) - done)
         with kind() as desktop:
-            programs = {way: [Program(desktop, path) for path in paths * min(AT_ONCE, int(RUNS) - done)]
+            programs = {way: [Program(desktop, path) for path in paths * count]
                         for way, (paths, _) in ways.items()}
             for program in sum(programs.values(), []):
                 program.window()

@@ -1,4 +1,4 @@
-"""Drivers, rules and the seat of the guest, the virtual device, and programs of an ordinary user."""
+"""Drivers, rules and the seat of the guest, the virtual device, and an ordinary user's programs."""
 
 import pathlib
 import re
@@ -15,7 +15,7 @@ INSTALLED = "/run/installed"  # the user can reach it
 OUR_RULE = INSTALLED + "/lib/udev/rules.d/70-tavro-setup-tool.rules"
 RULES = "/run/udev/rules.d"
 LOG = pathlib.Path("/run/log")
-SEAT = pathlib.Path("/run/systemd/seats/seat0")  # udev's rules give rights to the user of the active seat
+SEAT = pathlib.Path("/run/systemd/seats/seat0")  # udev's rules give rights to its active user
 # The program's requests to the extension unit. The UVC driver adds others: at the first use of a block since it was
 # bound, and after a refusal.
 OWN = re.compile("(a1 81|21 01) 00 .. 00 03 ")
@@ -29,24 +29,26 @@ def run(command, check=True):
 
 
 def prepare(display, folder):
-    """The driver is loaded by name only. The user's programs run in a locale with a decimal comma, and find neither the
-    theme nor the bus of their desktop, of which the toolkit warns."""
+    """The driver is loaded by name only. The user's programs run in a locale with a decimal comma,
+    and find neither the theme nor the bus of their desktop, of which the toolkit warns."""
     run(f"mkdir -p /run/modprobe.d {RULES} {SEAT.parent}")
     run("echo blacklist uvcvideo >/run/modprobe.d/scenarios.conf")
     run("modprobe vhci-hcd")
     run(f"busybox syslogd -O {LOG}")
     run(f"install -d -o {USER} -g {USER} -m 700 {HOME}")
     run(f"cp -r {folder} {INSTALLED}")
-    display.env |= {"HOME": HOME, "XDG_RUNTIME_DIR": HOME, "TZ": "UTC", "LC_ALL": "", "LANG": "C.UTF-8",
-                    "LOCPATH": INSTALLED + "/locales", "LC_NUMERIC": "de_DE.UTF-8",
-                    "QT_QPA_PLATFORMTHEME": "none-such", "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere",
-                    "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"}
+    display.env |= {"HOME": HOME, "XDG_RUNTIME_DIR": HOME, "TZ": "UTC", "LC_ALL": "",
+                    "LANG": "C.UTF-8", "LC_NUMERIC": "de_DE.UTF-8",
+                    "LOCPATH": INSTALLED + "/locales",
+                    "QT_QPA_PLATFORMTHEME": "none-such", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+                    "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"}
     assert display.run("locale", "decimal_point") == ",\n"
 
 
 class Guest(unittest.TestCase):
-    """Each scenario starts with the UVC driver loaded, without our udev rule, and with the user at the seat. Programs
-    that it starts end with it, and print their logs: the runner shows those of a failed scenario."""
+    """Each scenario starts with the UVC driver loaded, without our udev rule, and with the user at
+    the seat. Programs that it starts end with it, and print their logs: the runner shows those of a
+    failed scenario."""
 
     display = None
 
@@ -71,7 +73,8 @@ class Guest(unittest.TestCase):
 
     def plug_in(self, *options):
         device = self.start_device("--attach", *options)
-        self.assertRegex(read(f"/proc/{device.process.pid}/status"), r"Uid:(\t65534){4}\nGid:(\t65534){4}\n")
+        status = read(f"/proc/{device.process.pid}/status")
+        self.assertRegex(status, r"Uid:(\t65534){4}\nGid:(\t65534){4}\n")  # no longer root
         device.wait_for_nodes()
         return device
 
@@ -99,8 +102,8 @@ class Guest(unittest.TestCase):
         self.checked = len(self.device.wire())
 
     def expect(self, count, transport=None):
-        """Waits for that many requests, and checks that there are no others. The transport can be told at the first use
-        of a block since the driver was bound."""
+        """Waits for that many requests, and checks that there are no others. The transport can be
+        told at the first use of a block since the driver was bound."""
         def sent(kind):
             return [line for line in self.device.wire()[self.checked:] if kind.match(line)]
         wait_for(f"{count} requests", lambda: len(sent(OWN)) >= count, 120)

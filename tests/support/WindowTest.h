@@ -15,9 +15,9 @@
 
 /// The settings window as the program opens it.
 struct SettingsWindow {
-    SettingsWindow()
-        : controller(WindowDescription(QStringLiteral("Main"))
-                         .instantiateWindowController(QStringLiteral("Settings Window Controller"), &delegate)) {
+    SettingsWindow() {
+        const WindowDescription main("Main");
+        controller = main.instantiateWindowController("Settings Window Controller", &delegate);
         window().show();
         window().activateWindow();
         (void)QTest::qWaitForWindowActive(&window()); // tests fail later if it is not

@@ -12,13 +12,13 @@ import tempfile
 import time
 
 # The program's own log lines; other lines on standard error are a fault.
-OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |CameraControl Error:|"
-                       r"TimeInterval = -?\d+\.\d{6}$)")
+OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |"
+                       r"CameraControl Error:|TimeInterval = -?\d+\.\d{6}$)")
 
 
 def arguments(text, least, most=None):
-    """The command line's arguments. Prints the text, a script's docstring, and ends for --help, and with status 2 for
-    another number of arguments or an unknown option."""
+    """The command line's arguments. Prints the text, a script's docstring, and ends for --help, and
+    with status 2 for another number of arguments or an unknown option."""
     given = sys.argv[1:]
     if given[:1] in (["-h"], ["--help"]):
         print(text)
@@ -47,10 +47,11 @@ class Program:
         self.folder = pathlib.Path(tempfile.mkdtemp(dir=desktop.folder))
         # Under nohup a test passes on an ignored SIGHUP.
         command = ["env", "--default-signal=HUP", *command]
-        with open(self.folder / "requests.txt", "w") as out, open(self.folder / "log.txt", "w") as err:
+        with open(self.folder / "requests.txt", "w") as out, \
+                open(self.folder / "log.txt", "w") as err:
             self.process = subprocess.Popen(
-                command, env=desktop.env | environment, stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                start_new_session=True)
+                command, env=desktop.env | environment, start_new_session=True,
+                stdin=subprocess.DEVNULL, stdout=out, stderr=err)
 
     def requests(self):
         """The lines on standard output: those of the demo are the requests to its device."""
@@ -82,7 +83,7 @@ class Program:
 
 
 class Display:
-    """An X11 server of its own without a screen and without a window manager, which ends with the `with` block."""
+    """An X11 server without a screen and without a window manager, until the end of `with`."""
 
     def __init__(self):
         self.folder = tempfile.mkdtemp()
@@ -92,14 +93,16 @@ class Display:
         for name in ("WAYLAND_DISPLAY", "LANGUAGE"):
             self.env.pop(name, None)
         self.servers = []
-        self.env["DISPLAY"] = ":" + self.serve("Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-nolisten",
-                                               "tcp", "-noreset", "-r").readline().strip()  # -r: keys don't repeat
+        printed = self.serve("Xvfb", "-displayfd", "1", "-screen", "0", "1600x1200x24", "-noreset",
+                             "-nolisten", "tcp", "-r")  # -r: keys don't repeat
+        self.env["DISPLAY"] = ":" + printed.readline().strip()
 
     def serve(self, *command):
         """Runs a command as long as the desktop; returns its output."""
-        self.servers.append(subprocess.Popen(command, env=self.env, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
-                                             text=True))
-        return self.servers[-1].stdout
+        server = subprocess.Popen(command, env=self.env, text=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.servers.append(server)
+        return server.stdout
 
     def end(self):
         while self.servers:
@@ -115,7 +118,8 @@ class Display:
         shutil.rmtree(self.folder)
 
     def run(self, *command):
-        return subprocess.run(command, env=self.env, capture_output=True, text=True, check=False).stdout
+        done = subprocess.run(command, env=self.env, capture_output=True, text=True, check=False)
+        return done.stdout
 
     def windows(self, pid, title):
         return self.run("xdotool", "search", "--all", "--onlyvisible", "--pid", str(pid), "--name",
@@ -130,9 +134,11 @@ class Display:
         self.run("xdotool", "windowfocus", "--sync", window)
 
     def press(self, *keys, delay=12):
-        """Presses keys or combinations such as "alt+n" one after the other, with the delay in ms between them."""
+        """Presses keys or combinations such as "alt+n" one after the other, with the delay in ms
+        between them."""
         # F1 by its code: the xdotool of newer systems presses Alt with it.
-        self.run("xdotool", "key", "--delay", str(delay), *("67" if key == "F1" else key for key in keys))
+        codes = ["67" if key == "F1" else key for key in keys]
+        self.run("xdotool", "key", "--delay", str(delay), *codes)
 
     def drag(self, *points):
         """Presses the mouse button at the first point and releases it at the last one."""
@@ -149,7 +155,8 @@ class X11(Display):
     def __init__(self):
         super().__init__()
         self.serve("openbox")
-        wait_for("window manager", lambda: "window id" in self.run("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        wait_for("window manager", lambda: "window id" in self.run(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
 
     def request_focus(self, window):
         """The window manager refuses it to a window behind a modal one."""
@@ -172,7 +179,8 @@ class X11Session(X11):
         super().__init__()
         self.env["HOME"] = self.folder
         address = self.folder + "/address"
-        pathlib.Path(self.folder, ".xsmstartup").write_text(f"sh -c 'echo $SESSION_MANAGER >{address}'\n")
+        commands = f"sh -c 'echo $SESSION_MANAGER >{address}'\n"
+        pathlib.Path(self.folder, ".xsmstartup").write_text(commands)
         self.serve("xsm")
         self.env["SESSION_MANAGER"] = wait_for("session", lambda: self.run("cat", address).strip())
 
@@ -184,16 +192,17 @@ class Wayland(Display):
         super().__init__()
         folder = self.folder + "/compositor"
         os.mkdir(folder, 0o700)
-        pathlib.Path(folder, "config").write_text("output X11-1 resolution 1600x1200\nxwayland disable\n"
-                                                  "for_window [title=.*] floating enable\nfocus_follows_mouse no\n")
+        pathlib.Path(folder, "config").write_text(
+            "output X11-1 resolution 1600x1200\nxwayland disable\nfocus_follows_mouse no\n"
+            "for_window [title=.*] floating enable\n")
         as_user = []
         if os.geteuid() == 0:  # sway refuses to run as root
             as_user = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"]
             os.chmod(self.folder, 0o711)
             shutil.chown(folder, 65534)
         self.env |= {"SWAYSOCK": folder + "/control", "QT_QPA_PLATFORM": "wayland"}
-        self.serve(*as_user, "env", "XDG_RUNTIME_DIR=" + folder, "WLR_BACKENDS=x11", "WLR_RENDERER=pixman", "sway",
-                   "-c", folder + "/config")
+        self.serve(*as_user, "env", "XDG_RUNTIME_DIR=" + folder, "WLR_BACKENDS=x11",
+                   "WLR_RENDERER=pixman", "sway", "-c", folder + "/config")
         wait_for("compositor", lambda: self.run("swaymsg", "-t", "get_version"))
         self.env["WAYLAND_DISPLAY"] = folder + "/wayland-1"
 
@@ -204,7 +213,8 @@ class Wayland(Display):
             yield from self._nodes(child)
 
     def windows(self, pid, title):
-        return [str(n["id"]) for n in self._nodes() if n.get("pid") == pid and n["name"] == title and n["visible"]]
+        return [str(node["id"]) for node in self._nodes() if node.get("pid") == pid
+                and node["visible"] and re.fullmatch(title, node["name"] or "")]
 
     def place(self, window):
         node = next(n for n in self._nodes() if str(n["id"]) == window)

@@ -1,14 +1,13 @@
-// Owns the windows around the controls: modal runs, drags, a lost display, Qt's own texts.
+// Owns the windows around the controls: modal runs, drags of a window, a lost display.
 
 #include "ImageViews.h"
-#include "ModalRun.h"
 #include "WindowTest.h"
 #include "WindowTexts.h"
 
 namespace {
 
-using Dismiss = std::function<void(QWidget&)>;
 using Open = std::function<void(ViewController&)>;
+using Dismiss = std::function<void(QWidget&)>;
 
 void clickItsButton(QWidget& small) {
     QTest::mouseClick(small.findChild<QPushButton*>(), Qt::LeftButton);
@@ -20,15 +19,15 @@ Dismiss pressKey(Qt::Key key) {
 }
 
 /// The name of the window that is opened over the settings window and then dismissed.
-QString dismissed(const SettingsWindow& settings, const std::function<void()>& open, const Dismiss& dismiss) {
+QString dismissed(const SettingsWindow& settings, const Open& open, const Dismiss& dismiss) {
     QString name;
     whenModal([&](QWidget& small) { // without checks, whose failure would leave it open
         (void)QTest::qWaitForWindowActive(&small);
-        const bool isOwned = small.windowHandle()->transientParent() == settings.window().windowHandle();
-        name = isOwned ? small.objectName() : "without owner";
+        const QWindow* owner = small.windowHandle()->transientParent();
+        name = owner == settings.window().windowHandle() ? small.objectName() : "without owner";
         dismiss(small);
     });
-    open();
+    open(settings.view());
     return QApplication::activeModalWidget() ? "still open" : name;
 }
 
@@ -39,7 +38,8 @@ void meddle(QAccessibleInterface& part) {
     if (auto* actions = part.actionInterface()) {
         for (const QString& action : actions->actionNames()) actions->doAction(action);
     }
-    if (auto* control = qobject_cast<QWidget*>(part.object())) QTest::keyClick(control, Qt::Key_Home);
+    auto* control = qobject_cast<QWidget*>(part.object());
+    if (control) QTest::keyClick(control, Qt::Key_Home);
     for (int i = 0; i < part.childCount(); ++i) meddle(*part.child(i));
 }
 
@@ -51,6 +51,10 @@ QString stateOf(const QWidget& window) {
             values += control->metaObject()->userProperty().read(control).toString() + ' ';
     }
     return values;
+}
+
+void showAlert(ViewController& view) {
+    view.showAlertWindow(nullptr);
 }
 
 struct Background : MyImageView {
@@ -86,15 +90,15 @@ private slots:
     void everyWayEndsTheModalRun() {
         QFETCH(const Dismiss, dismiss);
         const SettingsWindow settings;
-        const auto pressF1 = [&] { QTest::keyClick(&settings.window(), Qt::Key_F1); };
+        const auto pressF1 = [&](ViewController&) { QTest::keyClick(&settings.window(), Qt::Key_F1); };
         QCOMPARE(dismissed(settings, pressF1, dismiss), "AboutWindow");
-        const auto showAlert = [&] { settings.view().showAlertWindow(nullptr); };
         QCOMPARE(dismissed(settings, showAlert, dismiss), "AlertWindow");
     }
 
     void theAboutButtonOpensAbout() {
         const SettingsWindow settings;
-        const auto click = [&] { QTest::mouseClick(&settings.control("AboutButton"), Qt::LeftButton); };
+        auto& button = settings.control("AboutButton");
+        const auto click = [&](ViewController&) { QTest::mouseClick(&button, Qt::LeftButton); };
         QCOMPARE(dismissed(settings, click, clickItsButton), "AboutWindow");
     }
 
@@ -104,7 +108,6 @@ private slots:
         otherProgram.show();
         otherProgram.requestActivate();
         QVERIFY(QTest::qWaitForWindowActive(&otherProgram) && !QApplication::activeWindow());
-        const auto showAlert = [&] { settings.view().showAlertWindow(nullptr); };
         QCOMPARE(dismissed(settings, showAlert, clickItsButton), "AlertWindow");
     }
 
@@ -145,7 +148,8 @@ private slots:
         TestHost::take();
         for (const auto type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
             logQtMessage(type, {}, QString::number(type));
-        QCOMPARE(TestHost::take(), (std::vector<std::string>{"log 2", "log 3"})); // critical and fatal
+        const std::vector<std::string> criticalAndFatal{"log 2", "log 3"};
+        QCOMPARE(TestHost::take(), criticalAndFatal);
     }
 
     void theReasonOfAnUnusableDisplayIsLogged() {
@@ -157,7 +161,9 @@ private slots:
     }
 
     void aLostDisplayEndsTheProgram() {
-        const auto lose = [](const char* message) { return endOf([&] { logQtMessage(QtWarningMsg, {}, message); }); };
+        const auto lose = [](const char* message) {
+            return endOf([&] { logQtMessage(QtWarningMsg, {}, message); }); // that Qt writes
+        };
         TestHost::take();
         QCOMPARE(lose("The X11 connection broke (error 1). Did the X11 server die?"), "exit 0");
         QCOMPARE(TestHost::take().size(), 1U); // a log line
@@ -188,28 +194,9 @@ private slots:
         QTest::mousePress(window, button, {}, from);
         QTest::mouseMove(window, from + QPoint(way, 0));
         QTEST(background.moves, "moves");
-        QTest::mouseMove(window, from + QPoint(way + 1, 0)); // no second move, and still a shaky click
+        QTest::mouseMove(window, from + QPoint(way + 1, 0)); // no other move, and still shaky
         QTEST(background.moves, "moves");
         QTest::mouseRelease(window, button);
-    }
-
-    // The last one: these texts remain installed.
-    void qtsTranslationsComeWithOursOnly() {
-        const auto directionIn = [](const QString& language) {
-            const QTemporaryDir folder;
-            QFile table(folder.filePath("qtbase_" + language + ".ts"));
-            (void)table.open(QIODevice::WriteOnly);
-            table.write("<TS version=\"2.1\"><context><name>QGuiApplication</name><message>"
-                        "<source>QT_LAYOUT_DIRECTION</source><translation>RTL</translation></message></context></TS>");
-            table.close();
-            const QString lrelease = QLibraryInfo::path(QLibraryInfo::BinariesPath) + "/lrelease";
-            (void)QProcess::execute(lrelease, {"-silent", table.fileName()});
-            QLocale::setDefault(QLocale(language));
-            mainBundle::open(*qApp, folder.path());
-            return QGuiApplication::layoutDirection();
-        };
-        QCOMPARE(directionIn("ar"), Qt::LeftToRight); // there is no table of ours
-        QCOMPARE(directionIn("de"), Qt::RightToLeft);
     }
 };
 
