@@ -268,7 +268,7 @@ TEST_F(LinuxUsb, OtherDevicesAndInterfacesAreIgnored) {
         SCOPED_TRACE(attribute);
         kernel.plug({});
         kernel.plug({.name = "1-1/1-1.2", .address = 3, .vendor = 0x1D6B}); // a camera behind it
-        umockdev_testbed_set_attribute(kernel.testbed, folder, attribute, "02");
+        umockdev_testbed_set_attribute(kernel.testbed, folder, attribute, "10000"); // no device has five digits
         EXPECT_FALSE(open());
         kernel.unplug();
     }
