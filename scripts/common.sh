@@ -37,9 +37,9 @@ kernel_packages=(qemu-system-x86 busybox-static kmod cpio xz-utils zstd udev sys
 sanitizer_packages=(clang libclang-rt-dev)
 style_packages=(clang-format git shellcheck)
 analysis_packages=(libbenchmark-dev clang clang-tidy cppcheck valgrind)
-# Making packages and checking them.
-package_packages=(git build-essential debhelper dpkg-dev xz-utils lintian desktop-file-utils appstream binutils man-db
-  qt6-gtk-platformtheme)
+# Making packages, and checking them.
+package_packages=(git build-essential debhelper dpkg-dev xz-utils)
+check_packages=(lintian desktop-file-utils appstream man-db qt6-gtk-platformtheme)
 
 install_packages() {
   "$project/scripts/install-packages" "$@"
