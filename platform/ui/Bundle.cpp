@@ -64,6 +64,10 @@ std::optional<QString> versionText() {
     return Localizable::tr("VERSION", "Version") + u' ' + version.toString();
 }
 
+QString deviceIdentifiers() {
+    return infoDictionary().value_or(QVariantMap())[QStringLiteral("USBDevice")].toString();
+}
+
 QPixmap imageNamed(const QString& name) {
     const bool dense = qGuiApp->devicePixelRatio() > 1; // between 1 and 2 the dense picture is drawn smaller
     QString path = QStringLiteral("bundle:images/") + name;

@@ -23,6 +23,9 @@ void open(
 /// "Version 1.0.0" in the user's language. Absent if the application information has no version.
 [[nodiscard]] std::optional<QString> versionText();
 
+/// Identifiers of the USB device that the program looks for, as lsusb prints them: "1209:0001". Empty if unknown.
+[[nodiscard]] QString deviceIdentifiers();
+
 /// A picture by its file name, at the resolution of the screen. Null if missing or not a PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);
 

@@ -32,7 +32,7 @@
     </message>
     <message>
         <source>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</source>
-        <translation>Das Aufnahmegerät konnte nicht erreicht werden. Prüfen Sie das Kabel, Ihre Zugriffsrechte auf das Gerät und ob es nach erneutem Einstecken antwortet. Wenn Sie diese Meldung schließen, wird das Programm beendet.</translation>
+        <translation>Das Aufnahmegerät konnte nicht erreicht werden. Prüfen Sie das Kabel, Ihre Zugriffsrechte auf das Gerät und ob es nach erneutem Einstecken reagiert. Wenn Sie diese Meldung schließen, wird das Programm beendet.</translation>
     </message>
     <message>
         <source>&lt;span style=&quot;font-size:large; font-weight:600&quot;&gt;The capture device could not be reached&lt;/span&gt;</source>
@@ -43,16 +43,16 @@
         <translation>Bitte prüfen Sie diese Punkte und starten Sie das Programm dann neu.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder verwenden Sie einen anderen USB-Anschluss ohne Hub.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder verwenden Sie einen anderen USB-Anschluss ohne Hub. lsusb muss es als %1 anzeigen.</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>Dürfen Sie es benutzen? Melden Sie sich direkt an diesem Computer an, nicht aus der Ferne. Wenn das Programm nicht als Paket installiert wurde, installieren Sie seine udev-Regel 70-tavro-setup-tool.rules und stecken Sie das Gerät erneut ein.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>Haben Sie Zugriff darauf? Melden Sie sich direkt an diesem Computer an, nicht per Fernzugriff. Ohne den Kerneltreiber uvcvideo ist auch die udev-Regel 70‑tavro‑setup‑tool.rules nötig (siehe README).</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
-        <translation>Antwortet es? Trennen Sie das Gerät, warten Sie zehn Sekunden und stecken Sie es wieder ein.</translation>
+        <translation>Reagiert es? Trennen Sie das Gerät, warten Sie zehn Sekunden und stecken Sie es wieder ein.</translation>
     </message>
     <message>
         <source>The system log shows the cause: journalctl -t tavro-setup-tool</source>

@@ -51,12 +51,12 @@
         <translation>The capture device could not be reached. Check the cable, your rights on the device, and whether it answers after plugging it in again. The program ends when you close this message.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>

@@ -43,12 +43,12 @@
         <translation>Compruebe estos puntos y vuelva a iniciar el programa.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>¿Está conectado? Conecte firmemente ambos extremos del cable USB, o pruebe con otro puerto USB, sin concentrador.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>¿Está conectado? Conecte firmemente ambos extremos del cable USB, o pruebe con otro puerto USB, sin concentrador. lsusb debe mostrarlo como %1.</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>¿Tiene permiso para usarlo? Inicie sesión directamente en este equipo, no de forma remota. Si el programa no se instaló desde un paquete, instale su regla de udev, 70-tavro-setup-tool.rules, y vuelva a conectar el dispositivo.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>¿Tiene permiso para usarlo? Inicie sesión directamente en este equipo, no de forma remota. Sin el controlador uvcvideo del núcleo también hace falta la regla de udev 70‑tavro‑setup‑tool.rules (véase el README).</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
@@ -64,7 +64,7 @@
     </message>
     <message>
         <source>Closes this message and ends the program.</source>
-        <translation>Cierra este mensaje y cierra el programa.</translation>
+        <translation>Cierra este mensaje y sale del programa.</translation>
     </message>
 </context>
 <context>

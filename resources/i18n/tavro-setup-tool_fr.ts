@@ -43,12 +43,12 @@
         <translation>Vérifiez les points suivants, puis relancez le programme.</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>Est-il branché&#x202f;? Enfoncez bien le câble USB aux deux extrémités, ou essayez un autre port USB, sans concentrateur.</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>Est-il branché&#x202f;? Enfoncez bien le câble USB aux deux extrémités, ou essayez un autre port USB, sans concentrateur. lsusb doit l’afficher sous le numéro %1.</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>Avez-vous le droit de l’utiliser&#x202f;? Ouvrez une session directement sur cet ordinateur, pas à distance. Si le programme n’a pas été installé depuis un paquet, installez sa règle udev, 70-tavro-setup-tool.rules, et rebranchez le boîtier.</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>Avez-vous le droit de l’utiliser&#x202f;? Ouvrez une session directement sur cet ordinateur, pas à distance. Sans le pilote uvcvideo du noyau, il faut aussi la règle udev 70‑tavro‑setup‑tool.rules (voir le README).</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
@@ -90,13 +90,13 @@
         <source>HIGH</source>
         <comment>High</comment>
         <extracomment>A level of the record quality, 14 letters at most.</extracomment>
-        <translation>Élevé</translation>
+        <translation>Élevée</translation>
     </message>
     <message>
         <source>MIDDLE</source>
         <comment>Middle</comment>
         <extracomment>A level of the record quality, 14 letters at most.</extracomment>
-        <translation>Moyen</translation>
+        <translation>Moyenne</translation>
     </message>
     <message>
         <source>LOW</source>
@@ -181,11 +181,11 @@
     </message>
     <message>
         <source>HDMI and AUX volume</source>
-        <translation>Volume de HDMI et d’AUX</translation>
+        <translation>Volume HDMI et AUX</translation>
     </message>
     <message>
         <source>Sets the HDMI and the AUX volume together.</source>
-        <translation>Règle ensemble les volumes de HDMI et d’AUX.</translation>
+        <translation>Règle à la fois les volumes HDMI et AUX.</translation>
     </message>
     <message>
         <source>O&amp;n</source>

@@ -43,12 +43,12 @@
         <translation>次の点を確認してから、プログラムを起動し直してください。</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>接続されていますか？ USB ケーブルの両端をしっかり差し込むか、ハブを使わずに別の USB ポートで試してください。</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>接続されていますか？ USB ケーブルの両端をしっかり差し込むか、ハブを使わずに別の USB ポートで試してください。lsusb に %1 と表示される必要があります。</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>使う権限がありますか？ リモートではなく、このコンピューターに直接ログインしてください。パッケージ以外の方法でインストールした場合は、udev ルール 70-tavro-setup-tool.rules をインストールし、デバイスを接続し直してください。</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>アクセス権がありますか？ リモートではなく、このコンピューターに直接ログインしてください。カーネルのドライバー uvcvideo がない場合は、udev ルール 70‑tavro‑setup‑tool.rules も必要です (README を参照)。</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
@@ -229,7 +229,7 @@
     </message>
     <message>
         <source>Legend for the stars.</source>
-        <translation>星評価の段階。星の意味を示します。</translation>
+        <translation>星の数が示す段階の凡例です。</translation>
     </message>
 </context>
 </TS>

@@ -43,12 +43,12 @@
         <translation>请检查以下几点，然后重新启动程序。</translation>
     </message>
     <message>
-        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub.</source>
-        <translation>设备插好了吗？请将 USB 线缆两端插紧，或换用另一个 USB 接口，不要经过集线器。</translation>
+        <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
+        <translation>设备插好了吗？请将 USB 线缆两端插紧，或换用另一个 USB 接口，不要经过集线器。lsusb 应将其列为 %1。</translation>
     </message>
     <message>
-        <source>Do you have permission to use it? Log in directly at this computer, not remotely. If the program was not installed as a package, install its udev rule, 70-tavro-setup-tool.rules, and plug the device in again.</source>
-        <translation>您有权使用它吗？请直接在这台电脑上登录，不要远程登录。如果程序不是由软件包安装的，请安装其 udev 规则 70-tavro-setup-tool.rules，然后重新插入设备。</translation>
+        <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
+        <translation>您有权使用它吗？请直接在这台电脑上登录，不要远程登录。如果没有内核驱动 uvcvideo，还需要 udev 规则 70‑tavro‑setup‑tool.rules（见 README）。</translation>
     </message>
     <message>
         <source>Does it answer? Unplug it, wait ten seconds and plug it in again.</source>
@@ -229,7 +229,7 @@
     </message>
     <message>
         <source>Legend for the stars.</source>
-        <translation>星级标尺中的一级，说明星星的含义。</translation>
+        <translation>星级图例，说明星星的含义。</translation>
     </message>
 </context>
 </TS>

@@ -144,6 +144,12 @@ private slots:
         QVERIFY(TestHost::takeRequests().empty());
     }
 
+    void theAlertNamesTheDevice() {
+        const auto controller = WindowDescription("Main").instantiateWindowController("Alert Window Controller");
+        const QString text = controller->window()->findChild<QLabel*>("LabelCheck1")->text();
+        QVERIFY(text.contains(QString::asprintf(" %04x:%04x.", TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID)));
+    }
+
     void onlyErrorsOfQtAreLogged() {
         TestHost::take();
         for (const auto type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
