@@ -164,6 +164,8 @@ class Scenarios(Guest):
         device = self.plug_in()
         report = " ".join(self.as_user) + f" {INSTALLED}/bin/tavro-setup-tool-report"
         printed = run(report)
+        self.assertIn(f"for the device {device.vendor}:{device.product}", printed)
+        self.assertIn("extension unit 3, controls 10 11 12 13", printed)
         self.assertIn("class 0e 01 00, driver uvcvideo", printed)
         self.assertIn(f"{device.capture_node()} crw-rw---- root:video; you: rw", printed)
         (device.folder() / "authorized").write_text("0")
