@@ -44,7 +44,7 @@
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
-        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder verwenden Sie einen anderen USB-Anschluss ohne Hub. lsusb muss es als %1 anzeigen.</translation>
+        <translation>Ist es angeschlossen? Stecken Sie das USB-Kabel an beiden Enden fest ein, oder verwenden Sie einen anderen USB-Anschluss ohne Hub. lsusb muss %1 zeigen.</translation>
     </message>
     <message>
         <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>

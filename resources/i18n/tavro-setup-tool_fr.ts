@@ -44,7 +44,7 @@
     </message>
     <message>
         <source>Is it plugged in? Push the USB cable in firmly at both ends, or try another USB port, without a hub. lsusb must list it as %1.</source>
-        <translation>Est-il branché&#x202f;? Enfoncez bien le câble USB aux deux extrémités, ou essayez un autre port USB, sans concentrateur. lsusb doit l’afficher sous le numéro %1.</translation>
+        <translation>Est-il branché&#x202f;? Enfoncez bien le câble USB aux deux extrémités, ou essayez un autre port USB, sans concentrateur. lsusb doit afficher %1.</translation>
     </message>
     <message>
         <source>Do you have permission to use it? Log in directly at this computer, not remotely. Without the kernel driver uvcvideo it also needs the udev rule 70‑tavro‑setup‑tool.rules (see the README).</source>
