@@ -1,8 +1,7 @@
 // Owns the windows around the controls: modal runs, drags of a window, a lost display.
 
-#include "ImageViews.h"
+#include "Labels.h"
 #include "WindowTest.h"
-#include "WindowTexts.h"
 
 namespace {
 
