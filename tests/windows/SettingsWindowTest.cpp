@@ -164,24 +164,20 @@ private slots:
 
     void wheelAddsUp_data();
     void wheelAddsUp() {
-        QFETCH(QList<QPoint>, angles);
-        QFETCH(QPoint, pixels);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
-        QFETCH(bool, isInverted);
-        QFETCH(QList<int>, changes);
+        QFETCH(std::function<void(QSlider&)>, turn);
         CustomSliderCell slider(nullptr);
         slider.setRange(0, 255);
         slider.setSingleStep(2);
         slider.setPageStep(16);
         slider.setValue(100);
-        QList<int> seen;
+        QList<int> changes;
         connect(&slider, &QSlider::valueChanged, [&](int value) {
-            seen << value - 100;
+            changes << value - 100;
             const QSignalBlocker shown(slider);
             slider.setValue(100); // as the device reports
         });
-        for (const QPoint angle : angles) QVERIFY(turnWheel(slider, angle, pixels, modifiers, isInverted));
-        QCOMPARE(seen, changes);
+        turn(slider);
+        QTEST(changes, "changes");
     }
 
     void valuesOutOfRangeStop() {
@@ -234,7 +230,6 @@ void SettingsWindowTest::everyAction_data() {
     using Keys = Qt::Key;
 
     row("an arrow moves the microphone", kMicrophone, press(Keys::Key_Right), 1, "microphone 177");
-    row("an arrow moves the headphone", kHeadphone, press(Keys::Key_Right), 1, "headphone 129");
     row("an arrow moves HDMI and AUX", kBoth, press(Keys::Key_Left), 2, "HDMI 254, AUX 254");
     row("a page key moves a sixteenth", kHeadphone, press(Keys::Key_PageUp), 1, "headphone 144");
     row(
@@ -246,7 +241,6 @@ void SettingsWindowTest::everyAction_data() {
     row(
         "assistive technology sets a volume", kHeadphone, [](Hand& hand) { hand.setValue(7); }, 1, "headphone 7");
     row("a held arrow repeats", kHeadphone, hold(Keys::Key_Left), 4, "headphone 124");
-    row("a held page key repeats", kHeadphone, hold(Keys::Key_PageDown), 4, "headphone 64");
     const auto holdWhileBusy = [](Hand& hand) { hand.holdWhileBusy(Qt::Key_Right); };
     row("repeats that arrive late are dropped", kHeadphone, holdWhileBusy, 2, "headphone 130");
 
@@ -313,23 +307,26 @@ void SettingsWindowTest::everyAction_data() {
 }
 
 void SettingsWindowTest::wheelAddsUp_data() {
-    QTest::addColumn<QList<QPoint>>("angles");
-    QTest::addColumn<QPoint>("pixels");
-    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-    QTest::addColumn<bool>("isInverted");
+    QTest::addColumn<std::function<void(QSlider&)>>("turn");
     QTest::addColumn<QList<int>>("changes");
-    const auto row = [](const char* name, const QList<QPoint>& angles, const QList<int>& changes, QPoint pixels = {},
+    const auto row = [](const char* name, int times, QPoint angle, const QList<int>& changes, QPoint pixels = {},
                          Qt::KeyboardModifiers modifiers = {}, bool isInverted = false) {
-        QTest::newRow(name) << angles << pixels << modifiers << isInverted << changes;
+        const std::function<void(QSlider&)> turn = [=](QSlider& slider) {
+            for (int i = 0; i < times; ++i) QVERIFY(turnWheel(slider, angle, pixels, modifiers, isInverted));
+        };
+        QTest::newRow(name) << turn << changes;
     };
-    const QPoint smallUp(0, 8);
-    row("notches", {{0, -120}, {0, -120}, {0, -120}}, {-6, -6, -6});
-    row("a touchpad's small angles", QList<QPoint>(15, smallUp), QList<int>(6, 1), {0, 3});
-    row("small angles there and back", QList<QPoint>(2, smallUp) + QList<QPoint>(9, -smallUp), {-1, -1});
-    row("only pixels", QList<QPoint>(10), {1, 1}, {0, 2});
-    row("to the side", {{-120, 0}}, {6});
-    row("a page with Ctrl", {{0, 60}, {0, 60}}, {8, 8}, {}, Qt::ControlModifier);
-    row("natural scrolling", {{0, 120}}, {-6}, {}, {}, true);
+    row("notches", 3, {0, -120}, {-6, -6, -6});
+    row("a touchpad's small angles", 15, {0, 8}, QList<int>(6, 1), {0, 3});
+    row("only pixels", 10, {}, {1, 1}, {0, 2});
+    row("to the side", 1, {-120, 0}, {6});
+    row("half a notch with Ctrl", 2, {0, 60}, {8, 8}, {}, Qt::ControlModifier);
+    row("natural scrolling", 1, {0, 120}, {-6}, {}, {}, true);
+    const std::function<void(QSlider&)> thereAndBack = [](QSlider& slider) {
+        for (int up = 0; up < 2; ++up) turnWheel(slider, {0, 8});
+        for (int down = 0; down < 9; ++down) turnWheel(slider, {0, -8});
+    };
+    QTest::newRow("small angles there and back") << thereAndBack << QList<int>{-1, -1};
 }
 
 QTEST_MAIN(SettingsWindowTest)
