@@ -76,18 +76,16 @@ QStringList CustomPopUpButton::itemTitles() const {
 
 void CustomPopUpButton::setItemTitles(const QStringList& titles) {
     removeAllItems();
-    for (const QString& title : titles) addItem(title);
+    addItemsWithTitles(titles);
 }
 
 void CustomPopUpButton::addItemsWithTitles(const QStringList& titles) {
-    for (const QString& title : titles) addItem(title);
+    for (const QString& title : titles) {
+        QAction* item = m_items->addAction(m_menu->addAction(title));
+        item->setCheckable(true);
+        connect(item, &QAction::toggled, this, qOverload<>(&QWidget::update));
+    }
     setItemStyles(CPOPUP_TEXT_WHITE_COLOR);
-}
-
-void CustomPopUpButton::addItem(const QString& title) {
-    QAction* item = m_items->addAction(m_menu->addAction(title));
-    item->setCheckable(true);
-    connect(item, &QAction::toggled, this, qOverload<>(&QWidget::update));
 }
 
 int CustomPopUpButton::indexOfSelectedItem() const {

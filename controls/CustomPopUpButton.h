@@ -70,7 +70,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void addItem(const QString& title);
     void drawRect(QPainter& context) const;
     void drawTitle(QPainter& context) const;
     void drawDecorations(QPainter& context) const;
