@@ -1,5 +1,4 @@
-// Owns what hands do on the pop-up: each of them operates the toolkit's combo box and ours, with the same result,
-// unless ours is safer on purpose.
+// Owns hands on the pop-up: what the toolkit's combo box does otherwise, unless ours is safer on purpose.
 
 #include "WindowTest.h"
 

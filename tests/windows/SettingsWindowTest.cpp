@@ -1,5 +1,4 @@
-// Owns what the settings window does and shows after each action of the user, and its start-up. PopUpTest owns the
-// hands on the pop-up; the requests of each action, and what happens when they fail, are in faults/.
+// Owns what the settings window writes and shows after each action of the user, and its start-up.
 
 #include "CustomSliderCell.h"
 #include "SliderGeometry.h"
