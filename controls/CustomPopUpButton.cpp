@@ -1,7 +1,6 @@
 #include "CustomPopUpButton.h"
 
 #include "Colors.h"
-#include "FatalStop.h"
 #include "ModalRun.h"
 #include "PopUpGeometry.h"
 #include "PopUpMenu.h"
@@ -58,14 +57,6 @@ CustomPopUpButton::CustomPopUpButton(QWidget* parent)
         else
             m_menu->setActiveAction(chosen); // a screen reader says it, as in the open menu
     });
-}
-
-CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/) {
-    fatalStop("CustomPopUpButton: unsupported initialiser init(frame:)");
-}
-
-CustomPopUpButton::CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/) {
-    fatalStop("CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)");
 }
 
 QStringList CustomPopUpButton::itemTitles() const {

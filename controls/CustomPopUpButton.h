@@ -2,6 +2,7 @@
 
 #include "AttributedString.h"
 #include "DescribedClasses.h"
+#include "FatalStop.h"
 
 #include <QMenu>
 #include <QStringList>
@@ -32,8 +33,12 @@ public:
     /// As window descriptions make it.
     explicit CustomPopUpButton(QWidget* parent);
     // A pop-up of this kind is made from a window description only: these stop the program.
-    [[noreturn]] explicit CustomPopUpButton(const QRect& frame);
-    [[noreturn]] CustomPopUpButton(const QRect& frame, bool pullsDown);
+    [[noreturn]] explicit CustomPopUpButton(const QRect& /*frame*/) {
+        fatalStop("CustomPopUpButton: unsupported initialiser init(frame:)");
+    }
+    [[noreturn]] CustomPopUpButton(const QRect& /*frame*/, bool /*pullsDown*/) {
+        fatalStop("CustomPopUpButton: unsupported initialiser init(frame:pullsDown:)");
+    }
 
     /// The items of a description.
     [[nodiscard]] QStringList itemTitles() const;

@@ -3,7 +3,6 @@
 #include "AttributedString.h"
 #include "Bundle.h"
 #include "Colors.h"
-#include "FatalStop.h"
 
 #include <QApplication>
 #include <QFontMetricsF>
@@ -50,19 +49,6 @@ int wheelDelta(const QWheelEvent& event) {
 }
 
 } // namespace
-
-CustomSliderCell::CustomSliderCell(const QString& /*textCell*/) : DrawnSlider(TickSpacing::Twentieth, nullptr) {
-    fatalStop("CustomSliderCell: unsupported initialiser init(textCell:)");
-}
-CustomSliderCell::CustomSliderCell(const QImage& /*imageCell*/) : DrawnSlider(TickSpacing::Twentieth, nullptr) {
-    fatalStop("CustomSliderCell: unsupported initialiser init(imageCell:)");
-}
-CustomSliderCell2::CustomSliderCell2(const QString& /*textCell*/) : DrawnSlider(TickSpacing::Quarter, nullptr) {
-    fatalStop("CustomSliderCell2: unsupported initialiser init(textCell:)");
-}
-CustomSliderCell2::CustomSliderCell2(const QImage& /*imageCell*/) : DrawnSlider(TickSpacing::Quarter, nullptr) {
-    fatalStop("CustomSliderCell2: unsupported initialiser init(imageCell:)");
-}
 
 void DrawnSlider::drawBarInside(QPainter& context, const QRectF& bar, bool /*flipped*/) {
     setg_width(bar.width());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FatalStop.h"
 #include "SliderGeometry.h"
 
 #include <QImage>
@@ -57,8 +58,14 @@ public:
     /// For window descriptions.
     explicit CustomSliderCell(QWidget* parent) : DrawnSlider(TickSpacing::Twentieth, parent) {}
     // Unsupported: these stop the program.
-    [[noreturn]] explicit CustomSliderCell(const QString& textCell);
-    [[noreturn]] explicit CustomSliderCell(const QImage& imageCell);
+    [[noreturn]] explicit CustomSliderCell(const QString& /*textCell*/)
+        : CustomSliderCell(static_cast<QWidget*>(nullptr)) {
+        fatalStop("CustomSliderCell: unsupported initialiser init(textCell:)");
+    }
+    [[noreturn]] explicit CustomSliderCell(const QImage& /*imageCell*/)
+        : CustomSliderCell(static_cast<QWidget*>(nullptr)) {
+        fatalStop("CustomSliderCell: unsupported initialiser init(imageCell:)");
+    }
 };
 
 /// With ticks at every quarter of its travel.
@@ -69,6 +76,12 @@ public:
     /// For window descriptions.
     explicit CustomSliderCell2(QWidget* parent) : DrawnSlider(TickSpacing::Quarter, parent) {}
     // Unsupported: these stop the program.
-    [[noreturn]] explicit CustomSliderCell2(const QString& textCell);
-    [[noreturn]] explicit CustomSliderCell2(const QImage& imageCell);
+    [[noreturn]] explicit CustomSliderCell2(const QString& /*textCell*/)
+        : CustomSliderCell2(static_cast<QWidget*>(nullptr)) {
+        fatalStop("CustomSliderCell2: unsupported initialiser init(textCell:)");
+    }
+    [[noreturn]] explicit CustomSliderCell2(const QImage& /*imageCell*/)
+        : CustomSliderCell2(static_cast<QWidget*>(nullptr)) {
+        fatalStop("CustomSliderCell2: unsupported initialiser init(imageCell:)");
+    }
 };

@@ -5,7 +5,6 @@
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -47,25 +46,18 @@ void open(QCoreApplication& application, const QString& qtTranslations) {
     if (!language.isEmpty()) install(application, QLocale(language), QStringLiteral("qtbase"), qtTranslations);
 }
 
-std::optional<QVariantMap> infoDictionary() {
+std::optional<QString> information(const QString& key) {
     QFile file(QStringLiteral("bundle:Info.json"));
     if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-    if (!document.isObject()) return std::nullopt;
-    return document.object().toVariantMap();
+    const QJsonValue value = QJsonDocument::fromJson(file.readAll())[key];
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
 }
 
 std::optional<QString> versionText() {
-    const auto information = infoDictionary();
-    if (!information) return std::nullopt;
-    const QVariant version = information->value(QStringLiteral("CFBundleShortVersionString"));
-    if (version.typeId() != QMetaType::QString) return std::nullopt;
+    const auto version = information(QStringLiteral("CFBundleShortVersionString"));
+    if (!version) return std::nullopt;
     //: The program's version number follows, as in "Version 1.0.0".
-    return Localizable::tr("VERSION", "Version") + u' ' + version.toString();
-}
-
-QString deviceIdentifiers() {
-    return infoDictionary().value_or(QVariantMap())[QStringLiteral("USBDevice")].toString();
+    return Localizable::tr("VERSION", "Version") + u' ' + *version;
 }
 
 QPixmap imageNamed(const QString& name) {

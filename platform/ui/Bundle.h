@@ -5,7 +5,6 @@
 #include <QLibraryInfo>
 #include <QPixmap>
 #include <QString>
-#include <QVariantMap>
 
 #include <optional>
 
@@ -17,14 +16,12 @@ namespace mainBundle {
 void open(
     QCoreApplication& application, const QString& qtTranslations = QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 
-/// Application information by key ("CFBundleShortVersionString"). Absent if missing or unreadable.
-[[nodiscard]] std::optional<QVariantMap> infoDictionary();
+/// Application information by key: "CFBundleShortVersionString", or "USBDevice", the identifiers of the device that the
+/// program looks for as lsusb prints them ("1209:0001"). Absent if missing, unreadable or not a text.
+[[nodiscard]] std::optional<QString> information(const QString& key);
 
 /// "Version 1.0.0" in the user's language. Absent if the application information has no version.
 [[nodiscard]] std::optional<QString> versionText();
-
-/// Identifiers of the USB device that the program looks for, as lsusb prints them: "1209:0001". Empty if unknown.
-[[nodiscard]] QString deviceIdentifiers();
 
 /// A picture by its file name, at the resolution of the screen. Null if missing or not a PNG.
 [[nodiscard]] QPixmap imageNamed(const QString& name);

@@ -52,7 +52,8 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
         const QVariant image = label->property("image"); // a name, so that dense screens get the dense picture
         if (image.isValid()) label->setPixmap(mainBundle::imageNamed(image.toString()));
         if (label->property("showsVersion").toBool()) label->setText(mainBundle::versionText().value_or(label->text()));
-        if (label->property("namesDevice").toBool()) label->setText(label->text().arg(mainBundle::deviceIdentifiers()));
+        if (label->property("namesDevice").toBool())
+            label->setText(label->text().arg(mainBundle::information("USBDevice").value_or(QString())));
     }
     // Collected first, because didDecode may delete children of its control.
     std::vector<MadeFromDescription*> found;
