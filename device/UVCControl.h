@@ -14,8 +14,21 @@ struct UVCControlInfo {
     int size; ///< bytes
 };
 
-/// The vendor's status block, which is in the tables of both controls.
-inline constexpr UVCControlInfo kStatusBlock{3, 10, 4};
+/// The standard controls of camera terminal 1 and processing unit 2, which are not looked up in the device's
+/// descriptors.
+struct CameraControls {
+    UVCControlInfo autoExposure{1, Uvc::CT_AE_MODE_CONTROL, 1};
+    UVCControlInfo exposure{1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4};
+    UVCControlInfo brightness{2, Uvc::PU_BRIGHTNESS_CONTROL, 2};
+    UVCControlInfo contrast{2, Uvc::PU_CONTRAST_CONTROL, 2};
+    UVCControlInfo gain{2, Uvc::PU_GAIN_CONTROL, 2};
+    UVCControlInfo saturation{2, Uvc::PU_SATURATION_CONTROL, 2};
+    UVCControlInfo sharpness{2, Uvc::PU_SHARPNESS_CONTROL, 2};
+    UVCControlInfo whiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2};
+    UVCControlInfo autoWhiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1};
+    UVCControlInfo status{3, 10, 4}; ///< the vendor's block
+};
+inline constexpr CameraControls uvc_controls;
 
 /// Which limits of a standard control the device reported: 1, or 0 for a limit that it did not.
 struct UVCRange {
@@ -72,18 +85,18 @@ public:
     [[nodiscard]] bool getAutoExposure();
     [[nodiscard]] bool setExposure(float value);
     [[nodiscard]] float getExposure();
-    [[nodiscard]] bool setGain(float value);
-    [[nodiscard]] float getGain();
-    [[nodiscard]] bool setBrightness(float value);
-    [[nodiscard]] float getBrightness();
-    [[nodiscard]] bool setContrast(float value);
-    [[nodiscard]] float getContrast();
-    [[nodiscard]] bool setSaturation(float value);
-    [[nodiscard]] float getSaturation();
-    [[nodiscard]] bool setSharpness(float value);
-    [[nodiscard]] float getSharpness();
-    [[nodiscard]] bool setWhiteBalance(float value);
-    [[nodiscard]] float getWhiteBalance();
+    [[nodiscard]] bool setGain(float value) { return setValue(value, uvc_controls.gain); }
+    [[nodiscard]] float getGain() { return getValueForControl(uvc_controls.gain); }
+    [[nodiscard]] bool setBrightness(float value) { return setValue(value, uvc_controls.brightness); }
+    [[nodiscard]] float getBrightness() { return getValueForControl(uvc_controls.brightness); }
+    [[nodiscard]] bool setContrast(float value) { return setValue(value, uvc_controls.contrast); }
+    [[nodiscard]] float getContrast() { return getValueForControl(uvc_controls.contrast); }
+    [[nodiscard]] bool setSaturation(float value) { return setValue(value, uvc_controls.saturation); }
+    [[nodiscard]] float getSaturation() { return getValueForControl(uvc_controls.saturation); }
+    [[nodiscard]] bool setSharpness(float value) { return setValue(value, uvc_controls.sharpness); }
+    [[nodiscard]] float getSharpness() { return getValueForControl(uvc_controls.sharpness); }
+    [[nodiscard]] bool setWhiteBalance(float value) { return setValue(value, uvc_controls.whiteBalance); }
+    [[nodiscard]] float getWhiteBalance() { return getValueForControl(uvc_controls.whiteBalance); }
     [[nodiscard]] bool setAutoWhiteBalance(bool enabled);
     [[nodiscard]] bool getAutoWhiteBalance();
 

@@ -1,5 +1,4 @@
-// The standard camera controls of UVCCameraControl. Units 1 and 2 are the camera terminal and the processing unit;
-// neither is looked up in the device's descriptors.
+// The standard camera controls of UVCCameraControl.
 
 #include "UVCControl.h"
 
@@ -8,20 +7,6 @@
 #include <limits>
 
 namespace {
-
-/// Unit, selector and size of each control.
-constexpr struct {
-    UVCControlInfo autoExposure{1, Uvc::CT_AE_MODE_CONTROL, 1};
-    UVCControlInfo exposure{1, Uvc::CT_EXPOSURE_TIME_ABSOLUTE_CONTROL, 4};
-    UVCControlInfo brightness{2, Uvc::PU_BRIGHTNESS_CONTROL, 2};
-    UVCControlInfo contrast{2, Uvc::PU_CONTRAST_CONTROL, 2};
-    UVCControlInfo gain{2, Uvc::PU_GAIN_CONTROL, 2};
-    UVCControlInfo saturation{2, Uvc::PU_SATURATION_CONTROL, 2};
-    UVCControlInfo sharpness{2, Uvc::PU_SHARPNESS_CONTROL, 2};
-    UVCControlInfo whiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_CONTROL, 2};
-    UVCControlInfo autoWhiteBalance{2, Uvc::PU_WHITE_BALANCE_TEMPERATURE_AUTO_CONTROL, 1};
-    UVCControlInfo status = kStatusBlock;
-} uvc_controls;
 
 constexpr int kAutoExposureOn = 8;  // aperture priority (UVC 1.5, 4.2.2.1.2)
 constexpr int kAutoExposureOff = 1; // manual
@@ -71,8 +56,9 @@ bool UVCCameraControl::setValue(float value, const UVCControlInfo& control) {
 }
 
 std::uint8_t UVCCameraControl::getExtension() {
-    std::array<std::uint8_t, kStatusBlock.size> block{};
-    (void)getDataFor(UVCRequest::GET_CUR, kStatusBlock.size, kStatusBlock.selector, kStatusBlock.unit, block);
+    constexpr UVCControlInfo kStatus = uvc_controls.status;
+    std::array<std::uint8_t, kStatus.size> block{};
+    (void)getDataFor(UVCRequest::GET_CUR, kStatus.size, kStatus.selector, kStatus.unit, block);
     return block[0]; // 0 after a failure
 }
 
@@ -92,43 +78,6 @@ bool UVCCameraControl::setExposure(float value) {
 }
 float UVCCameraControl::getExposure() {
     return 1.0F - getValueForControl(uvc_controls.exposure);
-}
-
-bool UVCCameraControl::setGain(float value) {
-    return setValue(value, uvc_controls.gain);
-}
-float UVCCameraControl::getGain() {
-    return getValueForControl(uvc_controls.gain);
-}
-bool UVCCameraControl::setBrightness(float value) {
-    return setValue(value, uvc_controls.brightness);
-}
-float UVCCameraControl::getBrightness() {
-    return getValueForControl(uvc_controls.brightness);
-}
-bool UVCCameraControl::setContrast(float value) {
-    return setValue(value, uvc_controls.contrast);
-}
-float UVCCameraControl::getContrast() {
-    return getValueForControl(uvc_controls.contrast);
-}
-bool UVCCameraControl::setSaturation(float value) {
-    return setValue(value, uvc_controls.saturation);
-}
-float UVCCameraControl::getSaturation() {
-    return getValueForControl(uvc_controls.saturation);
-}
-bool UVCCameraControl::setSharpness(float value) {
-    return setValue(value, uvc_controls.sharpness);
-}
-float UVCCameraControl::getSharpness() {
-    return getValueForControl(uvc_controls.sharpness);
-}
-bool UVCCameraControl::setWhiteBalance(float value) {
-    return setValue(value, uvc_controls.whiteBalance);
-}
-float UVCCameraControl::getWhiteBalance() {
-    return getValueForControl(uvc_controls.whiteBalance);
 }
 
 bool UVCCameraControl::setAutoWhiteBalance(bool enabled) {

@@ -13,7 +13,7 @@ using FirmwareVersionRecord = std::array<std::uint8_t, 12>;
 
 /// The device's blocks: each is the current value of one control, and the device refuses any other length.
 struct VendorControls {
-    UVCControlInfo status = kStatusBlock;
+    UVCControlInfo status = uvc_controls.status;
     UVCControlInfo settings{3, 11, 13}; ///< command byte, clock, bit rate, HDCP
     UVCControlInfo versions{3, 12, 26}; ///< of the firmware
     UVCControlInfo audio{3, 13, 7};     ///< four volumes
