@@ -130,7 +130,7 @@ UsbResult SimulatedDevice::resultOf(UsbControlRequest& request, std::optional<Re
 bool SimulatedDevice::isForUnits(const UsbControlRequest& request) const {
     const int type = request.bmRequestType & ~kUsbDeviceToHost;
     return type == Uvc::kSetToInterface && interfaceOf(request) == videoControlInterface
-        && (request.wValue & 0xFF) == 0;
+        && Uvc::valueLowOf(request) == 0;
 }
 
 SimulatedControl* SimulatedDevice::findControl(const UsbControlRequest& request) {

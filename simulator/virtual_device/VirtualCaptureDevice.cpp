@@ -6,13 +6,6 @@
 #include <linux/usb/ch9.h>
 #include <linux/usb/video.h>
 
-struct VirtualCaptureDevice::Setup : UsbControlRequest {
-    explicit Setup(const Uvc::SetupPacket& packet) : UsbControlRequest(Uvc::requestOf(packet, nullptr)) {}
-
-    [[nodiscard]] bool toHost() const { return Uvc::isGet(*this); }
-    [[nodiscard]] std::uint8_t valueLow() const { return static_cast<std::uint8_t>(wValue); }
-};
-
 namespace {
 
 using UsbIp::TransferEnd;
@@ -23,10 +16,6 @@ constexpr std::size_t kIntervalPlace = 4;
 
 TransferEnd stalled() {
     return {.status = -EPIPE, .length = 0, .data = {}};
-}
-
-TransferEnd done() {
-    return {};
 }
 
 TransferEnd answered(Bytes bytes, std::uint16_t room) {
@@ -44,10 +33,11 @@ void VirtualCaptureDevice::reset(CaptureFrames::Clock::time_point now) {
 
 std::optional<TransferEnd> VirtualCaptureDevice::control(
     const UsbIp::Submit& submit, CaptureFrames::Clock::time_point now) {
-    const Setup setup(submit.setup);
+    const UsbControlRequest setup = Uvc::requestOf(submit.setup, nullptr);
+    const bool toHost = Uvc::isGet(setup);
     // The client's lengths must agree with each other.
-    if (submit.toHost != setup.toHost() && setup.wLength > 0) return stalled();
-    if (setup.toHost() ? submit.length < setup.wLength : submit.data.size() != setup.wLength) return stalled();
+    if (submit.toHost != toHost && setup.wLength > 0) return stalled();
+    if (toHost ? submit.length < setup.wLength : submit.data.size() != setup.wLength) return stalled();
     if ((setup.bmRequestType & USB_TYPE_MASK) == USB_TYPE_STANDARD) return standardRequest(setup);
     if ((setup.bmRequestType & ~kUsbDeviceToHost) == Uvc::kSetToInterface
         && Uvc::interfaceOf(setup) == identity().streamingInterface())
@@ -55,7 +45,7 @@ std::optional<TransferEnd> VirtualCaptureDevice::control(
     return unitRequest(setup, submit.data);
 }
 
-std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup, const Bytes& data) {
+std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const UsbControlRequest& setup, const Bytes& data) {
     Bytes bytes = data;
     bytes.resize(setup.wLength);
     UsbControlRequest request = setup;
@@ -63,32 +53,34 @@ std::optional<TransferEnd> VirtualCaptureDevice::unitRequest(const Setup& setup,
     const UsbResult result = m_device.control(request);
     if (result == UsbCode::TimeOut || result == UsbCode::NoDevice) return std::nullopt;
     if (result == UsbCode::Stall) return stalled();
-    bytes.resize(setup.toHost() ? std::min<std::size_t>(request.wLenDone, setup.wLength) : 0);
+    bytes.resize(Uvc::isGet(setup) ? std::min<std::size_t>(request.wLenDone, setup.wLength) : 0);
     return TransferEnd{.status = 0, .length = request.wLenDone, .data = std::move(bytes)};
 }
 
-TransferEnd VirtualCaptureDevice::standardRequest(const Setup& setup) const {
+TransferEnd VirtualCaptureDevice::standardRequest(const UsbControlRequest& setup) const {
+    const bool toHost = Uvc::isGet(setup);
+    if (!toHost && setup.wLength > 0) return stalled();
     switch (setup.bRequest) {
-    case USB_REQ_GET_DESCRIPTOR: return setup.toHost() ? descriptor(setup) : stalled();
-    case USB_REQ_GET_STATUS: return setup.toHost() ? answered({0, 0}, setup.wLength) : stalled();
-    case USB_REQ_GET_CONFIGURATION: return setup.toHost() ? answered({kConfigurationValue}, setup.wLength) : stalled();
-    case USB_REQ_GET_INTERFACE: return setup.toHost() ? answered({0}, setup.wLength) : stalled();
+    case USB_REQ_GET_DESCRIPTOR: return toHost ? descriptor(setup) : stalled();
+    case USB_REQ_GET_STATUS: return toHost ? answered({0, 0}, setup.wLength) : stalled();
+    case USB_REQ_GET_CONFIGURATION: return toHost ? answered({kConfigurationValue}, setup.wLength) : stalled();
+    case USB_REQ_GET_INTERFACE: return toHost ? answered({0}, setup.wLength) : stalled();
     case USB_REQ_SET_CONFIGURATION:
     case USB_REQ_SET_INTERFACE:
     case USB_REQ_SET_FEATURE:
-    case USB_REQ_CLEAR_FEATURE: return setup.toHost() || setup.wLength > 0 ? stalled() : done();
+    case USB_REQ_CLEAR_FEATURE: return toHost ? stalled() : TransferEnd{};
     default: return stalled();
     }
 }
 
-TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
+TransferEnd VirtualCaptureDevice::descriptor(const UsbControlRequest& setup) const {
     Bytes bytes;
     switch (Uvc::selectorOf(setup)) { // the high byte of wValue is the descriptor's type
     case USB_DT_DEVICE: bytes = deviceDescriptor(identity()); break;
     case USB_DT_CONFIG:
-        if (setup.valueLow() == 0) bytes = configurationDescriptor(identity());
+        if (Uvc::valueLowOf(setup) == 0) bytes = configurationDescriptor(identity());
         break;
-    case USB_DT_STRING: bytes = stringDescriptor(setup.valueLow()); break;
+    case USB_DT_STRING: bytes = stringDescriptor(Uvc::valueLowOf(setup)); break;
     case USB_DT_DEVICE_QUALIFIER: bytes = deviceQualifier(); break;
     default: break;
     }
@@ -96,11 +88,12 @@ TransferEnd VirtualCaptureDevice::descriptor(const Setup& setup) const {
 }
 
 TransferEnd VirtualCaptureDevice::streamRequest(
-    const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now) {
+    const UsbControlRequest& setup, const Bytes& data, CaptureFrames::Clock::time_point now) {
     const auto code = static_cast<UVCRequest>(setup.bRequest);
     const std::uint8_t selector = Uvc::selectorOf(setup);
     const bool known = selector == UVC_VS_PROBE_CONTROL || selector == UVC_VS_COMMIT_CONTROL;
-    if (!known || setup.valueLow() != 0 || setup.wIndex > 0xFF || setup.toHost() == (code == UVCRequest::SET_CUR))
+    if (!known || Uvc::valueLowOf(setup) != 0 || setup.wIndex > 0xFF
+        || Uvc::isGet(setup) == (code == UVCRequest::SET_CUR))
         return stalled();
     switch (code) {
     case UVCRequest::SET_CUR:

@@ -26,13 +26,11 @@ public:
         const UsbIp::Submit& submit, CaptureFrames::Clock::time_point now);
 
 private:
-    struct Setup;
-
-    [[nodiscard]] std::optional<UsbIp::TransferEnd> unitRequest(const Setup& setup, const Bytes& data);
-    [[nodiscard]] UsbIp::TransferEnd standardRequest(const Setup& setup) const;
-    [[nodiscard]] UsbIp::TransferEnd descriptor(const Setup& setup) const;
+    [[nodiscard]] std::optional<UsbIp::TransferEnd> unitRequest(const UsbControlRequest& setup, const Bytes& data);
+    [[nodiscard]] UsbIp::TransferEnd standardRequest(const UsbControlRequest& setup) const;
+    [[nodiscard]] UsbIp::TransferEnd descriptor(const UsbControlRequest& setup) const;
     [[nodiscard]] UsbIp::TransferEnd streamRequest(
-        const Setup& setup, const Bytes& data, CaptureFrames::Clock::time_point now);
+        const UsbControlRequest& setup, const Bytes& data, CaptureFrames::Clock::time_point now);
     [[nodiscard]] Bytes streamParameters() const;
 
     SimulatedDevice& m_device;

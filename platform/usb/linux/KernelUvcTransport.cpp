@@ -10,7 +10,7 @@ namespace {
 bool sendsExactly(const UsbControlRequest& request) {
     const int direction = request.bRequest & kUsbDeviceToHost;
     return request.bmRequestType == (Uvc::kSetToInterface | direction) && Uvc::interfaceOf(request) == 0
-        && (request.wValue & 0xFF) == 0;
+        && Uvc::valueLowOf(request) == 0;
 }
 
 } // namespace

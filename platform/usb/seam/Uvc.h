@@ -53,6 +53,9 @@ constexpr bool isGet(const UsbControlRequest& request) {
 constexpr std::uint8_t selectorOf(const UsbControlRequest& request) {
     return static_cast<std::uint8_t>(request.wValue >> 8);
 }
+constexpr std::uint8_t valueLowOf(const UsbControlRequest& request) {
+    return static_cast<std::uint8_t>(request.wValue);
+}
 constexpr std::uint8_t unitOf(const UsbControlRequest& request) {
     return static_cast<std::uint8_t>(request.wIndex >> 8);
 }
