@@ -1,5 +1,5 @@
-// The program and the model of its rules on two equal devices, with every trouble after every request: both must send,
-// log and show the same.
+// Owns the requests, log lines and shown values of start-up and of each action, and each failure
+// at each request: the program and a model of its rules must do the same on equal devices.
 
 #include "Model.h"
 #include "WindowTest.h"
@@ -17,33 +17,34 @@ struct Action {
     int chosen; ///< level, volume or state
 };
 
+using V = ViewController;
 constexpr std::array<Action, 6> kActions{{
-    {"PopupRecordQuality", "currentIndex", &ViewController::ChooseRecordQuality, BitRate, 2},
-    {"SliderMicrophoneVolume", "value", &ViewController::ChangeMicrophoneVolume, Microphone, 201},
-    {"SliderHeadphoneVolume", "value", &ViewController::ChangeHeadphoneVolume, Headphone, 202},
-    {"SliderHmdiAuxVolume", "value", &ViewController::ChangeHdmiAuxVolume, Hdmi, 203},
-    {"HdcpOnButton", "checked", &ViewController::TurnOnHdcp, Hdcp, 1},
-    {"HdcpOffButton", "checked", &ViewController::TurnOffHdcp, Hdcp, 0},
+    {"PopupRecordQuality", "currentIndex", &V::ChooseRecordQuality, BitRate, 2},
+    {"SliderMicrophoneVolume", "value", &V::ChangeMicrophoneVolume, Microphone, 201},
+    {"SliderHeadphoneVolume", "value", &V::ChangeHeadphoneVolume, Headphone, 202},
+    {"SliderHmdiAuxVolume", "value", &V::ChangeHdmiAuxVolume, Hdmi, 203},
+    {"HdcpOnButton", "checked", &V::TurnOnHdcp, Hdcp, 1},
+    {"HdcpOffButton", "checked", &V::TurnOffHdcp, Hdcp, 0},
 }};
 
 /// A change of the device between two requests.
-struct Trouble {
+struct Disturbance {
     const char* name;
     void (*happen)(SimulatedDevice& device);
 };
 
-constexpr std::array<Trouble, 4> kTroubles{{
-    {"short data", [](SimulatedDevice& device) { device.addFault({}, 1, RequestFault::ShortData); }},
-    {"unplugged", [](SimulatedDevice& device) { device.unplug(); }},
-    {"plugged in again", [](SimulatedDevice& device) { device.plugIn(); }},
-    {"no camera", [](SimulatedDevice& device) { device.videoControlInterface.reset(); }},
+constexpr std::array<Disturbance, 4> kDisturbances{{
+    {"short data", [](SimulatedDevice& on) { on.addFault({}, 1, RequestFault::ShortData); }},
+    {"unplugged", [](SimulatedDevice& on) { on.unplug(); }},
+    {"plugged in again", [](SimulatedDevice& on) { on.plugIn(); }},
+    {"no camera", [](SimulatedDevice& on) { on.videoControlInterface.reset(); }},
 }};
 
 /// The content of the window as the model writes it.
 std::string shown(const SettingsWindow& settings) {
     std::string text;
     for (const Action& each : kActions)
-        text += settings.control(each.control).property(each.property).toString().toStdString() + ' ';
+        text += settings.control(each.control).property(each.property).toByteArray() + ' ';
     text += settings.control<QLabel>("LabelFwVersion").text().toStdString() + ' ';
     const QImage stars = settings.control<QLabel>("QualityImage").pixmap().toImage();
     for (const char* name : kStars) {
@@ -75,18 +76,20 @@ void useModel() {
     }
 }
 
-/// Uses the program or the model, with a trouble after `n` requests. After every request another program changes all
-/// settings at random. Returns the journal, and whether the trouble happened.
-std::pair<QStringList, bool> run(const Trouble& trouble, unsigned n, unsigned seed, void (*use)()) {
+/// Uses the program or the model, with a disturbance after `n` requests. After every request
+/// another program changes all settings at random. Returns the journal, and whether there was a
+/// disturbance.
+auto run(const Disturbance& disturbance, unsigned n, unsigned seed, void (*use)()) {
     TestHost::reset();
     device().setClock(std::array<std::uint8_t, 6>{9, 1, 2, 3, 4, 5});
     std::minstd_rand random(seed);
     unsigned requests = 0;
     const auto proceed = [&] {
-        std::ranges::generate(device().settings, [&] { return random() & 0x31; }); // HDCP on: 1 of 8
+        // HDCP is on in one of 8 cases.
+        std::ranges::generate(device().settings, [&] { return random() & 0x31; });
         std::ranges::generate(device().audio, std::ref(random));
         std::ranges::generate(device().versions, std::ref(random));
-        if (requests++ == n) trouble.happen(device());
+        if (requests++ == n) disturbance.happen(device());
     };
     proceed();
     device().onRequest = [&, note = device().onRequest](const RecordedRequest& request) {
@@ -95,9 +98,11 @@ std::pair<QStringList, bool> run(const Trouble& trouble, unsigned n, unsigned se
     };
     const std::string end = endOf(use);
     QStringList journal;
-    for (const std::string& entry : TestHost::take()) journal << QString::fromStdString(entry);
-    while (!end.empty() && journal.last().toStdString() != end) journal.removeLast(); // "close" of destructors
-    return {journal, requests > n};
+    for (const std::string& entry : TestHost::take()) {
+        journal << QString::fromStdString(entry);
+        if (entry == end) break; // destructors close the interface
+    }
+    return std::pair(journal, requests > n);
 }
 
 /// Dismisses every alert, with an entry in the journal.
@@ -120,13 +125,13 @@ private slots:
         dismissAlerts();
     }
 
-    static void everyTroubleAfterEveryRequest() {
+    static void everyDisturbanceAfterEveryRequest() {
         unsigned cells = 0;
-        for (const Trouble& trouble : kTroubles) {
+        for (const Disturbance& disturbance : kDisturbances) {
             for (unsigned n = 0;; ++n, ++cells) {
-                const auto [journal, happened] = run(trouble, n, cells, useProgram);
-                const QStringList predicted = run(trouble, n, cells, useModel).first;
-                if (journal != predicted) qInfo("%s after %u requests", trouble.name, n);
+                const auto [journal, happened] = run(disturbance, n, cells, useProgram);
+                const QStringList predicted = run(disturbance, n, cells, useModel).first;
+                if (journal != predicted) qInfo("%s after %u requests", disturbance.name, n);
                 QCOMPARE(journal, predicted);
                 if (!happened) break;
             }

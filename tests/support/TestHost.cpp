@@ -26,20 +26,23 @@ void deliverLogMessage(std::string_view message) {
     TestHost::note("log " + std::string(message));
 }
 
+[[noreturn]] static void end(const std::string& how) {
+    TestHost::note(how);
+    throw ProgramEnd(how);
+}
+
 void fatalStop(const char* format, ...) {
     std::array<char, 200> reason{};
     std::va_list arguments;
     va_start(arguments, format);
     (void)std::vsnprintf(reason.data(), reason.size(), format, arguments);
     va_end(arguments);
-    throw ProgramEnd(std::string("fatal ") + reason.data());
+    end(std::string("fatal ") + reason.data());
 }
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker's --wrap makes the names
 extern "C" void __wrap_exit(int status) {
-    const std::string end = "exit " + std::to_string(status);
-    TestHost::note(end);
-    throw ProgramEnd(end);
+    end("exit " + std::to_string(status));
 }
 extern "C" void __wrap__exit(int status) {
     __wrap_exit(status);

@@ -15,6 +15,7 @@
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
 ///   "close"       an interface is closed
+///   "exit 0"      the end of the program, or "fatal REASON"
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct TestHost {
     static inline std::time_t now;

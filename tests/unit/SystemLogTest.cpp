@@ -1,4 +1,4 @@
-// Lines on standard error, and programs without it.
+// Owns lines on standard error, and programs without one.
 
 #include "FatalStop.h"
 #include "Log.h"
@@ -24,7 +24,8 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     const std::string longest(1023, 'x');
     testing::internal::CaptureStderr();
     deliverLogMessage(longest + '\n');
-    for (const std::string& message : {std::string("two\nlines\n\n"), longest + "yz"}) systemLog("%s", message.c_str());
+    systemLog("two\nlines\n\n");
+    systemLog("%syz", longest.c_str());
     systemLog("%ls", L"\u5668"); // no text in the locale C
     struct stat file {};
     ASSERT_EQ(::fstat(STDERR_FILENO, &file), 0);
@@ -36,8 +37,8 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     resultOfConnect = 0;
     ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was, before a redirection
     deliverLogMessage("elsewhere");
-    EXPECT_EQ(
-        testing::internal::GetCapturedStderr(), longest + "\ntwo lines\n" + longest + "\nno system log\nelsewhere\n");
+    const std::string expected = longest + "\ntwo lines\n" + longest + "\nno system log\nelsewhere\n";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
 }
 
 TEST(Log, AFatalStopGivesItsReason) {
@@ -46,7 +47,7 @@ TEST(Log, AFatalStopGivesItsReason) {
 
 TEST(StandardStreams, NoFileTakesThePlaceOfAClosedStandardStream) {
     const auto firstFile = [] {
-        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) (void)::close(stream);
+        for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) (void)::close(stream);
         openStandardStreams();
         std::_Exit(::open("/dev/zero", O_RDONLY) > STDERR_FILENO ? EXIT_SUCCESS : EXIT_FAILURE);
     };
