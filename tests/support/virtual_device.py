@@ -76,7 +76,9 @@ class AttachedDevice(VirtualDevice):
 
     def wait_for_nodes(self):
         """Of the device, and of the UVC driver if that is loaded, with the rights that udev gives them."""
-        nodes = [self.usb_node] + [self.capture_node] * pathlib.Path("/sys/module/uvcvideo").exists()
+        nodes = [self.usb_node]
+        if pathlib.Path("/sys/module/uvcvideo").exists():
+            nodes.append(self.capture_node)
         wait_for("nodes", lambda: all(node() and pathlib.Path(node()).is_char_device() for node in nodes))
         subprocess.run(["udevadm", "settle", "--timeout=20"], check=False)
 
