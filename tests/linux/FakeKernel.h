@@ -22,23 +22,23 @@
 #include <linux/uvcvideo.h>
 #include <sys/stat.h>
 
-/// A device on the fake kernel's bus, as sysfs shows it. Its only interface is for VideoControl and has number 0.
+/// A device on the fake kernel's bus, as sysfs shows it. Its interface 0 is for VideoControl.
 struct FakePlug {
-    std::string name = "1-1"; ///< bus and chain of ports, as sysfs writes them, below those of its hub: "1-2/1-2.3"
+    std::string name = "1-1"; ///< bus and ports, as in sysfs, below those of its hub: "1-2/1-2.3"
     unsigned address = 2;     ///< no other device may have it
     std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
     std::string driver = {}; ///< bound to the interface, empty: none
     int captureNode = -1;    ///< N of /dev/videoN, the metadata node has N+1; -1: none
 };
 
-/// Emulates sysfs, usbfs and the UVC driver by umockdev, under the real libudev and libusb: run the program by
-/// umockdev-wrapper. Answers as a real kernel does and records calls. A call that would disturb the driver or other
-/// programs fails the test. Only one can exist.
+/// Emulates sysfs, usbfs and the UVC driver by umockdev, under the real libudev and libusb: run
+/// the program by umockdev-wrapper. Answers as a real kernel does and records calls. A call that
+/// would disturb the driver or other programs fails the test. Only one can exist.
 class FakeKernel {
 public:
     FakeKernel() {
         running = this;
-        device.onRequest = [this](const RecordedRequest& request) { calls.push_back(wireText(request)); };
+        device.onRequest = [this](const auto& request) { calls.push_back(wireText(request)); };
         const CaptureIdentity identity{device.vendorID, device.productID, 0};
         descriptors = deviceDescriptor(identity);
         append(descriptors, configurationDescriptor(identity));
@@ -53,18 +53,19 @@ public:
 
     void plug(const FakePlug& plug) {
         const int bus = std::stoi(plug.name);
-        m_interface = "/sys/devices/" + plug.name + "/" + plug.name.substr(plug.name.rfind('/') + 1) + ":1.0";
-        add(QString("P: /devices/%1\nN: %2=%3\nH: descriptors=%3\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
-                    "E: DEVNAME=/dev/%2\nE: MAJOR=189\nE: MINOR=%4\nA: dev=189:%4\nA: busnum=%5\nA: devnum=%4\n"
-                    "A: idVendor=%6\nA: idProduct=%7\n")
+        const std::string name = plug.name.substr(plug.name.rfind('/') + 1);
+        m_interface = "/sys/devices/" + plug.name + "/" + name + ":1.0";
+        add(QString("P: /devices/%1\nN: %2=%3\nH: descriptors=%3\nE: SUBSYSTEM=usb\n"
+                    "E: DEVTYPE=usb_device\nE: DEVNAME=/dev/%2\nE: MAJOR=189\nE: MINOR=%4\n"
+                    "A: dev=189:%4\nA: busnum=%5\nA: devnum=%4\nA: idVendor=%6\nA: idProduct=%7\n")
                 .arg(plug.name.c_str(), QString::asprintf("bus/usb/%03d/%03u", bus, plug.address),
                     QByteArrayView(descriptors).toByteArray().toHex().toUpper())
                 .arg(plug.address)
                 .arg(bus)
                 .arg(plug.vendor, 0, 16)
                 .arg(device.productID, 0, 16));
-        add(QString(
-            "P: %1\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\nA: bInterfaceClass=0e\nA: bInterfaceSubClass=01\n")
+        add(QString("P: %1\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\nA: bInterfaceClass=0e\n"
+                    "A: bInterfaceSubClass=01\n")
                 .arg(m_interface.c_str() + 4));
         bind(plug);
     }
@@ -73,7 +74,8 @@ public:
     void unplug() {
         g_clear_object(&testbed);
         testbed = umockdev_testbed_new();
-        for (const char* node : {"/dev/bus/usb/001/002", "/dev/video8", "/dev/video9"}) // no other one may be used
+        // No other node may be used.
+        for (const char* node : {"/dev/bus/usb/001/002", "/dev/video8", "/dev/video9"})
             umockdev_testbed_attach_ioctl(testbed, node, m_handler, nullptr);
     }
 
@@ -84,11 +86,12 @@ public:
             if (entry.path().filename().string().starts_with("video"))
                 umockdev_testbed_remove_device(testbed, entry.path().c_str());
         if (!plug.driver.empty())
-            umockdev_testbed_set_attribute_link(
-                testbed, m_interface.c_str(), "driver", ("../../../../bus/usb/drivers/" + plug.driver).c_str());
-        for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // the second one has metadata
-            add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\nE: DEVNAME=/dev/video%2\nE: MAJOR=81\n"
-                        "E: MINOR=%2\nA: dev=81:%2\nA: index=%3\n")
+            umockdev_testbed_set_attribute_link(testbed, m_interface.c_str(), "driver",
+                ("../../../../bus/usb/drivers/" + plug.driver).c_str());
+        for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // 1 has metadata
+            add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\n"
+                        "E: DEVNAME=/dev/video%2\nE: MAJOR=81\nE: MINOR=%2\n"
+                        "A: dev=81:%2\nA: index=%3\n")
                     .arg(m_interface.c_str() + 4)
                     .arg(plug.captureNode + index)
                     .arg(index));
@@ -97,22 +100,28 @@ public:
     static inline FakeKernel* running = nullptr; ///< the only one
     UMockdevTestbed* testbed = nullptr;          ///< for changes of single attributes
     SimulatedDevice device;                      ///< answers all requests
-    Bytes descriptors;                           ///< that sysfs and usbfs show of the devices to plug in
+    Bytes descriptors;                           ///< of the devices to plug in
     int openError = 0;                           ///< of opening any node, 0: success
     mode_t nodeKind = S_IFCHR;                   ///< file type that fstat reports of a node
     dev_t numberShift = 0;                       ///< fstat's number of a node minus that in sysfs
-    std::vector<std::string> calls; ///< "claim 0", "release 0", "query /dev/video9", and requests as `wireText`
+    /// "claim 0", "release 0", "query /dev/video9", and requests as `wireText` writes them
+    std::vector<std::string> calls;
 
 private:
     /// Adds a folder to sysfs, as umockdev describes it.
-    void add(const QString& folder) { umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr); }
+    void add(const QString& folder) {
+        umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr);
+    }
 
-    /// Runs in the testbed's thread while this process waits in ioctl, so that the argument's pointers are valid.
-    static gboolean handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
-        void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
-        const long result =
-            self->call(umockdev_ioctl_client_get_devnode(client), umockdev_ioctl_client_get_request(client), argument);
-        umockdev_ioctl_client_complete(client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
+    /// Runs in the testbed's thread while this process waits in ioctl, so that pointers are valid.
+    static gboolean handle(
+        UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
+        void* const argument =
+            *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
+        const long result = self->call(umockdev_ioctl_client_get_devnode(client),
+            umockdev_ioctl_client_get_request(client), argument);
+        umockdev_ioctl_client_complete(
+            client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
         return TRUE;
     }
 
@@ -123,11 +132,15 @@ private:
         case USBDEVFS_CONNECTINFO:
         case USBDEVFS_GET_SPEED: return 0; // nothing depends on it
         case USBDEVFS_CONTROL:             // libusb asks for the active configuration only
-            *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) = kConfigurationValue;
+            *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) =
+                kConfigurationValue;
             return 1;
         case USBDEVFS_CLAIMINTERFACE:
             calls.push_back("claim " + std::to_string(*static_cast<unsigned*>(argument)));
-            return std::filesystem::is_symlink(m_interface + "/driver") || std::exchange(m_claimed, true) ? -EBUSY : 0;
+            return std::filesystem::is_symlink(m_interface + "/driver")
+                    || std::exchange(m_claimed, true)
+                ? -EBUSY
+                : 0;
         case USBDEVFS_RELEASEINTERFACE:
             calls.push_back("release " + std::to_string(*static_cast<unsigned*>(argument)));
             return std::exchange(m_claimed, false) ? 0 : -EINVAL;
@@ -149,7 +162,8 @@ private:
     long submit(usbdevfs_urb& urb) {
         EXPECT_TRUE(m_claimed);
         auto* const bytes = static_cast<std::uint8_t*>(urb.buffer);
-        UsbControlRequest request = Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
+        UsbControlRequest request =
+            Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
         const UsbResult result = device.control(request);
         urb.status = result == UsbCode::Stall ? -EPIPE : 0;
         urb.actual_length = static_cast<int>(request.wLenDone);
@@ -161,12 +175,14 @@ private:
         calls.push_back("query " + node);
         if (query.unit != 3) return -ENOENT; // extension units only
         const Uvc::SetupPacket packet{
-            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)), query.query, 0,
-            query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size), 0};
+            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)),
+            query.query, 0, query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size),
+            0};
         UsbControlRequest request = Uvc::requestOf(packet, query.data);
         const UsbResult result = device.control(request);
         if (result == UsbCode::Success) return 0;
-        return result == UsbCode::InputOutput ? request.wLenDone : -EPIPE; // a short answer; any other refusal
+        return result == UsbCode::InputOutput ? request.wLenDone
+                                              : -EPIPE; // a short answer; any other refusal
     }
 
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
