@@ -55,7 +55,7 @@ void checkTree(QAccessibleInterface& part) {
     QVERIFY2(!isOperated || !name.isEmpty(), qPrintable(QDebug::toString(part.role())));
     for (int i = 0; i < part.childCount(); ++i) {
         QAccessibleInterface* child = part.child(i);
-        const bool isOwn = child && child->parent() == &part && part.indexOfChild(child) == i;
+        const bool isOwn = child != nullptr && child->parent() == &part && part.indexOfChild(child) == i;
         QVERIFY2(isOwn, qPrintable(name));
         checkTree(*child);
     }
