@@ -98,7 +98,7 @@ def expect_speech(orca, window, other, title, steps):
         orca.desktop.focus(window)
         return orca.says(title, 10)
 
-    wait_for(f"speech: {title}", is_noticed, 120)
+    wait_for(f"speech: {title}", is_noticed)
     for key, expected in steps:
         print("==", key)
         orca.desktop.press(*key.split())

@@ -106,7 +106,7 @@ class Guest(unittest.TestCase):
         told at the first use of a block since the driver was bound."""
         def sent(kind):
             return [line for line in self.device.wire()[self.checked:] if kind.match(line)]
-        wait_for(f"{count} requests", lambda: len(sent(OWN)) >= count, 120)
+        wait_for(f"{count} requests", lambda: len(sent(OWN)) >= count)
         time.sleep(0.3)  # for a request too many
         self.assertEqual(len(sent(OWN)), count, sent(OWN))
         self.assertIn(transport, (None, "driver" if sent(FIRST_USE) else "direct"))

@@ -15,6 +15,8 @@ import time
 OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |"
                        r"CameraControl Error:|TimeInterval = -?\d+\.\d{6}$)")
 
+TIMEOUT = 300  # seconds, which a failure takes; programs in an emulated guest are slow under load
+
 
 def arguments(text, least, most=None):
     """The command line's arguments. Prints the text, a script's docstring, and ends for --help, and
@@ -29,7 +31,7 @@ def arguments(text, least, most=None):
     return given
 
 
-def wait_for(what, condition, seconds=60):
+def wait_for(what, condition, seconds=TIMEOUT):
     """Calls the condition until its result is true, and returns the result."""
     start = time.monotonic()
     while (before := time.monotonic()) < start + seconds:
@@ -73,7 +75,7 @@ class Program:
 
     def expect_end(self):
         """Waits until it ends, with status 0, no foreign log line and no process left."""
-        status = self.process.wait(60)
+        status = self.process.wait(TIMEOUT)
         assert status == 0, f"status {status}"
         foreign = [line for line in self.log() if not OWN_LINES.match(line)]
         assert not foreign, foreign
@@ -108,7 +110,7 @@ class Display:
         while self.servers:
             server = self.servers.pop()
             server.terminate()
-            server.wait(20)
+            server.wait(TIMEOUT)
 
     def __enter__(self):
         return self
