@@ -171,7 +171,7 @@ private slots:
         };
         TestHost::take();
         QCOMPARE(lose("The X11 connection broke (error 1). Did the X11 server die?"), "exit 0");
-        QCOMPARE(TestHost::take().size(), 1U); // a log line
+        QVERIFY(QString::fromStdString(TestHost::take().front()).startsWith("log The X11 connection broke"));
         const char* wayland = "The Wayland connection broke. Did the Wayland compositor die?";
         QCOMPARE(lose(wayland), "exit 0");
         qputenv("QT_WAYLAND_RECONNECT", "1");
