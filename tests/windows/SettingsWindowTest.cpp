@@ -9,88 +9,132 @@ namespace {
 
 const QColor kLight = QColor::fromRgbF(1, 1, 1, 0.8F);
 
-const char* const kMicrophone = "SliderMicrophoneVolume";
 const char* const kHeadphone = "SliderHeadphoneVolume";
 const char* const kBoth = "SliderHmdiAuxVolume";
 const char* const kOn = "HdcpOnButton";
 const char* const kOff = "HdcpOffButton";
 const char* const kPopUp = "PopupRecordQuality";
-const char* const kFirmware = "LabelFwVersion";
 
-/// Operates the control that has the focus, or the open menu.
-class Hand {
-public:
-    explicit Hand(const SettingsWindow& settings) : m_settings(settings) {}
+/// What the user does to the control that has the focus, or to its open menu.
+using Act = std::function<void()>;
 
-    /// Presses keys together.
-    void press(QKeyCombination keys) { send(keys, 0); }
-    /// Holds keys until they have repeated three times.
-    void hold(QKeyCombination keys) { send(keys, 3); }
-    /// The repeats wait while the program is busy, as on X11.
-    void holdWhileBusy(Qt::Key key);
+QWidget& focused() {
+    return *QApplication::focusWidget();
+}
 
-    void click() { QTest::mouseClick(&focused(), Qt::LeftButton, {}, QPoint(12, focused().height() / 2)); }
-    void clickAt(int value) { QTest::mouseClick(&focused(), Qt::LeftButton, {}, knobAt(value)); }
-    void drag(int from, int to) {
-        QTest::mousePress(&focused(), Qt::LeftButton, {}, knobAt(from));
-        QTest::mouseMove(&focused(), knobAt(to));
-        QTest::mouseRelease(&focused(), Qt::LeftButton, {}, knobAt(to));
-    }
-    void turnWheel() { ::turnWheel(focused(), {0, -120}); }
-    /// The click ends a tenth of a second later, when the focus is elsewhere.
-    void clickAndLeave() {
-        dynamic_cast<QRadioButton&>(focused()).animateClick();
-        focused().clearFocus();
-        QTest::qWait(150);
-    }
-    void closeMenuAsTheWindowSystem() { menu().windowHandle()->close(); }
+QMenu& menu() {
+    return *dynamic_cast<CustomPopUpButton&>(focused()).menu();
+}
 
-    // By assistive technology
-    void setValue(int value) { accessible(focused())->valueInterface()->setCurrentValue(value); }
-    void toggle() { accessible(focused())->actionInterface()->doAction(QAccessibleActionInterface::toggleAction()); }
-    void doOnItem(int index, const QString& action = QAccessibleActionInterface::pressAction()) {
-        accessible(menu())->child(index)->actionInterface()->doAction(action);
-    }
-    void doOnPopUp(const QString& action) { accessible(popUp())->actionInterface()->doAction(action); }
-
-    [[nodiscard]] CustomPopUpButton& popUp() { return m_settings.control<CustomPopUpButton>(kPopUp); }
-    [[nodiscard]] QMenu& menu() { return *popUp().menu(); }
-
-private:
-    static QAccessibleInterface* accessible(QWidget& control) {
-        return QAccessible::queryAccessibleInterface(&control);
-    }
-    static QWidget& focused() { return *QApplication::focusWidget(); }
-    static QPoint knobAt(int value) { return knobRect(knobDistance(focused().width()) * value / 255).center(); }
-    void send(QKeyCombination keys, int repeats);
-
-    const SettingsWindow& m_settings;
-};
-
-void Hand::send(QKeyCombination keys, int repeats) {
+/// Held keys repeat three times.
+void send(QKeyCombination keys, bool isHeld) {
     const QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))).toLower() : QString();
     const auto event = [&](bool isPress, bool isRepeat) {
-        QWidget* menu = QApplication::activePopupWidget();
-        QTest::simulateEvent(menu ? menu : &focused(), isPress, keys.key(), keys.keyboardModifiers(), text, isRepeat);
+        QWidget* list = QApplication::activePopupWidget();
+        QTest::simulateEvent(list ? list : &focused(), isPress, keys.key(), keys.keyboardModifiers(), text, isRepeat);
     };
     event(true, false);
-    for (int repeat = 0; repeat < repeats; ++repeat) {
+    for (int repeat = 0; isHeld && repeat < 3; ++repeat) {
         event(false, true);
         event(true, true);
     }
     event(false, false);
 }
 
-void Hand::holdWhileBusy(Qt::Key key) {
-    const auto pressAt = [key](quint64 time) {
-        QKeyEvent event(QEvent::KeyPress, key, {}, {}, time > 100);
+Act press(const QList<QKeyCombination>& keys) {
+    return [keys] {
+        for (const QKeyCombination each : keys) send(each, false);
+    };
+}
+
+Act hold(QKeyCombination keys) {
+    return [keys] { send(keys, true); };
+}
+
+/// As on X11, where repeats wait while the program is busy.
+void holdWhileBusy() {
+    const auto pressAt = [](quint64 time) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_Right, {}, {}, time > 100);
         event.setTimestamp(time);
         QCoreApplication::sendEvent(&focused(), &event);
     };
     pressAt(100);
     QTest::qSleep(300); // the requests to a slow device
-    for (const quint64 repeatedAt : {130, 160, 190}) pressAt(repeatedAt);
-    pressAt(390); // in time
+    for (const quint64 late : {130, 160, 190}) pressAt(late);
+    pressAt(390);
+}
+
+QPoint knobAt(int value) {
+    return knobRect(knobDistance(focused().width()) * value / 255).center();
+}
+
+void dragFrom128To50() {
+    QTest::mousePress(&focused(), Qt::LeftButton, {}, knobAt(128));
+    QTest::mouseMove(&focused(), knobAt(50));
+    QTest::mouseRelease(&focused(), Qt::LeftButton, {}, knobAt(50));
+}
+
+void clickTwice() {
+    for (int click = 0; click < 2; ++click) QTest::mouseClick(&focused(), Qt::LeftButton, {}, {12, 12});
+}
+
+/// The click ends a tenth of a second later.
+void clickAndLeave() {
+    dynamic_cast<QRadioButton&>(focused()).animateClick();
+    focused().clearFocus();
+    QTest::qWait(150);
+}
+
+void closeMenuAsTheWindowSystem() {
+    send(Qt::Key_Space, false);
+    send(Qt::Key_Up, false);
+    menu().windowHandle()->close();
+}
+
+// By assistive technology
+
+QAccessibleInterface& accessible(QWidget& control) {
+    return *QAccessible::queryAccessibleInterface(&control);
+}
+
+void setValueTo7() {
+    accessible(focused()).valueInterface()->setCurrentValue(7);
+}
+
+Act doOnControl(const QString& action) {
+    return [action] { accessible(focused()).actionInterface()->doAction(action); };
+}
+
+Act doOnItem(int index, const QString& action) {
+    return [=] { accessible(menu()).child(index)->actionInterface()->doAction(action); };
+}
+
+void operateDisabled() {
+    QWidget& popUp = focused();
+    QAccessibleInterface& item = *accessible(menu()).child(0);
+    popUp.setEnabled(false);
+    accessible(popUp).actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+    item.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+}
+
+void windowShowsTheDevice(const SettingsWindow& settings) {
+    const auto& held = device();
+    const auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
+    QCOMPARE(popUp.indexOfSelectedItem(), held.settings[8] >> 4);
+    QCOMPARE(settings.control("QualityImage").accessibleDescription(), popUp.titleOfSelectedItem());
+    QCOMPARE(settings.control<QRadioButton>(kOn).isChecked(), held.settings[9] == 1);
+    QCOMPARE(settings.control<QSlider>(kHeadphone).value(), held.audio[5]);
+    QCOMPARE(settings.control<QSlider>(kBoth).value(), held.audio[1]);
+    QVERIFY(!popUp.menu()->isVisible());
+}
+
+/// Each change was repainted.
+void screenShowsTheWindow(QWidget& window) {
+    const auto isShown = [&] {
+        const QImage seen = window.screen()->grabWindow(window.winId()).toImage(); // at 200 % a quarter
+        return seen == rendered(window, window.devicePixelRatio()).copy(seen.rect());
+    };
+    QVERIFY(QTest::qWaitFor(isShown));
 }
 
 } // namespace
@@ -105,65 +149,98 @@ private slots:
     // The fault cells compare the window at start-up.
     void startUpCanBeRepeated() {
         const SettingsWindow settings;
-        auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
-        settings.view().setRepresentedObject(5);
         TestHost::take();
         settings.view().viewDidLoad();
         QCOMPARE(TestHost::take().front(), "close"); // the device, before it is opened again
-        QCOMPARE(settings.view().representedObject(), 5);
-        QCOMPARE(popUp.itemTitles().size(), 3);
-        QVERIFY(popUp.arrowPosition() == CustomPopUpButton::ArrowPosition::None);
-        for (const char* name : {kOn, kOff})
-            QCOMPARE(settings.control<AttributedRadioButton>(name).attributedTitle().colorAt(0), kLight);
+        QCOMPARE(settings.control<CustomPopUpButton>(kPopUp).itemTitles().size(), 3);
+        QCOMPARE(settings.control<AttributedRadioButton>(kOff).attributedTitle().colorAt(0), kLight);
         QCOMPARE(settings.control<QRadioButton>(kOff).text(), "O&ff"); // with its mnemonic
     }
 
     void aLevelWithoutATitleCanBeReplaced() {
         device().settings[8] = 0x31;
         const SettingsWindow settings;
-        Hand hand(settings);
-        QCOMPARE(hand.popUp().indexOfSelectedItem(), -1);
+        QCOMPARE(settings.control<CustomPopUpButton>(kPopUp).indexOfSelectedItem(), -1);
         QCOMPARE(settings.control("QualityImage").accessibleDescription(), "High");
-        hand.press(Qt::Key_Space);
-        hand.press(Qt::Key_End);
-        hand.press(Qt::Key_Return);
+        press({Qt::Key_Space, Qt::Key_End, Qt::Key_Return})();
         QCOMPARE(device().settings[8], 0x21);
     }
 
     void titlesAreBlackWhileTheMenuIsOpen() {
         const SettingsWindow settings;
-        Hand hand(settings);
-        hand.press(Qt::Key_Space);
-        QCOMPARE(hand.popUp().attributedTitle(2).colorAt(0), QColor(Qt::black));
-        hand.press(Qt::CTRL | Qt::Key_Q);
-        QVERIFY(!hand.menu().isVisible());
-        QCOMPARE(hand.popUp().attributedTitle(2).colorAt(0), kLight);
+        const auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
+        send(Qt::Key_Space, false);
+        QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));
+        send(Qt::CTRL | Qt::Key_Q, false);
+        QVERIFY(!popUp.menu()->isVisible());
+        QCOMPARE(popUp.attributedTitle(2).colorAt(0), kLight);
     }
 
-    void everyAction_data();
+    void everyAction_data() {
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<int>("writes");
+        QTest::addColumn<QString>("setting");
+        const auto add = [](const char* name, const char* control, const Act& act, int writes, const char* setting) {
+            QTest::newRow(name) << control << act << writes << setting;
+        };
+        const auto pressAction = QAccessibleActionInterface::pressAction();
+        const auto toggleAction = QAccessibleActionInterface::toggleAction();
+        add("an arrow moves HDMI and AUX", kBoth, press({Qt::Key_Left}), 2, "HDMI 254, AUX 254");
+        add("a page key moves a sixteenth", kHeadphone, press({Qt::Key_PageUp}), 1, "headphone 144");
+        add("a drag moves the knob", kHeadphone, dragFrom128To50, 1, "headphone 50");
+        add("assistive technology sets a volume", kHeadphone, setValueTo7, 1, "headphone 7");
+        add("a held arrow repeats", kHeadphone, hold(Qt::Key_Left), 4, "headphone 124");
+        add("repeats that arrive late are dropped", kHeadphone, holdWhileBusy, 2, "headphone 130");
+        add("a click on the selected button writes too", kOn, clickTwice, 2, "HDCP 1");
+        add("a click ends after the focus has moved", kOn, clickAndLeave, 1, "HDCP 1");
+        add("assistive technology selects a button", kOn, doOnControl(toggleAction), 1, "HDCP 1");
+        add("a held mnemonic is one press", kHeadphone, hold(Qt::ALT | Qt::Key_N), 1, "HDCP 1");
+        add("the selected button's mnemonic writes", kBoth, press({Qt::ALT | Qt::Key_F}), 1, "HDCP 0");
+        add("Tab goes to the selected button", kBoth, press({Qt::Key_Tab, Qt::Key_Left}), 1, "HDCP 1");
+        add("an arrow chooses a level", kPopUp, press({Qt::Key_Down}), 1, "H.264 2");
+        add("Return chooses again", kPopUp, press({Qt::Key_Space, Qt::Key_Return}), 1, "H.264 1");
+        add("the window system closes the menu", kPopUp, closeMenuAsTheWindowSystem, 0, "H.264 1");
+        add("assistive technology chooses a level", kPopUp, doOnItem(2, pressAction), 1, "H.264 2");
+        add("the pop-up has no such action", kPopUp, doOnControl("Jump"), 0, "H.264 1");
+        add("an item has no such action", kPopUp, doOnItem(0, "Jump"), 0, "H.264 1");
+        add("a disabled pop-up neither opens nor chooses", kPopUp, operateDisabled, 0, "H.264 1");
+    }
     void everyAction() {
         QFETCH(QString, control);
-        QFETCH(std::function<void(Hand&)>, act);
-        QFETCH(int, writes);
+        QFETCH(Act, act);
         QFETCH(QString, setting);
         const SettingsWindow settings;
-        int written = 0;
-        device().onRequest = [&](const RecordedRequest& request) { written += request.isGet() ? 0 : 1; };
+        int writes = 0;
+        device().onRequest = [&](const RecordedRequest& request) { writes += request.isGet() ? 0 : 1; };
         settings.control(qPrintable(control)).setFocus();
-        Hand hand(settings);
-        act(hand);
+        act();
         QCoreApplication::processEvents(); // that the toolkit has posted
-        QCOMPARE(written, writes);
+        QTEST(writes, "writes");
         const QRegularExpression words("\\b" + QRegularExpression::escape(setting) + "\\b");
         QVERIFY(QString::fromStdString(settingsText(device())).contains(words));
         windowShowsTheDevice(settings);
         screenShowsTheWindow(settings.window());
-        QVERIFY(!hand.menu().isVisible());
     }
 
-    void wheelAddsUp_data();
+    void wheelAddsUp_data() {
+        QTest::addColumn<int>("times");
+        QTest::addColumn<QPoint>("angle");
+        QTest::addColumn<QPoint>("pixels");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<QList<int>>("changes");
+        const Qt::KeyboardModifiers none;
+        row("notches", 3, QPoint(0, -120), QPoint(), none, QList{-6, -6, -6});
+        row("a touchpad's small angles", 15, QPoint(0, 8), QPoint(0, 3), none, QList<int>(6, 1));
+        row("only pixels", 10, QPoint(), QPoint(0, 2), none, QList{1, 1});
+        row("to the side", 1, QPoint(-120, 0), QPoint(), none, QList{6});
+        row("half a notch with Ctrl", 2, QPoint(0, 60), QPoint(), none | Qt::ControlModifier, QList{8, 8});
+    }
     void wheelAddsUp() {
-        QFETCH(std::function<void(QSlider&)>, turn);
+        QFETCH(int, times);
+        QFETCH(QPoint, angle);
+        QFETCH(QPoint, pixels);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
         CustomSliderCell slider(nullptr);
         slider.setRange(0, 255);
         slider.setSingleStep(2);
@@ -175,158 +252,25 @@ private slots:
             const QSignalBlocker shown(slider);
             slider.setValue(100); // as the device reports
         });
-        turn(slider);
+        for (int turn = 0; turn < times; ++turn) QVERIFY(turnWheel(slider, angle, pixels, modifiers));
         QTEST(changes, "changes");
     }
 
     void valuesOutOfRangeStop() {
         const SettingsWindow settings;
         auto& slider = settings.control<QSlider>(kHeadphone);
-        const auto end = [&](int volume) {
-            const QSignalBlocker blocker(slider);
-            slider.setRange(-5, 300);
-            slider.setValue(volume);
-            return endOf([&] { settings.view().ChangeHeadphoneVolume(nullptr); });
-        };
-        QCOMPARE(end(-1), "fatal SliderHeadphoneVolume: -1 does not fit in 8 bits");
-        QCOMPARE(end(256), "fatal SliderHeadphoneVolume: 256 does not fit in 8 bits");
-        QCOMPARE(end(255), "");
+        const QSignalBlocker blocker(slider);
+        slider.setRange(0, 300);
+        slider.setValue(256);
+        QCOMPARE(endOf([&] { settings.view().ChangeHeadphoneVolume(nullptr); }),
+            "fatal SliderHeadphoneVolume: 256 does not fit in 8 bits");
         settings.control<CustomPopUpButton>(kPopUp).selectItemAtIndex(-1);
         QCOMPARE(endOf([&] { settings.view().ChooseRecordQuality(nullptr); }),
             "fatal PopupRecordQuality: -1 does not fit in 8 bits");
         settings.view().DeviceCtrl.reset();
         QCOMPARE(endOf([&] { settings.view().TurnOnHdcp(nullptr); }), "fatal DeviceCtrl is absent");
     }
-
-private:
-    static void windowShowsTheDevice(const SettingsWindow& settings) {
-        const auto& held = device();
-        QCOMPARE(settings.control<CustomPopUpButton>(kPopUp).indexOfSelectedItem(), held.settings[8] >> 4);
-        QCOMPARE(settings.control<QRadioButton>(kOn).isChecked(), held.settings[9] == 1);
-        QCOMPARE(settings.control<QRadioButton>(kOff).isChecked(), held.settings[9] != 1);
-        QCOMPARE(settings.control<QSlider>(kMicrophone).value(), held.audio[3]);
-        QCOMPARE(settings.control<QSlider>(kHeadphone).value(), held.audio[5]);
-        QCOMPARE(settings.control<QSlider>(kBoth).value(), held.audio[1]);
-        QCOMPARE(settings.control("QualityImage").accessibleDescription(),
-            settings.control<CustomPopUpButton>(kPopUp).titleOfSelectedItem());
-    }
-    /// Each change was repainted.
-    static void screenShowsTheWindow(QWidget& window) {
-        const auto seen = [&] { return window.screen()->grabWindow(window.winId()).toImage(); }; // at 200 % a quarter
-        QTRY_COMPARE(seen(), rendered(window, window.devicePixelRatio()).copy(seen().rect()));
-    }
 };
-
-void SettingsWindowTest::everyAction_data() {
-    QTest::addColumn<QString>("control");
-    QTest::addColumn<std::function<void(Hand&)>>("act");
-    QTest::addColumn<int>("writes");
-    QTest::addColumn<QString>("setting");
-    const auto row = [](const char* name, const char* control, const std::function<void(Hand&)>& act, int writes,
-                         const char* setting) { QTest::newRow(name) << control << act << writes << setting; };
-    const auto press = [](QKeyCombination keys) { return [keys](Hand& hand) { hand.press(keys); }; };
-    const auto hold = [](QKeyCombination keys) { return [keys](Hand& hand) { hand.hold(keys); }; };
-    using Keys = Qt::Key;
-
-    row("an arrow moves the microphone", kMicrophone, press(Keys::Key_Right), 1, "microphone 177");
-    row("an arrow moves HDMI and AUX", kBoth, press(Keys::Key_Left), 2, "HDMI 254, AUX 254");
-    row("a page key moves a sixteenth", kHeadphone, press(Keys::Key_PageUp), 1, "headphone 144");
-    row(
-        "a click beside the knob moves a page", kHeadphone, [](Hand& hand) { hand.clickAt(250); }, 1, "headphone 144");
-    row(
-        "a drag moves the knob", kHeadphone, [](Hand& hand) { hand.drag(128, 50); }, 1, "headphone 50");
-    row(
-        "the wheel moves three steps", kHeadphone, [](Hand& hand) { hand.turnWheel(); }, 1, "headphone 125");
-    row(
-        "assistive technology sets a volume", kHeadphone, [](Hand& hand) { hand.setValue(7); }, 1, "headphone 7");
-    row("a held arrow repeats", kHeadphone, hold(Keys::Key_Left), 4, "headphone 124");
-    const auto holdWhileBusy = [](Hand& hand) { hand.holdWhileBusy(Qt::Key_Right); };
-    row("repeats that arrive late are dropped", kHeadphone, holdWhileBusy, 2, "headphone 130");
-
-    const auto clickTwice = [](Hand& hand) {
-        hand.click();
-        hand.click();
-    };
-    row("a click on the selected button writes too", kOn, clickTwice, 2, "HDCP 1");
-    row(
-        "a click ends after the focus has moved", kOn, [](Hand& hand) { hand.clickAndLeave(); }, 1, "HDCP 1");
-    row(
-        "assistive technology selects a button", kOn, [](Hand& hand) { hand.toggle(); }, 1, "HDCP 1");
-    row("a held mnemonic is one press", kHeadphone, hold(Qt::ALT | Qt::Key_N), 1, "HDCP 1");
-    row("a mnemonic of the selected button writes", kHeadphone, press(Qt::ALT | Qt::Key_F), 1, "HDCP 0");
-    row("a held Space is one press", kOn, hold(Keys::Key_Space), 1, "HDCP 1");
-    const auto tabAndArrow = [](Hand& hand) {
-        hand.press(Qt::Key_Tab);
-        hand.press(Qt::Key_Left);
-    };
-    row("Tab goes to the selected button", kBoth, tabAndArrow, 1, "HDCP 1");
-    const auto backTabAndArrow = [](Hand& hand) {
-        hand.press(Qt::SHIFT | Qt::Key_Tab);
-        hand.press(Qt::Key_Left);
-    };
-    row("Shift+Tab goes to the selected button", kFirmware, backTabAndArrow, 1, "HDCP 1");
-
-    row("an arrow chooses a level", kPopUp, press(Keys::Key_Down), 1, "H.264 2");
-    const auto chooseInMenu = [](Hand& hand) {
-        hand.press(Qt::Key_Space);
-        hand.press(Qt::Key_Up);
-        hand.press(Qt::Key_Return);
-    };
-    row("Return chooses a level in the menu", kPopUp, chooseInMenu, 1, "H.264 0");
-    const auto chooseAgain = [](Hand& hand) {
-        hand.press(Qt::Key_Space);
-        hand.press(Qt::Key_Return);
-    };
-    row("the same level can be chosen again", kPopUp, chooseAgain, 1, "H.264 1");
-    const auto closeByWindowSystem = [](Hand& hand) {
-        hand.press(Qt::Key_Space);
-        hand.press(Qt::Key_Up);
-        hand.closeMenuAsTheWindowSystem();
-    };
-    row("a menu closed by the window system chooses nothing", kPopUp, closeByWindowSystem, 0, "H.264 1");
-    row(
-        "assistive technology chooses with the menu closed", kPopUp, [](Hand& hand) { hand.doOnItem(2); }, 1,
-        "H.264 2");
-    const auto chooseInOpenMenu = [](Hand& hand) {
-        hand.doOnPopUp(QAccessibleActionInterface::showMenuAction());
-        hand.doOnItem(0);
-    };
-    row("assistive technology chooses in the menu", kPopUp, chooseInOpenMenu, 1, "H.264 0");
-    const auto doUnknown = [](Hand& hand) {
-        hand.doOnPopUp("Jump");
-        hand.doOnItem(0, "Jump");
-    };
-    row("an unknown action of assistive technology does nothing", kPopUp, doUnknown, 0, "H.264 1");
-    const auto useDisabled = [](Hand& hand) {
-        hand.popUp().setEnabled(false);
-        hand.doOnPopUp(QAccessibleActionInterface::showMenuAction());
-        hand.doOnItem(0);
-    };
-    row("a disabled pop-up neither opens nor chooses", kPopUp, useDisabled, 0, "H.264 1");
-}
-
-void SettingsWindowTest::wheelAddsUp_data() {
-    QTest::addColumn<std::function<void(QSlider&)>>("turn");
-    QTest::addColumn<QList<int>>("changes");
-    const auto row = [](const char* name, int times, QPoint angle, const QList<int>& changes, QPoint pixels = {},
-                         Qt::KeyboardModifiers modifiers = {}, bool isInverted = false) {
-        const std::function<void(QSlider&)> turn = [=](QSlider& slider) {
-            for (int i = 0; i < times; ++i) QVERIFY(turnWheel(slider, angle, pixels, modifiers, isInverted));
-        };
-        QTest::newRow(name) << turn << changes;
-    };
-    row("notches", 3, {0, -120}, {-6, -6, -6});
-    row("a touchpad's small angles", 15, {0, 8}, QList<int>(6, 1), {0, 3});
-    row("only pixels", 10, {}, {1, 1}, {0, 2});
-    row("to the side", 1, {-120, 0}, {6});
-    row("half a notch with Ctrl", 2, {0, 60}, {8, 8}, {}, Qt::ControlModifier);
-    row("natural scrolling", 1, {0, 120}, {-6}, {}, {}, true);
-    const std::function<void(QSlider&)> thereAndBack = [](QSlider& slider) {
-        for (int up = 0; up < 2; ++up) turnWheel(slider, {0, 8});
-        for (int down = 0; down < 9; ++down) turnWheel(slider, {0, -8});
-    };
-    QTest::newRow("small angles there and back") << thereAndBack << QList<int>{-1, -1};
-}
 
 QTEST_MAIN(SettingsWindowTest)
 #include "SettingsWindowTest.moc"
