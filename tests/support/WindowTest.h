@@ -50,10 +50,8 @@ inline void whenModal(std::function<void(QWidget&)> act, bool again = false) {
 }
 
 /// Returns whether the widget accepts the event.
-inline bool turnWheel(
-    QWidget& over, QPoint angle, QPoint pixels = {}, Qt::KeyboardModifiers modifiers = {}, bool inverted = false) {
-    QWheelEvent turned(
-        {9, 9}, over.mapToGlobal(QPointF(9, 9)), pixels, angle, {}, modifiers, Qt::NoScrollPhase, inverted);
+inline bool turnWheel(QWidget& over, QPoint angle, QPoint pixels = {}, Qt::KeyboardModifiers modifiers = {}) {
+    QWheelEvent turned({9, 9}, over.mapToGlobal(QPointF(9, 9)), pixels, angle, {}, modifiers, Qt::NoScrollPhase, false);
     turned.ignore();
     return QCoreApplication::sendEvent(&over, &turned) && turned.isAccepted();
 }
@@ -66,12 +64,4 @@ inline QImage rendered(const QWidget& control, double scale = 1, QRect part = {}
     image.setDevicePixelRatio(scale);
     window.render(&image, {}, part.translated(control.mapTo(&window, QPoint())));
     return image;
-}
-
-/// The number of pixels of each colour.
-inline QHash<QRgb, int> counted(const QImage& image) {
-    QHash<QRgb, int> counts;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
-    return counts;
 }

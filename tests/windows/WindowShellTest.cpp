@@ -153,16 +153,12 @@ private slots:
         TestHost::take();
         for (const auto type : {QtDebugMsg, QtInfoMsg, QtWarningMsg, QtCriticalMsg, QtFatalMsg})
             logQtMessage(type, {}, QString::number(type));
-        const std::vector<std::string> criticalAndFatal{"log 2", "log 3"};
-        QCOMPARE(TestHost::take(), criticalAndFatal);
-    }
-
-    void theReasonOfAnUnusableDisplayIsLogged() {
-        for (const char* reason : {"could not connect to display :1", "Failed to create wl_display (No such file)",
-                 "The Wayland connection experienced a fatal error: Protocol error"}) {
+        for (const char* reason : {"could not connect to display", "Failed to create wl_display",
+                 "The Wayland connection experienced a fatal error"})
             logQtMessage(QtWarningMsg, {}, reason); // then Qt ends the program
-            QCOMPARE(TestHost::take(), std::vector{std::string("log ") + reason});
-        }
+        const std::vector<std::string> lines{"log 2", "log 3", "log could not connect to display",
+            "log Failed to create wl_display", "log The Wayland connection experienced a fatal error"};
+        QCOMPARE(TestHost::take(), lines);
     }
 
     void aLostDisplayEndsTheProgram() {
