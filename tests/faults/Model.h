@@ -62,8 +62,7 @@ public:
     void startUp() {
         if (!open()) end();
         tryTwice([this] { return setField(Clock, hostClock()); });
-        for (const auto each : {BitRate, Microphone, Headphone, Hdmi, Versions, Hdcp})
-            getField(each);
+        for (const auto each : {BitRate, Microphone, Headphone, Hdmi, Versions, Hdcp}) getField(each);
         const int level = m_reported[BitRate][0];
         m_item = level < 3 ? level : -1;
     }
@@ -93,8 +92,8 @@ private:
     /// Fills in a format of at most twelve numbers.
     static std::string text(const char* format, Numbers n) {
         n.resize(12);
-        const QString filled = QString::asprintf(
-            format, n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], n[8], n[9], n[10], n[11]);
+        const QString filled =
+            QString::asprintf(format, n[0], n[1], n[2], n[3], n[4], n[5], n[6], n[7], n[8], n[9], n[10], n[11]);
         return filled.toStdString();
     }
 
@@ -185,8 +184,7 @@ private:
         close();
         log("call camera CreateInstance");
         const auto service = usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
-        const std::string failed =
-            "CameraControl Error: IOCreatePlugInInterfaceForService returned ";
+        const std::string failed = "CameraControl Error: IOCreatePlugInInterfaceForService returned ";
         if (!service.object) return fail(failed + "0xfffffffc.");
         const auto device = service.object->createPlugIn().object->QueryInterface().object;
         if (const auto interface = device->CreateInterfaceIterator(14, 1).object->next())

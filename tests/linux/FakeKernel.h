@@ -86,8 +86,8 @@ public:
             if (entry.path().filename().string().starts_with("video"))
                 umockdev_testbed_remove_device(testbed, entry.path().c_str());
         if (!plug.driver.empty())
-            umockdev_testbed_set_attribute_link(testbed, m_interface.c_str(), "driver",
-                ("../../../../bus/usb/drivers/" + plug.driver).c_str());
+            umockdev_testbed_set_attribute_link(
+                testbed, m_interface.c_str(), "driver", ("../../../../bus/usb/drivers/" + plug.driver).c_str());
         for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // 1 has metadata
             add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\n"
                         "E: DEVNAME=/dev/video%2\nE: MAJOR=81\nE: MINOR=%2\n"
@@ -109,19 +109,14 @@ public:
 
 private:
     /// Adds a folder to sysfs, as umockdev describes it.
-    void add(const QString& folder) {
-        umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr);
-    }
+    void add(const QString& folder) { umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr); }
 
     /// Runs in the testbed's thread while this process waits in ioctl, so that pointers are valid.
-    static gboolean handle(
-        UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
-        void* const argument =
-            *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
-        const long result = self->call(umockdev_ioctl_client_get_devnode(client),
-            umockdev_ioctl_client_get_request(client), argument);
-        umockdev_ioctl_client_complete(
-            client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
+    static gboolean handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
+        void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
+        const long result =
+            self->call(umockdev_ioctl_client_get_devnode(client), umockdev_ioctl_client_get_request(client), argument);
+        umockdev_ioctl_client_complete(client, std::max(result, -1L), static_cast<int>(-std::min(result, 0L)));
         return TRUE;
     }
 
@@ -132,15 +127,11 @@ private:
         case USBDEVFS_CONNECTINFO:
         case USBDEVFS_GET_SPEED: return 0; // nothing depends on it
         case USBDEVFS_CONTROL:             // libusb asks for the active configuration only
-            *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) =
-                kConfigurationValue;
+            *static_cast<std::uint8_t*>(static_cast<usbdevfs_ctrltransfer*>(argument)->data) = kConfigurationValue;
             return 1;
         case USBDEVFS_CLAIMINTERFACE:
             calls.push_back("claim " + std::to_string(*static_cast<unsigned*>(argument)));
-            return std::filesystem::is_symlink(m_interface + "/driver")
-                    || std::exchange(m_claimed, true)
-                ? -EBUSY
-                : 0;
+            return std::filesystem::is_symlink(m_interface + "/driver") || std::exchange(m_claimed, true) ? -EBUSY : 0;
         case USBDEVFS_RELEASEINTERFACE:
             calls.push_back("release " + std::to_string(*static_cast<unsigned*>(argument)));
             return std::exchange(m_claimed, false) ? 0 : -EINVAL;
@@ -162,8 +153,7 @@ private:
     long submit(usbdevfs_urb& urb) {
         EXPECT_TRUE(m_claimed);
         auto* const bytes = static_cast<std::uint8_t*>(urb.buffer);
-        UsbControlRequest request =
-            Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
+        UsbControlRequest request = Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
         const UsbResult result = device.control(request);
         urb.status = result == UsbCode::Stall ? -EPIPE : 0;
         urb.actual_length = static_cast<int>(request.wLenDone);
@@ -175,14 +165,12 @@ private:
         calls.push_back("query " + node);
         if (query.unit != 3) return -ENOENT; // extension units only
         const Uvc::SetupPacket packet{
-            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)),
-            query.query, 0, query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size),
-            0};
+            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)), query.query, 0,
+            query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size), 0};
         UsbControlRequest request = Uvc::requestOf(packet, query.data);
         const UsbResult result = device.control(request);
         if (result == UsbCode::Success) return 0;
-        return result == UsbCode::InputOutput ? request.wLenDone
-                                              : -EPIPE; // a short answer; any other refusal
+        return result == UsbCode::InputOutput ? request.wLenDone : -EPIPE; // a short answer; any other refusal
     }
 
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();

@@ -46,9 +46,7 @@ protected:
         EXPECT_LE(openFiles("[timerfd]"), 1); // libusb's, which is opened once
     }
 
-    static auto firstService() {
-        return usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID);
-    }
+    static auto firstService() { return usbBus().firstService(TAVRO_USB_VENDOR_ID, TAVRO_USB_PRODUCT_ID); }
 
     /// The first VideoControl interface of the first device, absent if there is none.
     static std::unique_ptr<UsbInterface> open() {
@@ -86,9 +84,7 @@ protected:
         }
         return count;
     }
-    static std::ptrdiff_t openNodes() {
-        return openFiles("/dev/video") + openFiles("/dev/bus/usb/");
-    }
+    static std::ptrdiff_t openNodes() { return openFiles("/dev/video") + openFiles("/dev/bus/usb/"); }
 
     FakeKernel kernel;
     std::unique_ptr<UsbInterface> interface;
@@ -294,8 +290,7 @@ TEST_F(LinuxUsb, OtherDevicesAndInterfacesAreIgnored) {
          }) {
         SCOPED_TRACE(attribute);
         kernel.plug({});
-        kernel.plug(
-            {.name = "1-1/1-1.2", .address = 3, .vendor = kOtherVendor}); // a camera behind it
+        kernel.plug({.name = "1-1/1-1.2", .address = 3, .vendor = kOtherVendor}); // a camera behind it
         umockdev_testbed_set_attribute(kernel.testbed, folder, attribute, qPrintable(other));
         EXPECT_FALSE(open());
         kernel.unplug();

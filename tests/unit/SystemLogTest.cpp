@@ -37,8 +37,7 @@ TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     resultOfConnect = 0;
     ::setenv("JOURNAL_STREAM", (journal + '0').c_str(), 1); // it was, before a redirection
     deliverLogMessage("elsewhere");
-    const std::string expected =
-        longest + "\ntwo lines\n" + longest + "\nno system log\nelsewhere\n";
+    const std::string expected = longest + "\ntwo lines\n" + longest + "\nno system log\nelsewhere\n";
     EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
 }
 
