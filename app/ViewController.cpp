@@ -60,7 +60,10 @@ void ViewController::viewDidLoad() {
     std::uint8_t mjpeg = 0;
     (void)device().GetBitRate(h264, mjpeg);
     DisplayBitRateImage(h264);
-    showVolumes();
+    showVolume(SliderMicrophoneVolume, &CVn318UvcController::GetMicrophoneVolume);
+    showVolume(SliderHeadphoneVolume, &CVn318UvcController::GetHeadphoneVolume);
+    // The shared slider starts from the HDMI volume alone; the AUX volume is not read.
+    showVolume(SliderHmdiAuxVolume, &CVn318UvcController::GetHdmiVolume);
     FirmwareVersionRecord firmware{};
     (void)device().GetFwVersion(firmware);
     std::uint8_t hdcp = CHDCP_OFF;
@@ -71,17 +74,10 @@ void ViewController::viewDidLoad() {
     styleHdcpTitles();
 }
 
-void ViewController::showVolumes() {
-    std::uint8_t microphone = 0;
-    (void)device().GetMicrophoneVolume(microphone);
-    show(SliderMicrophoneVolume, microphone);
-    std::uint8_t headphone = 0;
-    (void)device().GetHeadphoneVolume(headphone);
-    show(SliderHeadphoneVolume, headphone);
-    // The shared slider starts from the HDMI volume alone; the AUX volume is not read.
-    std::uint8_t hdmi = 0;
-    (void)device().GetHdmiVolume(hdmi);
-    show(SliderHmdiAuxVolume, hdmi);
+void ViewController::showVolume(const Outlet<QSlider>& slider, VolumeRead read) {
+    std::uint8_t reported = 0;
+    (void)(device().*read)(reported); // 0 after a failure
+    show(slider, reported);
 }
 
 void ViewController::fillRecordQuality(std::uint8_t level) {
@@ -187,9 +183,7 @@ void ViewController::changeVolume(
     callOrQuit([&](CVn318UvcController& device) { return (device.*write)(chosen); });
     // On purpose, a failure of the extra write is neither retried nor reported.
     if (extraWrite) (void)(device().*extraWrite)(chosen);
-    std::uint8_t reported = 0;
-    (void)(device().*readBack)(reported); // 0 after a failure
-    show(slider, reported);
+    showVolume(slider, readBack);
 }
 
 void ViewController::TurnOnHdcp(QObject* /*sender*/) {

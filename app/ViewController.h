@@ -89,7 +89,7 @@ private:
     /// Writes the value of the slider, then shows the value that the device reports. `extraWrite` may be absent.
     void changeVolume(const Outlet<QSlider>& slider, VolumeWrite write, VolumeWrite extraWrite, VolumeRead readBack);
     void switchHdcp(std::uint8_t state);
-    void showVolumes();
+    void showVolume(const Outlet<QSlider>& slider, VolumeRead read);
     void fillRecordQuality(std::uint8_t level);
     /// Describes the stars for assistive technology by the title of their level.
     void describeStars(std::uint8_t level);

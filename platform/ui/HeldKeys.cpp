@@ -1,12 +1,11 @@
 #include "HeldKeys.h"
 
-#include <QAbstractSlider>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
-#include <QLabel>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace {
@@ -14,19 +13,11 @@ namespace {
 constexpr qint64 kLate = 50; // milliseconds, more than an idle program lets a key wait
 
 bool mayRepeat(const QObject& receiver, int key) {
-    switch (key) {
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab: return true;
-    case Qt::Key_Left:
-    case Qt::Key_Right:
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        return qobject_cast<const QAbstractSlider*>(&receiver) != nullptr
-            || qobject_cast<const QLabel*>(&receiver) != nullptr;
-    default: return false;
-    }
+    constexpr std::array kMoving{
+        Qt::Key_Left, Qt::Key_Right, Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool isMoved = receiver.inherits("QAbstractSlider") || receiver.inherits("QLabel");
+    return key == Qt::Key_Tab || key == Qt::Key_Backtab
+        || (isMoved && std::ranges::find(kMoving, key) != kMoving.end());
 }
 
 class RepeatFilter : public QObject {

@@ -19,7 +19,6 @@
 #include <functional>
 #include <memory>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -55,12 +54,9 @@ std::unique_ptr<QWidget> makeWindow(const QString& file) {
         if (label->property("namesDevice").toBool())
             label->setText(label->text().arg(mainBundle::information("USBDevice").value_or(QString())));
     }
-    // Collected first, because didDecode may delete children of its control.
-    std::vector<MadeFromDescription*> found;
     for (QWidget* control : window->findChildren<QWidget*>()) {
-        if (auto* made = dynamic_cast<MadeFromDescription*>(control)) found.push_back(made);
+        if (auto* made = dynamic_cast<MadeFromDescription*>(control)) made->didDecode();
     }
-    for (MadeFromDescription* made : found) made->didDecode();
     return window;
 }
 

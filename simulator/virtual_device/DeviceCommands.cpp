@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <chrono>
 #include <utility>
 
@@ -63,10 +62,9 @@ QByteArray describe(const SimulatedDevice& device) {
 } // namespace
 
 std::optional<unsigned> decimalNumber(const QByteArray& text, unsigned least, unsigned most) {
-    unsigned value = 0;
-    const auto [stop, error] = std::from_chars(text.begin(), text.end(), value);
-    if (error != std::errc{} || stop != text.end() || value < least || value > most) return std::nullopt;
-    return value;
+    bool isNumber = false;
+    const unsigned value = text.toUInt(&isNumber);
+    return isNumber && value >= least && value <= most ? std::optional(value) : std::nullopt;
 }
 
 QByteArray executeCommand(const QByteArray& line, SimulatedDevice& device) {

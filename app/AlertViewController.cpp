@@ -1,7 +1,0 @@
-#include "AlertViewController.h"
-
-#include "ModalRun.h"
-
-void AlertViewController::dismissAlertWindow(QObject* /*sender*/) {
-    stopModal();
-}
