@@ -22,20 +22,6 @@
 
 namespace {
 
-constexpr const char* kUsage =
-    "usage: tavro-virtual-device [OPTION...]\n"
-    "Serves a virtual capture device over USB/IP on 127.0.0.1; attach it with\n"
-    "  usbip attach -r 127.0.0.1 -b 1-1\n"
-    "\n"
-    "  --attach                     plug it into this computer's kernel (needs root and the module vhci_hcd)\n"
-    "  --port N                     TCP port, 3240 if not given\n"
-    "  --commands FIFO              read commands from this named pipe instead of standard input\n"
-    "  --wire-log FILE              write every request to the device's units to this file\n"
-    "  --video-control-interface N  number of the VideoControl interface, 0 or 1\n"
-    "  --help\n"
-    "\n"
-    "Commands are fault, clear, unplug, plug and show: see docs/virtual-device.md.\n";
-
 [[noreturn]] void stop(const QString& what, const QString& why) {
     (void)std::fprintf(stderr, "tavro-virtual-device: %s: %s\n", qPrintable(what), qPrintable(why));
     std::exit(EXIT_FAILURE);
@@ -48,15 +34,19 @@ unsigned number(const QString& text, unsigned least, unsigned most) {
 }
 
 /// Ends the program after --help and after wrong options.
-void parseOptions(QCommandLineParser& parser) {
-    parser.addOptions({{"attach", {}}, {"port", {}, "N", "3240"}, {"commands", {}, "FIFO"}, {"wire-log", {}, "FILE"},
-        {"video-control-interface", {}, "N", "0"}, {"help", {}}});
-    const bool understood = parser.parse(QCoreApplication::arguments());
-    if (!understood) (void)std::fprintf(stderr, "tavro-virtual-device: %s\n", qPrintable(parser.errorText()));
-    if (!understood || parser.isSet("help")) {
-        (void)std::fputs(kUsage, understood ? stdout : stderr);
-        std::exit(understood ? EXIT_SUCCESS : EXIT_FAILURE);
-    }
+void parseOptions(QCommandLineParser& parser, const QCoreApplication& application) {
+    parser.setApplicationDescription("Serves a virtual capture device over USB/IP on 127.0.0.1; attach it with\n"
+                                     "  usbip attach -r 127.0.0.1 -b 1-1\n"
+                                     "Its commands are fault, clear, unplug, plug and show: docs/virtual-device.md.");
+    parser.addHelpOption();
+    parser.addOptions({
+        {"attach", "plug it into this computer's kernel (needs root and the module vhci_hcd)"},
+        {"port", "TCP port, 3240 if not given", "N", "3240"},
+        {"commands", "read commands from this named pipe instead of standard input", "FIFO"},
+        {"wire-log", "write every request to the device's units to this file", "FILE"},
+        {"video-control-interface", "number of the VideoControl interface, 0 or 1", "N", "0"},
+    });
+    parser.process(application);
     if (const QStringList others = parser.positionalArguments(); !others.isEmpty())
         stop(others.front(), "takes options only");
 }
@@ -106,7 +96,7 @@ int main(int argc, char** argv) {
     (void)std::signal(SIGTTIN, SIG_IGN);
     const QCoreApplication application(argc, argv);
     QCommandLineParser options;
-    parseOptions(options);
+    parseOptions(options, application);
     const auto port = static_cast<std::uint16_t>(number(options.value("port"), 1, 65535));
     SimulatedDevice device;
     device.videoControlInterface = static_cast<std::uint8_t>(number(options.value("video-control-interface"), 0, 1));
