@@ -49,6 +49,28 @@ inline void whenModal(std::function<void(QWidget&)> act, bool again = false) {
     });
 }
 
+/// Types as window systems report keys, with their text; held ones repeat three times.
+inline void typeInto(QWidget& window, QKeyCombination keys, bool isHeld = false) {
+    static int lastKey = 0;
+    if (std::exchange(lastKey, keys.key()) == keys.key())
+        QTest::qSleep(1); // a press at the time of the last release would be a repeat
+    const Qt::KeyboardModifiers modifiers = keys.keyboardModifiers();
+    QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))) : QString();
+    if (!modifiers.testFlag(Qt::ShiftModifier)) text = text.toLower();
+    if (modifiers.testFlag(Qt::ControlModifier)) // a control character
+        std::ranges::transform(text, text.begin(), [](QChar key) { return QChar(key.unicode() & 0x1F); });
+    const auto send = [&](bool isPress, bool isRepeat) {
+        QTest::simulateEvent(window.windowHandle(), isPress, keys.key(), modifiers, text, isRepeat);
+    };
+    send(true, false);
+    for (int repeat = 0; isHeld && repeat < 3; ++repeat) {
+        send(false, true);
+        send(true, true);
+    }
+    send(false, false);
+    QCoreApplication::processEvents();
+}
+
 /// Returns whether the widget accepts the event.
 inline bool turnWheel(QWidget& over, QPoint angle, QPoint pixels = {}, Qt::KeyboardModifiers modifiers = {}) {
     QWheelEvent turned({9, 9}, over.mapToGlobal(QPointF(9, 9)), pixels, angle, {}, modifiers, Qt::NoScrollPhase, false);

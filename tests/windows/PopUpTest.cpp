@@ -70,26 +70,8 @@ struct Hand {
 
 // The keyboard
 
-/// As the window system reports keys, with their text; a held key repeats three times.
-void type(Chooser& chooser, QKeyCombination keys, int repeats = 0) {
-    static int lastKey = 0;
-    if (std::exchange(lastKey, keys.key()) == keys.key())
-        QTest::qSleep(1); // a press at the time of the last release would be a repeat
-    const Qt::KeyboardModifiers modifiers = keys.keyboardModifiers();
-    QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))) : QString();
-    if (!modifiers.testFlag(Qt::ShiftModifier)) text = text.toLower();
-    if (modifiers.testFlag(Qt::ControlModifier))
-        text = text.isEmpty() ? text : QString(QChar(text[0].unicode() & 0x1F));
-    const auto send = [&](bool isPress, bool isRepeat) {
-        QTest::simulateEvent(chooser.window.windowHandle(), isPress, keys.key(), modifiers, text, isRepeat);
-    };
-    send(true, false);
-    for (int repeat = 0; repeat < repeats; ++repeat) {
-        send(false, true);
-        send(true, true);
-    }
-    send(false, false);
-    QCoreApplication::processEvents();
+void type(Chooser& chooser, QKeyCombination keys, bool isHeld = false) {
+    typeInto(chooser.window, keys, isHeld);
 }
 
 /// A key with Ctrl, Alt or Meta chooses nothing: those belong to shortcuts and window managers. In the open list F4 and
@@ -113,7 +95,7 @@ Hand key(QKeyCombination keys) {
 
 /// Is one press.
 Hand heldKey(Qt::Key key) {
-    return {"held " + QKeySequence(key).toString(), [=](Chooser& chooser) { type(chooser, key, 3); },
+    return {"held " + QKeySequence(key).toString(), [=](Chooser& chooser) { type(chooser, key, true); },
         [=](Chooser& chooser) { typeSafely(chooser, key); }};
 }
 

@@ -26,29 +26,14 @@ QMenu& menu() {
     return *dynamic_cast<CustomPopUpButton&>(focused()).menu();
 }
 
-/// Held keys repeat three times.
-void send(QKeyCombination keys, bool isHeld) {
-    const QString text = keys.key() < 0x80 ? QString(QChar(char16_t(keys.key()))).toLower() : QString();
-    const auto event = [&](bool isPress, bool isRepeat) {
-        QWidget* list = QApplication::activePopupWidget();
-        QTest::simulateEvent(list ? list : &focused(), isPress, keys.key(), keys.keyboardModifiers(), text, isRepeat);
-    };
-    event(true, false);
-    for (int repeat = 0; isHeld && repeat < 3; ++repeat) {
-        event(false, true);
-        event(true, true);
-    }
-    event(false, false);
-}
-
 Act press(const QList<QKeyCombination>& keys) {
     return [keys] {
-        for (const QKeyCombination each : keys) send(each, false);
+        for (const QKeyCombination each : keys) typeInto(*focused().window(), each);
     };
 }
 
 Act hold(QKeyCombination keys) {
-    return [keys] { send(keys, true); };
+    return [keys] { typeInto(*focused().window(), keys, true); };
 }
 
 /// As on X11, where repeats wait while the program is busy.
@@ -86,8 +71,7 @@ void clickAndLeave() {
 }
 
 void closeMenuAsTheWindowSystem() {
-    send(Qt::Key_Space, false);
-    send(Qt::Key_Up, false);
+    press({Qt::Key_Space, Qt::Key_Up})();
     menu().windowHandle()->close();
 }
 
@@ -169,9 +153,9 @@ private slots:
     void titlesAreBlackWhileTheMenuIsOpen() {
         const SettingsWindow settings;
         const auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
-        send(Qt::Key_Space, false);
+        press({Qt::Key_Space})();
         QCOMPARE(popUp.attributedTitle(2).colorAt(0), QColor(Qt::black));
-        send(Qt::CTRL | Qt::Key_Q, false);
+        press({Qt::CTRL | Qt::Key_Q})();
         QVERIFY(!popUp.menu()->isVisible());
         QCOMPARE(popUp.attributedTitle(2).colorAt(0), kLight);
     }
