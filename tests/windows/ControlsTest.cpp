@@ -115,6 +115,13 @@ private slots:
         QVERIFY(!grabs(knob.bottomRight() + QPoint(1, 0)));
     }
 
+    void itemsOfADescriptionAreBlack() {
+        CustomPopUpButton popUp(nullptr);
+        popUp.setItemTitles({"High"});
+        popUp.didDecode();
+        QCOMPARE(popUp.attributedTitle(0).colorAt(0), QColor(Qt::black));
+    }
+
     void titlesAreWhiteAndRedInPart_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("part");
