@@ -45,7 +45,7 @@ void holdWhileBusy() {
     };
     pressAt(100);
     QTest::qSleep(300); // the requests to a slow device
-    for (const quint64 late : {130, 160, 190}) pressAt(late);
+    for (const quint64 late : {130ULL, 160ULL, 190ULL}) pressAt(late);
     pressAt(390);
 }
 
