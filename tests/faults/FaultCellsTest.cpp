@@ -1,5 +1,5 @@
-// Owns the requests, log lines and shown values of start-up and of each action, and each failure
-// at each request: the program and a model of its rules must do the same on equal devices.
+// Owns requests, log lines and shown values of each action, and each failure at each request: the
+// program and a model of its rules must do the same on equal devices.
 
 #include "Model.h"
 #include "WindowTest.h"

@@ -24,8 +24,8 @@
 
 /// A device on the fake kernel's bus, as sysfs shows it. Its interface 0 is for VideoControl.
 struct FakePlug {
-    std::string name = "1-1"; ///< bus and ports, as in sysfs, below those of its hub: "1-2/1-2.3"
-    unsigned address = 2;     ///< no other device may have it
+    std::string name = "1-1"; ///< on bus 1, as in sysfs, below its hub: "1-2/1-2.3"
+    unsigned address = 2;     ///< 1 to 9, no other device may have it
     std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
     std::string driver = {}; ///< bound to the interface, empty: none
     int captureNode = -1;    ///< N of /dev/videoN, the metadata node has N+1; -1: none
@@ -39,9 +39,6 @@ public:
     FakeKernel() {
         running = this;
         device.onRequest = [this](const auto& request) { calls.push_back(wireText(request)); };
-        const CaptureIdentity identity{device.vendorID, device.productID, 0};
-        descriptors = deviceDescriptor(identity);
-        append(descriptors, configurationDescriptor(identity));
         g_signal_connect(m_handler, "handle-ioctl", G_CALLBACK(handle), this);
         unplug();
     }
@@ -52,16 +49,14 @@ public:
     FakeKernel& operator=(FakeKernel&&) = delete;
 
     void plug(const FakePlug& plug) {
-        const int bus = std::stoi(plug.name);
         const std::string name = plug.name.substr(plug.name.rfind('/') + 1);
         m_interface = "/sys/devices/" + plug.name + "/" + name + ":1.0";
-        add(QString("P: /devices/%1\nN: %2=%3\nH: descriptors=%3\nE: SUBSYSTEM=usb\n"
-                    "E: DEVTYPE=usb_device\nE: DEVNAME=/dev/%2\nE: MAJOR=189\nE: MINOR=%4\n"
-                    "A: dev=189:%4\nA: busnum=%5\nA: devnum=%4\nA: idVendor=%6\nA: idProduct=%7\n")
-                .arg(plug.name.c_str(), QString::asprintf("bus/usb/%03d/%03u", bus, plug.address),
-                    QByteArrayView(descriptors).toByteArray().toHex().toUpper())
+        add(QString("P: /devices/%1\nN: bus/usb/001/00%2=%3\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
+                    "E: DEVNAME=/dev/bus/usb/001/00%2\nE: MAJOR=189\nE: MINOR=%2\nA: dev=189:%2\n"
+                    "A: busnum=1\nA: devnum=%2\nA: idVendor=%4\nA: idProduct=%5\n")
+                .arg(plug.name.c_str())
                 .arg(plug.address)
-                .arg(bus)
+                .arg(descriptors().toHex().toUpper().data())
                 .arg(plug.vendor, 0, 16)
                 .arg(device.productID, 0, 16));
         add(QString("P: %1\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\nA: bInterfaceClass=0e\n"
@@ -100,9 +95,7 @@ public:
     static inline FakeKernel* running = nullptr; ///< the only one
     UMockdevTestbed* testbed = nullptr;          ///< for changes of single attributes
     SimulatedDevice device;                      ///< answers all requests
-    Bytes descriptors;                           ///< of the devices to plug in
     int openError = 0;                           ///< of opening any node, 0: success
-    mode_t nodeKind = S_IFCHR;                   ///< file type that fstat reports of a node
     dev_t numberShift = 0;                       ///< fstat's number of a node minus that in sysfs
     /// "claim 0", "release 0", "query /dev/video9", and requests as `wireText` writes them
     std::vector<std::string> calls;
@@ -110,6 +103,13 @@ public:
 private:
     /// Adds a folder to sysfs, as umockdev describes it.
     void add(const QString& folder) { umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr); }
+
+    [[nodiscard]] QByteArray descriptors() const {
+        const CaptureIdentity identity{device.vendorID, device.productID, 0};
+        Bytes all = deviceDescriptor(identity);
+        append(all, configurationDescriptor(identity));
+        return QByteArrayView(all).toByteArray();
+    }
 
     /// Runs in the testbed's thread while this process waits in ioctl, so that pointers are valid.
     static gboolean handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
@@ -139,10 +139,6 @@ private:
         case USBDEVFS_REAPURBNDELAY:
             *static_cast<usbdevfs_urb**>(argument) = m_done;
             return std::exchange(m_done, nullptr) ? 0 : -EAGAIN;
-        case USBDEVFS_DISCARDURB:
-            m_done = static_cast<usbdevfs_urb*>(argument);
-            m_done->status = -ENOENT;
-            return 0;
         case UVCIOC_CTRL_QUERY: return query(node, *static_cast<uvc_xu_control_query*>(argument));
         default: // detaching a driver, resetting the device, and all others
             ADD_FAILURE() << "ioctl " << request;
@@ -157,13 +153,12 @@ private:
         const UsbResult result = device.control(request);
         urb.status = result == UsbCode::Stall ? -EPIPE : 0;
         urb.actual_length = static_cast<int>(request.wLenDone);
-        if (result != UsbCode::TimeOut) m_done = &urb;
+        m_done = &urb;
         return 0;
     }
 
     long query(const std::string& node, const uvc_xu_control_query& query) {
         calls.push_back("query " + node);
-        if (query.unit != 3) return -ENOENT; // extension units only
         const Uvc::SetupPacket packet{
             static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)), query.query, 0,
             query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size), 0};

@@ -10,11 +10,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
-#include <utility>
 
 std::time_t hostTime() {
-    return std::exchange(TestHost::now, TestHost::now + TestHost::tick);
+    return TestHost::now;
 }
 
 void sleepForTimeInterval(double seconds) {
@@ -60,7 +58,6 @@ std::string endOf(const std::function<void()>& part) {
 
 void TestHost::reset() {
     now = 1'700'000'000;
-    tick = 0;
     failing.clear();
     journal.clear();
     ::setenv("TZ", "UTC", 1);
@@ -75,76 +72,59 @@ std::vector<std::string> TestHost::takeRequests() {
     return taken;
 }
 
-// The simulated bus with steps that fail.
+// The simulated bus, with steps that fail and closes that are recorded.
 
 namespace {
 
-UsbResult resultOf(const std::string& step, UsbResult simulated = UsbCode::Success) {
-    const auto failure = TestHost::failing.extract(step);
-    return failure ? failure.mapped() : simulated;
-}
-
-template <class Object>
-UsbOutcome<Object> outcomeOf(const std::string& step, std::unique_ptr<Object> object) {
-    if (const auto failure = TestHost::failing.extract(step)) return {failure.mapped(), nullptr};
-    return {UsbCode::Success, std::move(object)};
-}
-
-/// Service and plug-in: creates a `Wrapper` of the simulated object.
-template <class Object, class Wrapper>
-struct TestService : UsbService<Object>, UsbPlugIn<Object> {
-    explicit TestService(std::shared_ptr<UsbService<Object>> behind) : simulated(std::move(behind)) {}
-    UsbOutcome<UsbPlugIn<Object>> createPlugIn() override {
-        return outcomeOf<UsbPlugIn<Object>>(Wrapper::kName + " plug-in", std::make_unique<TestService>(simulated));
-    }
-    UsbResult release() override { return resultOf("release"); }
-    UsbOutcome<Object> QueryInterface() override {
-        auto object = std::make_unique<Wrapper>(simulated->createPlugIn().object->QueryInterface().object);
-        return outcomeOf<Object>(Wrapper::kName + " object", std::move(object));
-    }
-    std::shared_ptr<UsbService<Object>> simulated;
-};
-
-template <class Wrapper, class Object>
-UsbOutcome<UsbIterator<Object>> listOf(UsbIterator<Object>& simulated) {
-    auto list = std::make_unique<ChainIterator<Object>>();
-    while (auto each = simulated.next()) list->add(std::make_unique<TestService<Object, Wrapper>>(std::move(each)));
-    return outcomeOf<UsbIterator<Object>>(Wrapper::kName + "s", std::move(list));
+bool fails(const char* step) {
+    return TestHost::failing.erase(step) > 0;
 }
 
 struct TestInterface : UsbInterface {
-    inline static const std::string kName = "interface";
     explicit TestInterface(std::unique_ptr<UsbInterface> behind) : simulated(std::move(behind)) {}
-    UsbResult GetInterfaceNumber(std::uint8_t& number) override {
-        return resultOf("number", simulated->GetInterfaceNumber(number));
-    }
+    UsbResult GetInterfaceNumber(std::uint8_t& number) override { return simulated->GetInterfaceNumber(number); }
     UsbResult ControlRequest(UsbControlRequest& request) override { return simulated->ControlRequest(request); }
     UsbResult USBInterfaceClose() override {
         TestHost::note("close");
-        return resultOf("close");
+        return fails("close") ? UsbCode::NotFound : UsbCode::Success;
     }
     std::unique_ptr<UsbInterface> simulated;
 };
 
+/// Leads to a `Wrapper` of the simulated service's object, or to none if that step fails.
+template <class Object, class Wrapper>
+struct TestService : ChainService<Object> {
+    TestService(UsbService<Object>& simulated, const char* step)
+        : ChainService<Object>([plugIn = std::shared_ptr(simulated.createPlugIn().object), step] {
+              return fails(step) ? nullptr : std::make_unique<Wrapper>(plugIn->QueryInterface().object);
+          }) {}
+    UsbResult release() override { return fails("release") ? UsbCode::NotFound : UsbCode::Success; }
+};
+
 struct TestDevice : UsbDevice {
-    inline static const std::string kName = "device";
     explicit TestDevice(std::unique_ptr<UsbDevice> behind) : simulated(std::move(behind)) {}
-    UsbResult GetLocationID(std::uint32_t& location) override {
-        return resultOf("location", simulated->GetLocationID(location));
-    }
+    UsbResult GetLocationID(std::uint32_t& location) override { return simulated->GetLocationID(location); }
     UsbOutcome<UsbIterator<UsbInterface>> CreateInterfaceIterator(std::uint8_t type, std::uint8_t subType) override {
-        return listOf<TestInterface>(*simulated->CreateInterfaceIterator(type, subType).object);
+        using Service = TestService<UsbInterface, TestInterface>;
+        const auto found = simulated->CreateInterfaceIterator(type, subType).object;
+        auto list = std::make_unique<ChainIterator<UsbInterface>>();
+        while (const auto each = found->next()) list->add(std::make_unique<Service>(*each, "interface object"));
+        return {UsbCode::Success, std::move(list)};
     }
     std::unique_ptr<UsbDevice> simulated;
 };
 
 struct TestBus : UsbBus {
+    using Service = TestService<UsbDevice, TestDevice>;
     UsbOutcome<UsbService<UsbDevice>> firstService(std::uint32_t vendor, std::uint32_t product) override {
-        auto [result, service] = SimulatedBus::instance().firstService(vendor, product);
-        return {result, service ? std::make_unique<TestService<UsbDevice, TestDevice>>(std::move(service)) : nullptr};
+        const auto [result, found] = SimulatedBus::instance().firstService(vendor, product);
+        return {result, found ? std::make_unique<Service>(*found, "device object") : nullptr};
     }
     UsbOutcome<UsbIterator<UsbDevice>> allServices() override {
-        return listOf<TestDevice>(*SimulatedBus::instance().allServices().object);
+        const auto found = SimulatedBus::instance().allServices().object;
+        auto list = std::make_unique<ChainIterator<UsbDevice>>();
+        while (const auto each = found->next()) list->add(std::make_unique<Service>(*each, "device object"));
+        return {UsbCode::Success, std::move(list)};
     }
 };
 

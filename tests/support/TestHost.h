@@ -4,14 +4,13 @@
 
 #include <ctime>
 #include <functional>
-#include <map>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// The host of tests: its time advances by sleeps, which do not wait, and by `tick`. All events are recorded in one
-/// journal, in order:
+/// The host of tests: its time advances by sleeps, which do not wait. All events are recorded in one journal, in order:
 ///   "log TEXT"    a log message, its newline included
 ///   "sleep 1.0"   a sleep, in seconds
 ///   "close"       an interface is closed
@@ -19,10 +18,9 @@
 ///   "a1 81 00 0b 00 03 0d 00 | 00 5a"  a request, as `wireText` writes it
 struct TestHost {
     static inline std::time_t now;
-    static inline std::time_t tick; ///< seconds that pass after each reading of the time
-    /// The next USB step of each name has the result and no object: "devices", "device plug-in", "device object",
-    /// "location", "interfaces", "interface plug-in", "release", "interface object", "number" or "close".
-    static inline std::map<std::string, UsbResult> failing;
+    /// The next USB step of each name fails: "device object" and "interface object" give none, "release" and "close"
+    /// return `NotFound`.
+    static inline std::set<std::string> failing;
     static inline std::vector<std::string> journal;
 
     /// Resets all: UTC, an empty journal, and one device on the simulated bus whose clock is right.

@@ -1,5 +1,4 @@
-// Owns the search for the device, the standard controls, and numbers that the window never sends:
-// too long, too large, and clocks that are off by seconds.
+// Owns the search for the device, standard controls, numbers that no window sends.
 
 #include "TestHost.h"
 #include "VN318UvcController.h"
@@ -11,6 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::StartsWith;
@@ -38,77 +38,46 @@ protected:
 
 TEST_F(Device, IsFoundAmongOthers) {
     auto& devices = SimulatedBus::instance().devices;
-    while (devices.size() < 4) devices.push_back(std::make_shared<SimulatedDevice>());
+    while (devices.size() < 3) devices.push_back(std::make_shared<SimulatedDevice>());
     devices[0]->vendorID = kVendor + 1; // another product line, first on the bus
-    devices[2]->locationID = devices[3]->locationID = 0x02130000;
-    for (std::uint8_t i = 0; i < 4; ++i) devices[i]->status[0] = i;
-    EXPECT_TRUE(controller.initWithVendorID((std::int64_t{1} << 32) + kVendor, kProduct));
+    devices[1]->status[0] = 1;
+    devices[2]->status[0] = 2;
+    devices[2]->locationID = 0x02130000;
+    EXPECT_TRUE(controller.initWithVendorID(kVendor, kProduct));
     EXPECT_EQ(controller.getExtension(), 1);
-    TestHost::failing = {{"device object", UsbCode::Success}}; // of the first; the search goes on
     controller.initWithLocationID(0x02130000);
     EXPECT_EQ(controller.getExtension(), 2);
-    const std::string line = kError + "QueryInterface returned 0.\n";
-    EXPECT_THAT(TestHost::take(), ElementsAre("close", "close", line));
+    EXPECT_THAT(TestHost::take(), ElementsAre("close", "close"));
 }
 
-TEST_F(Device, EachStepFailsWithItsLine) {
-    const std::string plugIn = "IOCreatePlugInInterfaceForService returned ";
-    const std::string unable = "Unable to create a plug-in ";
-    const std::string couldNot = "Couldn’t create a device interface for the interface ";
-    const std::string silent = "No interface to send request"; // the line of the next request
-    const std::vector<std::tuple<const char*, UsbResult, std::string>> rows{
-        {"devices", UsbCode::InputOutput, silent},
-        {"devices", UsbCode::Success, silent},
-        {"device plug-in", UsbCode::Access, plugIn + "0xfffffffd."},
-        {"device plug-in", UsbCode::Success, plugIn + "0x00000000."},
-        {"device object", UsbCode::Busy, "QueryInterface returned -6.\n"},
-        {"location", UsbCode::InputOutput, silent},
-        {"interfaces", UsbCode::InputOutput, silent},
-        {"interfaces", UsbCode::Success, silent},
-        {"interface plug-in", UsbCode::Access, unable + "(00000000)\n"},
-        {"release", UsbCode::Stall, unable + "(fffffff7)\n"},
-        {"interface object", UsbCode::NoDevice, couldNot + "(fffffffc)"},
-        {"interface object", UsbCode::Success, couldNot + "(00000000)"},
-    };
-    for (const auto& [step, result, line] : rows) {
-        SCOPED_TRACE(step);
-        controller.initWithLocationID(device().locationID);
-        EXPECT_EQ(controller.getExtension(), 0x51);
-        TestHost::take();
-        TestHost::failing = {{step, result}};
+TEST_F(Device, FailedStepsOfTheSearchAreLogged) {
+    for (const auto& [step, line] : {
+             std::pair("device object", "QueryInterface returned 0.\n"),
+             {"release", "Unable to create a plug-in (fffffffb)\n"},
+             {"interface object", "Couldn’t create a device interface for the interface (00000000)"},
+         }) {
+        TestHost::failing = {step};
         controller.initWithLocationID(device().locationID);
         EXPECT_EQ(controller.getExtension(), 0);
-        const std::vector<std::string> journal = TestHost::take();
-        EXPECT_EQ(journal.at(0), "close");
-        EXPECT_EQ(journal.at(1), kError + line);
+        EXPECT_THAT(TestHost::take(), Contains(kError + line));
     }
 }
 
 TEST_F(Device, InterfaceNumberNeverReachesTheWire) {
     device().videoControlInterface = 2;
-    TestHost::failing = {{"close", UsbCode::NotFound}};
-    EXPECT_EQ(controller.getExtension(), 0); // the device listens on 2, the request says 0
-    const auto service = usbBus().firstService(kVendor, kProduct).object;
-    const auto object = service->createPlugIn().object->QueryInterface().object;
-    const auto interface = controller.getControlInferaceWithDeviceInterface(*object);
-    EXPECT_EQ(controller.getInterfaceNumberFromInterface(*interface), 0);
-    TestHost::failing = {{"number", UsbCode::NoDevice}};
-    EXPECT_EQ(controller.getInterfaceNumberFromInterface(*interface), 0);
-    EXPECT_THAT(TestHost::take(),
-        ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9", "close",
-            kError + "Control request failed: fffffffb", // the result of the close
-            "log Unable to get interface number (0xfffffffc)\n"));
+    TestHost::failing = {"close"};
+    EXPECT_EQ(controller.getExtension(), 0);                              // the device listens on 2, the request says 0
+    const std::string line = kError + "Control request failed: fffffffb"; // the result of the close
+    EXPECT_THAT(TestHost::take(), ElementsAre("a1 81 00 0a 00 03 04 00 | ! -9", "close", line));
 }
 
 TEST_F(Device, LengthsThatDoNotFitAreRefusedSilently) {
-    std::vector<std::uint8_t> block(0x20000);
-    for (const auto& [length, size] : {std::pair(-1, 7U), {8, 7U}, {0x10007, 0x20000U}}) {
-        const auto data = std::span(block).first(size);
-        EXPECT_FALSE(controller.getDataFor(UVCRequest::GET_CUR, length, 13, 3, data)) << length;
-        EXPECT_FALSE(controller.SetData2(data, length, 13, 3)) << length;
-        EXPECT_FALSE(controller.setData(1, length == 8 ? 9 : length, 13, 3)) << length;
+    std::array<std::uint8_t, 7> block{};
+    for (const int length : {-1, 9}) {
+        EXPECT_FALSE(controller.getDataFor(UVCRequest::GET_CUR, length, 13, 3, block));
+        EXPECT_FALSE(controller.SetData2(block, length, 13, 3));
+        EXPECT_FALSE(controller.setData(1, length, 13, 3));
     }
-    EXPECT_EQ(controller.getRangeForControl({3, 13, 0x10007}).max, 0);
     EXPECT_THAT(TestHost::take(), testing::IsEmpty());
 }
 
@@ -125,21 +94,19 @@ TEST_F(Device, StandardControlsHaveTheirAddressesAndScales) {
         {" 00 0a 00 02 02 00 |", &C::setWhiteBalance, &C::getWhiteBalance, 1},
     };
     for (const auto& [address, set, get, one] : rows) {
-        const auto minimum = "a1 82" + address + " ! -9"; // so that the range is 0 to 1
-        const auto maximum = StartsWith("a1 83" + address);
-        const auto written = StartsWith("21 01" + address + (one == 1 ? " 01 00" : " 00 00"));
-        refuse(UVCRequest::GET_MIN);
+        refuse(UVCRequest::GET_MIN); // so that the range is 0 to 1
         EXPECT_TRUE((controller.*set)(1));
-        EXPECT_THAT(TestHost::takeRequests(), ElementsAre(minimum, maximum, written));
         refuse(UVCRequest::GET_MIN);
         EXPECT_EQ((controller.*get)(), one);
+        const auto minimum = "a1 82" + address + " ! -9";
+        const auto maximum = StartsWith("a1 83" + address);
+        const auto written = StartsWith("21 01" + address + (one == 1 ? " 01 00" : " 00 00"));
         const auto read = StartsWith("a1 81" + address);
-        EXPECT_THAT(TestHost::takeRequests(), ElementsAre(minimum, maximum, read));
+        EXPECT_THAT(TestHost::takeRequests(), ElementsAre(minimum, maximum, written, minimum, maximum, read));
     }
 }
 
-TEST_F(Device, ModesAndLongNumbersOnTheWire) {
-    EXPECT_FALSE(controller.setData(-2, 8, 4, 1)); // a length that the device refuses
+TEST_F(Device, AutomaticModesOnTheWire) {
     EXPECT_TRUE(controller.setAutoExposure(true));
     EXPECT_TRUE(controller.setAutoExposure(false));
     EXPECT_TRUE(controller.setAutoWhiteBalance(true));
@@ -147,7 +114,6 @@ TEST_F(Device, ModesAndLongNumbersOnTheWire) {
     EXPECT_FALSE(controller.getAutoExposure());
     EXPECT_TRUE(controller.getAutoWhiteBalance()); // the device's setting is 0 now
     const std::vector<std::string> requests{
-        "21 01 00 04 00 01 08 00 | fe ff ff ff ff ff ff ff ! -9",
         "21 01 00 02 00 01 01 00 | 08",
         "21 01 00 02 00 01 01 00 | 01",
         "21 01 00 0b 00 02 01 00 | 01",
@@ -156,32 +122,19 @@ TEST_F(Device, ModesAndLongNumbersOnTheWire) {
         "a1 81 00 0b 00 02 01 00 | 00",
     };
     EXPECT_EQ(TestHost::takeRequests(), requests);
-    device().unplug();
-    EXPECT_FALSE(controller.getAutoWhiteBalance());
 }
 
 TEST_F(Device, ScalesInSinglePrecisionAndTruncates) {
-    EXPECT_EQ(controller.mapValue(3, 1, 5, 0, 1), 0.5F);
     EXPECT_EQ(controller.mapValue(1, 0, 3, 3, 8), 4.66666698F); // else ...51
-    const UVCControlInfo exposure{1, 4, 4};
     for (const auto& [value, bytes] : {
              std::pair(0x1p31F, "| ff ff ff 7f"),
-             {-0x1p32F, "| 00 00 00 80"},
              {-2.9F, "| fe ff ff ff"},
              {NAN, "| 00 00 00 00"},
          }) {
         refuse(UVCRequest::GET_MIN);
-        EXPECT_TRUE(controller.setValue(value, exposure));
+        EXPECT_TRUE(controller.setValue(value, uvc_controls.exposure));
         EXPECT_THAT(TestHost::takeRequests().back(), EndsWith(bytes));
     }
-    // The range of a device that answers is 1 to 1.
-    EXPECT_TRUE(controller.setValue(0, exposure));
-    EXPECT_THAT(TestHost::takeRequests().back(), EndsWith("| 01 00 00 00"));
-    EXPECT_TRUE(std::isnan(controller.getValueForControl(exposure)));
-    EXPECT_TRUE(std::isinf(controller.getValueForControl({3, 12, 26}))); // without a range
-    refuse(UVCRequest::GET_MIN);
-    refuse(UVCRequest::GET_CUR);
-    EXPECT_EQ(controller.getValueForControl(exposure), 0);
 }
 
 TEST_F(Device, OnlyTheLowBitsOfANumberAreStored) {
@@ -189,8 +142,6 @@ TEST_F(Device, OnlyTheLowBitsOfANumberAreStored) {
     EXPECT_EQ(device().audio[2], 44);
     EXPECT_TRUE(controller.SetBitRate(17, 34));
     EXPECT_EQ(device().settings[8], 0x12);
-    EXPECT_TRUE(controller.SetHdcpState(257));
-    EXPECT_EQ(device().settings[9], 1);
     EXPECT_FALSE(controller.SetHdcpState(2)); // refused without a log line
     EXPECT_EQ(TestHost::take().back(), "log new HDCP state value : 2 \n");
 }
@@ -201,32 +152,26 @@ TEST_F(Device, FailuresClearNumbersAndKeepTheRecord) {
     EXPECT_FALSE(controller.GetAuxVolume(number));
     EXPECT_EQ(number, 0);
     EXPECT_EQ(TestHost::take().back(), "log getExtension_GetHdmiVolume..getData Fail! \n"); // sic
-    EXPECT_TRUE(controller.GetAuxVolume(number));
-    EXPECT_EQ(number, 200);
     FirmwareVersionRecord record{77};
     refuse(UVCRequest::GET_CUR);
     EXPECT_FALSE(controller.GetFwVersion(record));
     EXPECT_EQ(record[0], 77);
 }
 
-constexpr std::time_t kYearsEnd = 1'735'689'599;     // 2024-12-31 23:59:59 UTC
-constexpr std::time_t kBerlinSummer = 1'720'000'000; // 2024-07-03 11:46:40, daylight saving
-constexpr std::time_t kBerlinWinter = 1'704'500'000; // 2024-01-06 01:13:20
-
 TEST_F(Device, ClockIsSetWhenMoreThanTwoSecondsApart) {
+    constexpr std::time_t kNewYear = 1'735'689'600; // 2025-01-01 00:00:00 UTC
+    constexpr std::time_t kSummer = 1'720'000'000;  // 2024-07-03 11:46:40 in Berlin, daylight saving
+    const std::string isSet = "log [Get NEW time]Time : ";
+    using Calendar = std::array<std::uint8_t, 6>;
     /// Time zone, the host's time, the device's clock, and the last line: the difference in
     /// seconds, or the device's clock a second after it was set
-    const std::string isSet = "[Get NEW time]Time : ";
-    using Calendar = std::array<std::uint8_t, 6>;
     const std::vector<std::tuple<const char*, std::time_t, Calendar, std::string>> rows{
-        {"UTC", kYearsEnd, {25, 1, 1, 0, 0, 1}, "TimeInterval = 2.000000\n"},
-        {"UTC", kYearsEnd, {25, 1, 1, 0, 0, 2}, isSet + "25-01-01 00:00:00 \n"},
-        {"UTC", kYearsEnd + 1, {24, 12, 31, 23, 59, 58}, "TimeInterval = -2.000000\n"},
-        {"UTC", kYearsEnd - 1, {24, 12, 31, 23, 59, 55}, isSet + "24-12-31 23:59:59 \n"},
-        {"Europe/Berlin", kBerlinWinter, {24, 1, 6, 1, 13, 18}, "TimeInterval = -2.000000\n"},
+        {"UTC", kNewYear, {25, 1, 1, 0, 0, 2}, "log TimeInterval = 2.000000\n"},
+        {"UTC", kNewYear, {25, 1, 1, 0, 0, 3}, isSet + "25-01-01 00:00:01 \n"},
+        {"UTC", kNewYear, {24, 12, 31, 23, 59, 57}, isSet + "25-01-01 00:00:01 \n"},
         // In daylight saving the device's calendar is taken for standard time.
-        {"Europe/Berlin", kBerlinSummer, {24, 7, 3, 10, 46, 42}, "TimeInterval = 2.000000\n"},
-        {"Europe/Berlin", kBerlinSummer, {24, 7, 3, 11, 46, 40}, isSet + "24-07-03 11:46:41 \n"},
+        {"Europe/Berlin", kSummer, {24, 7, 3, 10, 46, 38}, "log TimeInterval = -2.000000\n"},
+        {"Europe/Berlin", kSummer, {24, 7, 3, 11, 46, 40}, isSet + "24-07-03 11:46:41 \n"},
     };
     for (const auto& [zone, host, deviceClock, last] : rows) {
         SCOPED_TRACE(testing::PrintToString(deviceClock));
@@ -234,12 +179,8 @@ TEST_F(Device, ClockIsSetWhenMoreThanTwoSecondsApart) {
         TestHost::now = host;
         device().setClock(deviceClock);
         EXPECT_TRUE(controller.SyncRtc());
-        EXPECT_EQ(TestHost::take().back(), "log " + last);
+        EXPECT_EQ(TestHost::take().back(), last);
     }
-    // The host's time is read three times: for the device's answer, to compare, and to write.
-    TestHost::tick = 1;
-    EXPECT_TRUE(controller.SyncRtc());
-    EXPECT_THAT(TestHost::takeRequests()[1], testing::HasSubstr(" | 02 5a 18 07 03 0b 2e 2b "));
 }
 
 } // namespace
