@@ -24,7 +24,7 @@
 
 /// A device on the fake kernel's bus, as sysfs shows it. Its interface 0 is for VideoControl.
 struct FakePlug {
-    std::string name = "1-1"; ///< on bus 1, as in sysfs, below its hub: "1-2/1-2.3"
+    std::string name = "1-1"; ///< bus and ports, as in sysfs; the bus is 1
     unsigned address = 2;     ///< 1 to 9, no other device may have it
     std::uint16_t vendor = TAVRO_USB_VENDOR_ID;
     std::string driver = {}; ///< bound to the interface, empty: none
@@ -49,19 +49,21 @@ public:
     FakeKernel& operator=(FakeKernel&&) = delete;
 
     void plug(const FakePlug& plug) {
-        const std::string name = plug.name.substr(plug.name.rfind('/') + 1);
-        m_interface = "/sys/devices/" + plug.name + "/" + name + ":1.0";
-        add(QString("P: /devices/%1\nN: bus/usb/001/00%2=%3\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\n"
-                    "E: DEVNAME=/dev/bus/usb/001/00%2\nE: MAJOR=189\nE: MINOR=%2\nA: dev=189:%2\n"
-                    "A: busnum=1\nA: devnum=%2\nA: idVendor=%4\nA: idProduct=%5\n")
+        m_interface = "/sys/devices/" + plug.name + "/" + plug.name + ":1.0";
+        const CaptureIdentity identity{device.vendorID, device.productID, 0};
+        Bytes descriptors = deviceDescriptor(identity);
+        append(descriptors, configurationDescriptor(identity));
+        add(QString("P: /devices/%1\nN: bus/usb/001/00%2=%3\nE: SUBSYSTEM=usb\n"
+                    "E: DEVTYPE=usb_device\nE: DEVNAME=/dev/bus/usb/001/00%2\n"
+                    "E: MAJOR=189\nE: MINOR=%2\nA: dev=189:%2\n"
+                    "A: busnum=1\nA: devnum=%2\nA: idVendor=%4\nA: idProduct=%5\n\n"
+                    "P: /devices/%1/%1:1.0\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\n"
+                    "A: bInterfaceClass=0e\nA: bInterfaceSubClass=01\n")
                 .arg(plug.name.c_str())
                 .arg(plug.address)
-                .arg(descriptors().toHex().toUpper().data())
+                .arg(QByteArrayView(descriptors).toByteArray().toHex().toUpper().data())
                 .arg(plug.vendor, 0, 16)
                 .arg(device.productID, 0, 16));
-        add(QString("P: %1\nE: SUBSYSTEM=usb\nA: bInterfaceNumber=00\nA: bInterfaceClass=0e\n"
-                    "A: bInterfaceSubClass=01\n")
-                .arg(m_interface.c_str() + 4));
         bind(plug);
     }
 
@@ -82,7 +84,7 @@ public:
                 umockdev_testbed_remove_device(testbed, entry.path().c_str());
         if (!plug.driver.empty())
             umockdev_testbed_set_attribute_link(
-                testbed, m_interface.c_str(), "driver", ("../../../../bus/usb/drivers/" + plug.driver).c_str());
+                testbed, m_interface.c_str(), "driver", ("../drivers/" + plug.driver).c_str());
         for (int index = 0; plug.captureNode >= 0 && index < 2; ++index) // 1 has metadata
             add(QString("P: %1/video%2\nN: video%2=00\nE: SUBSYSTEM=video4linux\n"
                         "E: DEVNAME=/dev/video%2\nE: MAJOR=81\nE: MINOR=%2\n"
@@ -104,13 +106,6 @@ private:
     /// Adds a folder to sysfs, as umockdev describes it.
     void add(const QString& folder) { umockdev_testbed_add_from_string(testbed, qPrintable(folder), nullptr); }
 
-    [[nodiscard]] QByteArray descriptors() const {
-        const CaptureIdentity identity{device.vendorID, device.productID, 0};
-        Bytes all = deviceDescriptor(identity);
-        append(all, configurationDescriptor(identity));
-        return QByteArrayView(all).toByteArray();
-    }
-
     /// Runs in the testbed's thread while this process waits in ioctl, so that pointers are valid.
     static gboolean handle(UMockdevIoctlBase* /*base*/, UMockdevIoctlClient* client, FakeKernel* self) {
         void* const argument = *reinterpret_cast<void**>(umockdev_ioctl_client_get_arg(client)->data);
@@ -131,10 +126,10 @@ private:
             return 1;
         case USBDEVFS_CLAIMINTERFACE:
             calls.push_back("claim " + std::to_string(*static_cast<unsigned*>(argument)));
-            return std::filesystem::is_symlink(m_interface + "/driver") || std::exchange(m_claimed, true) ? -EBUSY : 0;
+            return std::filesystem::is_symlink(m_interface + "/driver") ? -EBUSY : 0;
         case USBDEVFS_RELEASEINTERFACE:
             calls.push_back("release " + std::to_string(*static_cast<unsigned*>(argument)));
-            return std::exchange(m_claimed, false) ? 0 : -EINVAL;
+            return 0;
         case USBDEVFS_SUBMITURB: return submit(*static_cast<usbdevfs_urb*>(argument));
         case USBDEVFS_REAPURBNDELAY:
             *static_cast<usbdevfs_urb**>(argument) = m_done;
@@ -147,7 +142,6 @@ private:
     }
 
     long submit(usbdevfs_urb& urb) {
-        EXPECT_TRUE(m_claimed);
         auto* const bytes = static_cast<std::uint8_t*>(urb.buffer);
         UsbControlRequest request = Uvc::requestOf(std::span<std::uint8_t, 8>(bytes, 8), bytes + 8);
         const UsbResult result = device.control(request);
@@ -159,17 +153,16 @@ private:
 
     long query(const std::string& node, const uvc_xu_control_query& query) {
         calls.push_back("query " + node);
-        const Uvc::SetupPacket packet{
-            static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost)), query.query, 0,
-            query.selector, 0, query.unit, static_cast<std::uint8_t>(query.size), 0};
+        const auto type = static_cast<std::uint8_t>(Uvc::kSetToInterface | (query.query & kUsbDeviceToHost));
+        const auto size = static_cast<std::uint8_t>(query.size);
+        const Uvc::SetupPacket packet{type, query.query, 0, query.selector, 0, query.unit, size, 0};
         UsbControlRequest request = Uvc::requestOf(packet, query.data);
         const UsbResult result = device.control(request);
         if (result == UsbCode::Success) return 0;
-        return result == UsbCode::InputOutput ? request.wLenDone : -EPIPE; // a short answer; any other refusal
+        return result == UsbCode::InputOutput ? request.wLenDone : -EPIPE; // a short answer, a refusal
     }
 
     UMockdevIoctlBase* m_handler = umockdev_ioctl_base_new();
     std::string m_interface;        ///< sysfs path, of the device that was plugged in last
-    bool m_claimed = false;         ///< by the program
     usbdevfs_urb* m_done = nullptr; ///< the transfer that can be reaped
 };
