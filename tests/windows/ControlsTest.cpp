@@ -1,4 +1,4 @@
-// Owns misplaced drawing: a part of a control drawn or grabbed elsewhere than its geometry says, or a title in wrong
+// Owns misplaced drawing: a part of a control drawn elsewhere than its geometry says, or a title in wrong
 // colours.
 
 #include "CustomSliderCell.h"
@@ -6,10 +6,6 @@
 #include "WindowTest.h"
 
 namespace {
-
-/// Drawn parts and the area where a knob is grabbed must not grow with the fonts.
-const bool kFontsAreLarge = qputenv("QT_FONT_DPI", "144");
-const bool kPixelsAreNot = qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
 
 constexpr int kWidth = 206; // of each slider, whose bar is 200 wide
 constexpr int kScale = 4;
@@ -66,10 +62,7 @@ class ControlsTest : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase() {
-        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, false); // Qt Test sets it
-        setUpApplication(*qApp);
-    }
+    void initTestCase() { setUpApplication(*qApp); }
     void init() { TestHost::reset(); }
 
     void ticksFitTheBar() {
@@ -97,22 +90,6 @@ private slots:
         QVERIFY(isClose(boundsOf(popUp, popUp.rect(), isRed), {0, 0, kPopUpWidth, kPopUpHeight}));
         QVERIFY(isClose(boundsOf(popUp, {130, 2, 12, 24}, isRed), {kDividerX - 0.5, 2, 1, 24}));
         CustomPopUpButton::Line(nullptr, 0, 0, 1, 1); // draws nothing
-    }
-
-    void theKnobIsGrabbedWhereItIsDrawn() {
-        Slider slider(100);
-        const QRect knob = slider.knob();
-        const auto grabs = [&](QPoint point) {
-            slider.setValue(100);
-            QTest::mousePress(&slider, Qt::LeftButton, {}, point);
-            const bool isGrabbed = slider.isSliderDown();
-            QTest::mouseRelease(&slider, Qt::LeftButton, {}, point);
-            return isGrabbed;
-        };
-        QVERIFY(grabs(knob.topLeft()));
-        QVERIFY(grabs(knob.bottomRight()));
-        QVERIFY(!grabs(knob.topLeft() - QPoint(1, 0)));
-        QVERIFY(!grabs(knob.bottomRight() + QPoint(1, 0)));
     }
 
     void itemsOfADescriptionAreBlack() {

@@ -123,19 +123,16 @@ Place fromFace(const QString& name, QPoint offset) {
     return {name, [=](Chooser& chooser) { return chooser.centre() + offset; }};
 }
 
-bool isHurried() {
-    return QApplication::doubleClickInterval() > 0;
-}
-
 /// A release within the double-click interval of the press that opened the list chooses nothing, and a press that does
 /// not move only opens it, however long it lasts.
 void dragSafely(Chooser& chooser, const Place& from, const Place& to, const std::function<void(Chooser&)>& drag) {
+    const bool isHurried = QApplication::doubleClickInterval() > 0;
     const bool opens = !chooser.isOpen() && from.name == face().name;
     const bool isRowOverFace = to.name == row(std::max(chooser.current(), 0)).name;
-    if (opens && (isHurried() || to.name == from.name || isRowOverFace)) {
+    if (opens && (isHurried || to.name == from.name || isRowOverFace)) {
         type(chooser, Qt::Key_Space);
         mouse(chooser, QTest::MouseMove, to.at(chooser));
-        chooser.isOpenedByHurriedPress = isHurried();
+        chooser.isOpenedByHurriedPress = isHurried;
     } else if (chooser.isOpenedByHurriedPress && from.name != "beside") {
         mouse(chooser, QTest::MouseMove, from.at(chooser));
         mouse(chooser, QTest::MouseMove, to.at(chooser));
@@ -144,29 +141,18 @@ void dragSafely(Chooser& chooser, const Place& from, const Place& to, const std:
     }
 }
 
-Hand drag(const Place& from, const Place& to) {
+Hand drag(const Place& from, const Place& to, Qt::MouseButton button = Qt::LeftButton) {
     const auto act = [=](Chooser& chooser) {
-        mouse(chooser, QTest::MousePress, from.at(chooser));
+        mouse(chooser, QTest::MousePress, from.at(chooser), button);
         mouse(chooser, QTest::MouseMove, to.at(chooser));
-        mouse(chooser, QTest::MouseRelease, to.at(chooser));
+        mouse(chooser, QTest::MouseRelease, to.at(chooser), button);
     };
-    return {"press on " + from.name + ", release on " + to.name, act,
+    return {QString("press button %1 on %2, release on %3").arg(button).arg(from.name, to.name), act,
         [=](Chooser& chooser) { dragSafely(chooser, from, to, act); }};
 }
 
 Hand click(const Place& place) {
     return drag(place, place);
-}
-
-Hand doubleClick(const Place& place) {
-    return {"double click on " + place.name,
-        [=](Chooser& chooser) { mouse(chooser, QTest::MouseDClick, place.at(chooser)); }};
-}
-
-Hand rightClick(const Place& place) {
-    const auto act = [=](Chooser& chooser) { mouse(chooser, QTest::MouseClick, place.at(chooser), Qt::RightButton); };
-    if (place.name == face().name) return {"right click on the face", act};
-    return {"right click on " + place.name, act, [=](Chooser& chooser) { dragSafely(chooser, place, place, act); }};
 }
 
 Hand pressEscapeRelease(const Place& place) {
@@ -280,17 +266,21 @@ private slots:
         const QList<Place> places{row(0), row(1), row(2), fromFace("beside", {-150, 100})};
         for (const Hand& opening : {kOpen, click(face())}) {
             for (const Place& from : places) {
-                compare({opening, rightClick(from), kReturn});
+                compare({opening, drag(from, from, Qt::RightButton), kReturn});
                 compare({opening, pressEscapeRelease(from), click(face())});
                 for (const Place& to : places) compare({opening, drag(from, to), kReturn});
             }
             compare({opening, wheel(), kReturn});
         }
         for (const Place& to : places) compare({drag(face(), to), kReturn});
-        compare({wheel(), rightClick(face()), kReturn});
+        const auto clickRight = [](Chooser& chooser) {
+            mouse(chooser, QTest::MouseClick, chooser.centre(), Qt::RightButton);
+        };
+        compare({wheel(), {"right click", clickRight}, kReturn});
     }
     void aHurriedMouse() {
-        compare({doubleClick(face()), kReturn});
+        const auto doubleClick = [](Chooser& chooser) { mouse(chooser, QTest::MouseDClick, chooser.centre()); };
+        compare({{"double click", doubleClick}, kReturn});
         compare({drag(face(), fromFace("12 pixels below", {0, 12})), click(face())});
         compare({drag(face(), fromFace("22 pixels below", {0, 22})), click(face())});
     }
