@@ -36,6 +36,7 @@ void PopUpMenu::open(QAction* active, std::optional<quint64> pressedAt) {
     m_openedByPress = pressedAt;
     m_pressed = false;
     popup(m_face.mapToGlobal(QPoint(0, -1)), active);
+    setFocus(Qt::PopupFocusReason); // so that the face gets it back, which a screen reader says
     setActiveAction(active);
 }
 

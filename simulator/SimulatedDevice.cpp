@@ -48,6 +48,10 @@ std::uint32_t valueFor(UVCRequest request, const SimulatedControl& control) {
     }
 }
 
+std::uint8_t garbled(std::uint8_t byte) {
+    return byte ^ 0xA5U;
+}
+
 bool isSettable(std::uint8_t selector) {
     return selector == Settings || selector == Audio;
 }
@@ -120,8 +124,7 @@ UsbResult SimulatedDevice::resultOf(UsbControlRequest& request, std::optional<Re
         request.wLenDone /= 2;
         return UsbCode::InputOutput;
     }
-    if (fault == RequestFault::Garbage)
-        for (std::uint8_t& byte : bytes) byte ^= 0xA5;
+    if (fault == RequestFault::Garbage) std::ranges::transform(bytes, bytes.begin(), garbled);
     std::ranges::copy(bytes, request.pData);
     return UsbCode::Success;
 }

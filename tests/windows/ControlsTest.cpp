@@ -99,6 +99,14 @@ private slots:
         QCOMPARE(popUp.attributedTitle(0).colorAt(0), QColor(Qt::black));
     }
 
+    void aMnemonicIsUnderlinedInsteadOfMarked() {
+        const AttributedString title = createAttributedString("O&ff", Qt::white, "", Qt::red);
+        const AttributedString shown = withoutMnemonicMark(title, true);
+        QCOMPARE(shown.string, "Off");
+        QCOMPARE(unitsOf(shown, Qt::white), "Off");
+        QCOMPARE(shown.formats.last().start, 1);
+    }
+
     void titlesAreWhiteAndRedInPart_data() {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("part");

@@ -22,7 +22,8 @@ QWidget& focused() {
 }
 
 QMenu& menu() {
-    return *dynamic_cast<CustomPopUpButton&>(focused()).menu();
+    auto* open = qobject_cast<QMenu*>(&focused());
+    return open ? *open : *dynamic_cast<CustomPopUpButton&>(focused()).menu();
 }
 
 Act press(const QList<QKeyCombination>& keys) {
@@ -141,7 +142,9 @@ private slots:
         TestHost::take();
         settings.view().viewDidLoad();
         QCOMPARE(TestHost::take().front(), "close"); // the device, before it is opened again
-        QCOMPARE(settings.control<CustomPopUpButton>(kPopUp).itemTitles().size(), 3);
+        const auto& popUp = settings.control<CustomPopUpButton>(kPopUp);
+        QCOMPARE(popUp.itemTitles().size(), 3);
+        QVERIFY(popUp.arrowPosition() == CustomPopUpButton::ArrowPosition::None);
         QCOMPARE(settings.control<AttributedRadioButton>(kOff).attributedTitle().colorAt(0), kLight);
         QCOMPARE(settings.control<QRadioButton>(kOff).text(), "O&ff"); // with its mnemonic
     }

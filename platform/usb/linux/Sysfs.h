@@ -71,8 +71,8 @@ inline std::vector<std::string> foldersWith(
     (void)udev_enumerate_add_match_sysattr(enumerate.get(), attribute, nullptr);
     if (parent) (void)udev_enumerate_add_match_parent(enumerate.get(), parent);
     (void)udev_enumerate_scan_devices(enumerate.get());
-    udev_list_entry* entry = nullptr;
-    udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate.get()))
+    for (auto* entry = udev_enumerate_get_list_entry(enumerate.get()); entry != nullptr;
+         entry = udev_list_entry_get_next(entry))
         found.emplace_back(udev_list_entry_get_name(entry));
     return found;
 }
