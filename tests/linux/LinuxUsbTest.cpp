@@ -110,6 +110,12 @@ TEST_P(BothTransports, AFailedRequestLeavesTheNodeOpenAndTheBufferAsItWas) {
     }
 }
 
+TEST_F(LinuxUsb, AnEmptyAnswerIsAFailure) {
+    plugIn(kDirect);
+    kernel.device.addFault({}, 1, RequestFault::ShortData); // half of one byte
+    EXPECT_EQ(send({0xA1, 0x86, 0, 13, 0, 3, 1, 0}), UsbCode::InputOutput);
+}
+
 TEST_P(BothTransports, AfterARePlugNoDeviceOnThePortIsUsed) {
     plugIn(plug);
     EXPECT_EQ(get(), UsbCode::Success);

@@ -20,7 +20,7 @@ extern "C" int __wrap_connect(int /*file*/, const sockaddr* /*address*/, socklen
 
 TEST(Log, OneLinePerMessageAndNoneIntoTheJournal) {
     testing::internal::CaptureStderr();
-    systemLog("%d\nlines\n\n", 2);
+    systemLog("%d\nlines\n\n\n", 2);
     struct stat file {};
     ASSERT_EQ(::fstat(STDERR_FILENO, &file), 0);
     const std::string journal = std::to_string(file.st_dev) + ':' + std::to_string(file.st_ino);

@@ -22,6 +22,10 @@ bool isLight(QColor color) {
     return qGray(color.rgb()) > 100 && color.saturation() < 60;
 }
 
+bool isDark(QColor color) {
+    return qGray(color.rgb()) < 100;
+}
+
 /// The bounds of an area's pixels of a colour, in logical pixels.
 QRectF boundsOf(const QWidget& control, QRect area, IsPart isPart) {
     const QImage image = rendered(control, kScale, area);
@@ -90,6 +94,28 @@ private slots:
         QVERIFY(isClose(boundsOf(popUp, popUp.rect(), isRed), {0, 0, kPopUpWidth, kPopUpHeight}));
         QVERIFY(isClose(boundsOf(popUp, {130, 2, 12, 24}, isRed), {kDividerX - 0.5, 2, 1, 24}));
         CustomPopUpButton::Line(nullptr, 0, 0, 1, 1); // draws nothing
+    }
+
+    void theValueIsShownUnderThePointer() {
+        Slider slider(100);
+        const QRect aboveTheKnob(0, 0, kWidth, 19);
+        QVERIFY(boundsOf(slider, aboveTheKnob, isLight).isEmpty());
+        slider.setAttribute(Qt::WA_UnderMouse);
+        QVERIFY(!boundsOf(slider, aboveTheKnob, isLight).isEmpty());
+    }
+
+    void levelsAreShownOnTheFaceAndInTheMenu() {
+        const SettingsWindow settings;
+        auto& popUp = settings.control<CustomPopUpButton>("PopupRecordQuality");
+        QVERIFY(!boundsOf(popUp, {12, 4, 100, 20}, isLight).isEmpty());
+        popUp.showMenu();
+        QMenu& menu = *popUp.menu();
+        const auto row = [&](int index) { return menu.actionGeometry(menu.actions()[index]); };
+        QVERIFY(!boundsOf(menu, row(0), isDark).isEmpty());
+        const auto ground = [&](int index) { return rendered(menu, 1, row(index)).pixel(1, 1); };
+        QCOMPARE(ground(0), ground(2));
+        QVERIFY(ground(0) != ground(1)); // the active one
+        menu.hide();
     }
 
     void itemsOfADescriptionAreBlack() {

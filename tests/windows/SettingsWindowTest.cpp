@@ -195,6 +195,7 @@ private slots:
         add("assistive technology selects a button", kOn, doOnControl(toggleAction), 1, "HDCP 1");
         add("a held mnemonic is one press", kHeadphone, hold(Qt::ALT | Qt::Key_N), 1, "HDCP 1");
         add("the selected button's mnemonic writes", kBoth, press({Qt::ALT | Qt::Key_F}), 1, "HDCP 0");
+        add("a mnemonic moves the focus", kBoth, press({Qt::ALT | Qt::Key_N, Qt::Key_Right}), 2, "HDCP 0");
         add("Tab goes to the selected button", kBoth, press({Qt::Key_Tab, Qt::Key_Left}), 1, "HDCP 1");
         add("an arrow chooses a level", kPopUp, press({Qt::Key_Down}), 1, "H.264 2");
         add("Return chooses again", kPopUp, press({Qt::Key_Space, Qt::Key_Return}), 1, "H.264 1");
