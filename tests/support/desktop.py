@@ -11,9 +11,11 @@ import sys
 import tempfile
 import time
 
-# The program's own log lines; other lines on standard error are a fault.
+# Log lines of the program, and of its toolkit at the end of the display; others on standard error
+# are a fault.
 OWN_LINES = re.compile(r"(call camera CreateInstance|\[(Get|Set)|(get|set)Extension_|new |"
-                       r"CameraControl Error:|TimeInterval = -?\d+\.\d{6}$)")
+                       r"CameraControl Error:|TimeInterval = -?\d+\.\d{6}$|"
+                       r"The (X11|Wayland) connection broke)")
 
 TIMEOUT = 300  # seconds, which a failure takes; programs in an emulated guest are slow under load
 
