@@ -47,7 +47,7 @@ int PopUpMenu::rowFor(const QKeyEvent& event, int from, int page) {
     case Qt::Key_Down: return std::min(from + 1, last);
     case Qt::Key_PageUp: return from > 0 ? std::max(from - page, 0) : from;
     case Qt::Key_PageDown: return std::min(from + page, last);
-    case Qt::Key_Home: return 0;
+    case Qt::Key_Home: return std::min(0, last); // none without items
     case Qt::Key_End: return last;
     default: break;
     }
